@@ -1,0 +1,48 @@
+# A room is a folder, a static library and, where it has views, a QML module. Its include path is
+# src/<room>'s parent under its own name only, and it sees other rooms through its link list alone.
+
+add_library(murmeli_options INTERFACE)
+target_compile_definitions(murmeli_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH)
+target_compile_options(murmeli_options INTERFACE -Wall -Wextra -Wpedantic -Wnon-virtual-dtor)
+if(MURMELI_WARNINGS_AS_ERRORS)
+    target_compile_options(murmeli_options INTERFACE -Werror)
+endif()
+if(MURMELI_SANITIZE)
+    add_compile_options(-fsanitize=${MURMELI_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    add_link_options(-fsanitize=${MURMELI_SANITIZE})
+endif()
+
+# Headers of a room are included as "room/Header.h" by the rooms that link it: a farm of links
+# holding just that one folder is the only include path that the target gives away.
+function(murmeli_room_includes target room)
+    set(farm ${CMAKE_BINARY_DIR}/include/${room})
+    file(MAKE_DIRECTORY ${farm})
+    file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${room} ${farm}/${room} SYMBOLIC)
+    target_include_directories(${target} PUBLIC ${farm} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+endfunction()
+
+# murmeli_room(NAME room SOURCES … LINK …): a room without views.
+function(murmeli_room)
+    cmake_parse_arguments(ROOM "" "NAME" "SOURCES;LINK" ${ARGN})
+    add_library(murmeli_${ROOM_NAME} STATIC ${ROOM_SOURCES})
+    target_link_libraries(murmeli_${ROOM_NAME} PUBLIC ${ROOM_LINK} PRIVATE murmeli_options)
+    murmeli_room_includes(murmeli_${ROOM_NAME} ${ROOM_NAME})
+endfunction()
+
+# murmeli_qml_room(NAME room URI Murmeli.Room SOURCES … QML_FILES … SINGLETONS … RESOURCES … LINK …)
+function(murmeli_qml_room)
+    cmake_parse_arguments(ROOM "" "NAME;URI" "SOURCES;QML_FILES;SINGLETONS;RESOURCES;LINK" ${ARGN})
+    set(target murmeli_${ROOM_NAME})
+    qt_add_library(${target} STATIC)
+    set_source_files_properties(${ROOM_SINGLETONS} PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
+    qt_add_qml_module(${target}
+        URI ${ROOM_URI}
+        VERSION 1.0
+        RESOURCE_PREFIX ${MURMELI_QML_PREFIX}
+        IMPORT_PATH ${QT_QML_OUTPUT_DIRECTORY}
+        SOURCES ${ROOM_SOURCES}
+        QML_FILES ${ROOM_QML_FILES} ${ROOM_SINGLETONS}
+        RESOURCES ${ROOM_RESOURCES})
+    target_link_libraries(${target} PUBLIC ${ROOM_LINK} Qt6::Quick PRIVATE murmeli_options)
+    murmeli_room_includes(${target} ${ROOM_NAME})
+endfunction()

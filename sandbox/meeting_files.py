@@ -1,0 +1,114 @@
+"""What the service leaves behind for a meeting: summary file, protocol Markdown, stored analysis."""
+
+from __future__ import annotations
+
+import json
+from datetime import datetime, timedelta, timezone
+from pathlib import Path
+from random import Random
+
+import homes
+import scenarios_en
+import scenarios_ru
+from compose import Meeting, compose
+from homes import Home
+
+RUSSIAN, ENGLISH = scenarios_ru.LANGUAGE, scenarios_en.LANGUAGE
+TRANSCRIPT = "Транскрипт"  # the interface finds the transcript by this word, in any language
+
+
+def recorded_meeting(seed: int, number: int, started: datetime) -> Meeting:
+    """What the recording with this number turns out to be: two in three are Russian."""
+    order = Random(f"{seed}:order")
+    russian = [(RUSSIAN, team, scene) for team in RUSSIAN.teams for scene in team.scenes]
+    english = [(ENGLISH, team, scene) for team in ENGLISH.teams for scene in team.scenes]
+    order.shuffle(russian)
+    order.shuffle(english)
+    index, turn = divmod(number - 1, 3)
+    pool, place = (english, index) if turn == 1 else (russian, index * 2 + (turn > 0))
+    language, team, lead = pool[place % len(pool)]
+    rng = Random(f"{seed}:{number}")
+    topics = rng.sample(language.routines, 4)
+    return compose(language, team, lead, topics[:3], started, rng,
+                   postponed=topics[3] if rng.random() < 0.3 else None)
+
+
+def protocol_name(meeting: Meeting) -> str:
+    # The title stays readable in the name: it is how a moved protocol is found again.
+    title = "".join("-" if sign in "/:\\" or ord(sign) < 32 else sign for sign in meeting.title)
+    return f"{meeting.started:%Y-%m-%d %H-%M-%S} {title}.md"
+
+
+def write(home: Home, meeting: Meeting, *, short: bool = False, exact: bool | None = True,
+          extra_meta: dict | None = None) -> list[Path]:
+    """Writes protocol and summary file. `exact` None leaves the dynamics out."""
+    while (home.logs / f"{meeting.stem}.protocol.json").exists():
+        meeting.started += timedelta(seconds=1)
+    home.vault.mkdir(parents=True, exist_ok=True)
+    home.logs.mkdir(parents=True, exist_ok=True)
+    protocol = home.vault / protocol_name(meeting)
+    summary_file = home.logs / f"{meeting.stem}.protocol.json"
+    homes.write_whole(protocol, protocol_markdown(meeting, short))
+    summary = summary_object(meeting, protocol, exact)
+    summary["_meta"] |= extra_meta or {}
+    homes.write_whole(summary_file, pretty(summary))  # last: once it is there, all of it is there
+    return [protocol, summary_file]
+
+
+def write_report(home: Home, meeting: Meeting) -> Path:
+    path = home.logs / f"{meeting.stem}.report.json"
+    homes.write_whole(path, pretty(meeting.report, sort_keys=True))
+    return path
+
+
+def summary_object(meeting: Meeting, protocol: Path, exact: bool | None) -> dict:
+    utc = meeting.started.astimezone(timezone.utc)
+    meta = {
+        "started_at": utc.isoformat(timespec="milliseconds").replace("+00:00", "Z"),
+        "duration_min": round(meeting.seconds / 60, 1),
+        "protocol_md": str(protocol),
+    }
+    if exact is not None:
+        meta["analytics"] = meeting.analytics(exact)
+    return {
+        "title": meeting.title,
+        "tldr": meeting.tldr,
+        "summary": meeting.summary,
+        "participants": meeting.people,
+        "decisions": meeting.decisions,
+        "action_items": meeting.action_items,
+        "next_steps": meeting.next_steps,
+        "open_questions": meeting.open_questions,
+        "risks": meeting.risks,
+        "language": meeting.language.code,
+        "_meta": meta,
+    }
+
+
+def protocol_markdown(meeting: Meeting, short: bool = False) -> str:
+    words = meeting.language.words
+    out = [f"# {meeting.title}", "",
+           f"**{words['date']}:** {meeting.started:%d.%m.%Y, %H:%M}  ",
+           f"**{words['people']}:** {', '.join(meeting.people)}", "",
+           f"> {meeting.tldr}", ""]
+
+    def section(heading: str, rows: list[str], mark: str = "-") -> None:
+        if rows:
+            out.extend([f"## {words[heading]}", "", *(f"{mark} {row}" for row in rows), ""])
+
+    if not short:
+        out.extend([f"## {words['summary']}", "", meeting.summary, ""])
+    section("decisions", meeting.decisions)
+    section("tasks", [" — ".join(filter(None, (item["task"], item["owner"], item["due"])))
+                      for item in meeting.action_items], "- [ ]")
+    if not short:
+        section("steps", meeting.next_steps)
+        section("questions", meeting.open_questions)
+        section("risks", meeting.risks)
+    out.extend([f"## {words['transcript']}", ""])
+    out.extend(f"> {turn.stamp} {turn.speaker}: {turn.text}" for turn in meeting.turns)
+    return "\n".join(out) + "\n"
+
+
+def pretty(value: dict, sort_keys: bool = False) -> str:
+    return json.dumps(value, ensure_ascii=False, indent=2, sort_keys=sort_keys) + "\n"

@@ -1,0 +1,248 @@
+#include "AppDelegate.h"
+
+#include "KeyPanel.h"
+#include "base/Scheduler.h"
+#include "localisation/Language.h"
+#include "platform/PanelPlacement.h"
+#include "platform/StatusItem.h"
+#include "platform/WindowSystem.h"
+#include "platform/Workspace.h"
+#include "service/AppInfo.h"
+#include "ui/Look.h"
+#include "ui/SymbolImage.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr auto blinkInterval = 700ms;
+constexpr auto trayPatience = 2s; ///< at log-in the tray may come later than we do
+constexpr qint64 samePress = 400; ///< milliseconds in which a press can both close the panel and reach the icon
+
+const QColor recordingRed = QColor::fromRgbF(0.855F, 0.243F, 0.31F);
+constexpr float dimAlpha = 0.4F;
+
+QIcon iconOf(const std::function<QImage(int)>& draw)
+{
+    QIcon icon;
+    for (const int side : {16, 22, 24, 32, 44, 48, 64}) icon.addPixmap(QPixmap::fromImage(draw(side)));
+    return icon;
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(const Paths& paths, Prefs& prefs, Language& language, Look& look,
+                         Scheduler& scheduler, StatusItem& statusItem, QObject* parent)
+    : QObject(parent),
+      m_paths(paths),
+      m_language(language),
+      m_look(look),
+      m_scheduler(scheduler),
+      m_statusItem(statusItem),
+      m_state(paths, scheduler),
+      m_record(paths, m_state, scheduler),
+      m_panel(m_state, m_record, prefs, language, scheduler),
+      m_toasts(m_engine, scheduler,
+               [] {
+                   const QScreen* screen = QGuiApplication::primaryScreen();
+                   return screen ? screen->availableGeometry() : QRect{};
+               }),
+      m_notifier(paths, prefs, language, scheduler, [this](const ToastText& toast) {
+          m_look.setCompositing(windowSystem::compositing());
+          m_toasts.show(toast);
+      })
+{
+    m_engine.addImportPath(u"qrc:/qt/qml"_s);
+    m_language.install(m_engine);
+    m_look.install(m_engine);
+
+    connect(&m_state, &AppState::changed, this, &AppDelegate::followStatus);
+    connect(&m_state, &AppState::authRequired, this, &AppDelegate::openPanel);
+    connect(&m_state, &AppState::statusRead, this, [this](const QString& from, const QString& to) {
+        m_language.refresh(); // whoever changed the preference, it shows within one reading of the state
+        m_notifier.recordingChanged(from, to);
+    });
+    connect(&m_language, &Language::changed, this, &AppDelegate::updateTexts);
+    connect(&m_record, &RecordControl::pendingChanged, this, &AppDelegate::updateTexts);
+    connect(&m_look, &Look::changed, this, &AppDelegate::updateIcon);
+    connect(&m_statusItem, &StatusItem::pressed, this, &AppDelegate::toggle);
+    connect(&m_statusItem, &StatusItem::recordChosen, &m_record, &RecordControl::toggle);
+    connect(&m_statusItem, &StatusItem::openChosen, this, &AppDelegate::openPanel);
+    connect(&m_statusItem, &StatusItem::quitChosen, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    connectPanel();
+}
+
+AppDelegate::~AppDelegate()
+{
+    m_floating.reset(); // before the engine and the objects that their views read
+    m_window.reset();
+}
+
+void AppDelegate::connectPanel()
+{
+    connect(&m_panel, &PanelModel::closeRequested, this, &AppDelegate::closePanel);
+    connect(&m_panel, &PanelModel::meetingsRequested, this, [this] {
+        closePanel();
+        workspace::openFolder(m_paths.vaultDir);
+    });
+    connect(&m_panel, &PanelModel::mainWindowRequested, this, [this] {
+        closePanel();
+        showWindow();
+    });
+    connect(&m_panel, &PanelModel::botRequested, this,
+            [] { workspace::openUrl(QUrl{AppInfo::botLink()}); });
+    connect(&m_panel, &PanelModel::signInRequested, this,
+            [] { workspace::openUrl(QUrl{AppInfo::accountSite()}); });
+    connect(&m_panel, &PanelModel::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+void AppDelegate::start()
+{
+    updateTexts();
+    updateIcon();
+    m_statusItem.show();
+    m_scheduler.after(0ms, this, [this] { floatingPanel(); });
+    m_scheduler.after(trayPatience, this, [this] {
+        if (!m_statusItem.hasTray()) showWindow();
+    });
+}
+
+KeyPanel* AppDelegate::floatingPanel()
+{
+    if (m_floating) return m_floating.get();
+    m_look.setCompositing(windowSystem::compositing());
+    m_floating = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Floating, m_state, m_record, m_panel);
+    connect(m_floating.get(), &KeyPanel::contentSizeChanged, this, [this] {
+        if (m_floating->isOpen()) placePanel();
+    });
+    connect(m_floating.get(), &KeyPanel::pressedOutside, this, [this] {
+        // The icon's own action will toggle.
+        if (m_statusItem.geometry().contains(QCursor::pos())) return;
+        m_closedFromOutside.start();
+        closePanel();
+    });
+    return m_floating.get();
+}
+
+void AppDelegate::toggle()
+{
+    m_pressedAt = QCursor::pos();
+    // Where the icon's place is unknown, the press that closed the panel may have been on the icon itself.
+    const bool unknownPlace = m_statusItem.geometry().isEmpty();
+    if (unknownPlace && m_closedFromOutside.isValid() && m_closedFromOutside.elapsed() < samePress) return;
+    if (floatingPanel()->isOpen()) {
+        closePanel();
+    } else {
+        openPanel();
+    }
+}
+
+QRect AppDelegate::anchor() const
+{
+    const QRect icon = m_statusItem.geometry();
+    if (!icon.isEmpty()) return icon;
+    if (!m_pressedAt.isNull()) return {m_pressedAt, QSize{1, 1}};
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return screen ? QRect{screen->availableGeometry().topRight(), QSize{1, 1}} : QRect{};
+}
+
+void AppDelegate::openPanel()
+{
+    if (!m_statusItem.hasTray()) {
+        showWindow();
+        return;
+    }
+    m_look.setCompositing(windowSystem::compositing());
+    placePanel();
+}
+
+void AppDelegate::placePanel()
+{
+    const QRect icon = anchor();
+    const QScreen* screen = QGuiApplication::screenAt(icon.center());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    if (!screen) return;
+    KeyPanel* panel = floatingPanel();
+    const PanelPlacement place =
+        murmeli::placePanel(icon, screen->availableGeometry(), panel->contentSize());
+    m_state.setArrowX(place.arrowX);
+    panel->openAt(place.panel);
+}
+
+void AppDelegate::closePanel()
+{
+    if (m_floating) m_floating->closePanel();
+}
+
+void AppDelegate::showWindow()
+{
+    if (!m_window) {
+        m_window =
+            std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_state, m_record, m_panel);
+    }
+    m_window->openOrdinary();
+}
+
+void AppDelegate::told(const QString& line)
+{
+    // A second start shows nothing by itself where the icon is there to be pressed.
+    if (line == "activate"_L1 && !m_statusItem.hasTray()) showWindow();
+}
+
+void AppDelegate::followStatus()
+{
+    if (m_state.isRecording() == bool(m_blinking)) {
+        updateIcon();
+        updateTexts();
+        return;
+    }
+    m_blinkBright = true;
+    if (m_state.isRecording()) {
+        m_blinking = std::make_unique<QObject>();
+        m_scheduler.every(blinkInterval, m_blinking.get(), [this] {
+            m_blinkBright = !m_blinkBright;
+            updateIcon();
+        });
+    } else {
+        m_blinking.reset();
+    }
+    updateIcon();
+    updateTexts();
+}
+
+void AppDelegate::updateIcon()
+{
+    StatusItem::Look look;
+    if (m_state.isRecording()) {
+        QColor disc = recordingRed;
+        if (!m_blinkBright) disc.setAlphaF(dimAlpha);
+        look.isTemplate = false;
+        look.icon = iconOf([&](int side) { return symbols::recording(side, disc); });
+    } else {
+        const bool processing = m_state.isProcessing();
+        const QString symbol = processing ? u"gearshape.2.fill"_s : u"waveform.tray"_s;
+        const QColor ink = m_look.dark() ? QColor{0xff, 0xff, 0xff} : QColor{0x1b, 0x1c, 0x22};
+        look.symbolName = processing ? u"murmeli-processing-symbolic"_s : u"murmeli-idle-symbolic"_s;
+        look.icon = iconOf([&](int side) { return symbols::inked(symbol, side, ink); });
+    }
+    m_statusItem.setLook(look);
+}
+
+void AppDelegate::updateTexts()
+{
+    m_statusItem.setName(m_language.t(u"tray.name"_s, m_panel.title()));
+    m_statusItem.setMenu({m_record.waiting() ? m_panel.line() : m_panel.title(),
+                          m_language.t(m_state.isRecording() ? u"tray.stop"_s : u"tray.start"_s),
+                          m_language.t(u"tray.open"_s),
+                          PanelModel::hasSettings() ? m_language.t(u"tray.settings"_s) : QString{},
+                          m_language.t(u"tray.quit"_s)});
+}
+
+} // namespace murmeli

@@ -1,0 +1,101 @@
+import QtQuick
+import QtQuick.Layouts
+import Murmeli.Ui
+
+// A notice at the top of the panel. It grows into its place and fades in.
+Item {
+    id: root
+
+    required property bool shown
+    required property color accent
+    required property color ink
+    required property string symbol
+    required property string title
+    property string body
+    property bool closable: false
+    property string closeHelp
+    property alias action: actionSlot.data
+    readonly property bool prominent: body.length > 0
+
+    signal dismissed()
+
+    property real unfolded: shown ? 1 : 0
+
+    implicitHeight: (card.implicitHeight + Theme.padPanel) * unfolded
+    visible: unfolded > 0
+    opacity: unfolded
+    clip: unfolded < 1
+
+    Behavior on unfolded { NumberAnimation { duration: Theme.base; easing.type: Easing.OutCubic } }
+
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: body.length > 0 ? title + ". " + body : title
+    Accessible.ignored: !shown
+
+    Rectangle {
+        id: card
+        anchors { left: parent.left; right: parent.right; top: parent.top }
+        anchors.topMargin: Theme.padPanel
+        anchors.leftMargin: Theme.padPanel
+        anchors.rightMargin: Theme.padPanel
+        implicitHeight: content.implicitHeight + 22
+        radius: Theme.rCard
+        color: Theme.tintBanner(root.accent)
+        border.width: Theme.hair
+        border.color: Theme.tintLine(root.accent)
+
+        RowLayout {
+            id: content
+            anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
+            anchors.leftMargin: Theme.padPanel
+            anchors.rightMargin: root.closable ? 30 : Theme.padPanel - 2
+            spacing: 10
+
+            Symbol {
+                Layout.alignment: root.closable ? Qt.AlignTop : Qt.AlignVCenter
+                Layout.preferredWidth: Theme.symbolBanner
+                Layout.preferredHeight: Theme.symbolBanner
+                size: Theme.symbolBanner
+                name: root.symbol
+                ink: root.ink
+            }
+            ColumnLayout {
+                Layout.fillWidth: true
+                spacing: 3
+                Label {
+                    Layout.fillWidth: true
+                    type: root.prominent ? Theme.labelStrong : Theme.label
+                    wrapMode: Text.Wrap
+                    text: root.title
+                    Accessible.ignored: true
+                }
+                Label {
+                    Layout.fillWidth: true
+                    visible: root.body.length > 0
+                    type: Theme.caption
+                    color: Theme.text2
+                    wrapMode: Text.Wrap
+                    text: root.body
+                    Accessible.ignored: true
+                }
+            }
+            Item {
+                id: actionSlot
+                visible: children.length > 0
+                implicitWidth: childrenRect.width
+                implicitHeight: childrenRect.height
+            }
+        }
+        IconButton {
+            anchors { right: parent.right; top: parent.top }
+            anchors.margins: 6
+            visible: root.closable
+            symbol: "xmark"
+            symbolSize: Theme.symbolSmall
+            side: Theme.buttonSmall
+            round: true
+            help: root.closeHelp
+            onClicked: root.dismissed()
+        }
+    }
+}

@@ -1,0 +1,108 @@
+#include "KeyPanel.h"
+
+#include "PanelModel.h"
+#include "platform/ClickOutside.h"
+#include "platform/WindowSystem.h"
+
+#include <QKeyEvent>
+#include <QQuickItem>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr Qt::WindowFlags floatingFlags =
+    Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
+
+} // namespace
+
+KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, AppState& state, RecordControl& record, PanelModel& panel)
+    : QQuickView(&engine, nullptr), m_kind(kind), m_state(state)
+{
+    const bool floating = kind == Kind::Floating;
+    if (floating) {
+        setFlags(floatingFlags);
+        setColor(Qt::transparent);
+    }
+    setTitle(u"Murmeli"_s);
+    setResizeMode(floating ? QQuickView::SizeRootObjectToView : QQuickView::SizeViewToRootObject);
+    setInitialProperties({{u"appState"_s, QVariant::fromValue(&state)},
+                          {u"record"_s, QVariant::fromValue(&record)},
+                          {u"panel"_s, QVariant::fromValue(&panel)},
+                          {u"floating"_s, floating}});
+    setSource(QUrl{u"qrc:/qt/qml/Murmeli/App/PanelView.qml"_s});
+    if (QQuickItem* root = rootObject()) {
+        connect(root, SIGNAL(fadedOut()), this, SLOT(hide()));
+        connect(root, SIGNAL(pressedOutside()), this, SIGNAL(pressedOutside()));
+        connect(root, &QQuickItem::implicitHeightChanged, this, &KeyPanel::contentSizeChanged);
+    }
+}
+
+KeyPanel::~KeyPanel() = default;
+
+QSize KeyPanel::contentSize() const
+{
+    const QObject* root = rootObject();
+    return root ? root->property("contentSize").toSizeF().toSize() : QSize{};
+}
+
+void KeyPanel::openAt(const QRect& place)
+{
+    const QObject* root = rootObject();
+    if (!root) return;
+    const int side = root->property("sideMargin").toInt();
+    const int top = root->property("topMargin").toInt();
+    const int bottom = root->property("bottomMargin").toInt();
+    setGeometry(place.adjusted(-side, -top, side, bottom));
+    if (m_open) return;
+    setOpen(true);
+    show();
+    windowSystem::floatEverywhere(this);
+    raise();
+    requestActivate();
+    m_clickOutside = makeClickOutside(this, [this] { emit pressedOutside(); });
+}
+
+void KeyPanel::openOrdinary()
+{
+    setOpen(true);
+    show();
+    raise();
+    requestActivate();
+}
+
+void KeyPanel::closePanel()
+{
+    if (!m_open) return;
+    m_clickOutside.reset();
+    setOpen(false); // the view fades and then asks to be hidden
+    emit closed();
+}
+
+void KeyPanel::setOpen(bool open)
+{
+    m_open = open;
+    if (QObject* root = rootObject()) root->setProperty("open", open);
+}
+
+void KeyPanel::hideEvent(QHideEvent* event)
+{
+    QQuickView::hideEvent(event);
+    if (m_kind == Kind::Ordinary && m_open) setOpen(false);
+}
+
+void KeyPanel::keyPressEvent(QKeyEvent* event)
+{
+    QQuickView::keyPressEvent(event);
+    if (event->isAccepted() || event->key() != Qt::Key_Escape) return;
+    // What popped up last goes first.
+    if (m_state.authFlag()) {
+        m_state.dismissAuthBanner();
+    } else if (m_kind == Kind::Floating) {
+        closePanel();
+    }
+}
+
+} // namespace murmeli

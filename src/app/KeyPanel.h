@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QQuickView>
+#include <memory>
+
+namespace murmeli {
+
+class AppState;
+class ClickOutside;
+class PanelModel;
+class RecordControl;
+
+/// A window that holds the panel view: floating under the status item, or an ordinary window where the
+/// desktop has no tray. Takes the keyboard although the program is not the active one. Main thread only.
+class KeyPanel final : public QQuickView {
+    Q_OBJECT
+
+public:
+    enum class Kind { Floating, Ordinary };
+
+    KeyPanel(QQmlEngine& engine, Kind kind, AppState& state, RecordControl& record, PanelModel& panel);
+    ~KeyPanel() override;
+    Q_DISABLE_COPY_MOVE(KeyPanel)
+
+    /// Open from the moment it is asked to, closed from the moment it is asked to, however it fades.
+    [[nodiscard]] bool isOpen() const { return m_open; }
+
+    /// Without the shadow around it, in device-independent pixels.
+    [[nodiscard]] QSize contentSize() const;
+
+    /// Shows the panel so that its body covers `place`; called again it moves the panel there.
+    void openAt(const QRect& place);
+    /// Shows it as an ordinary window, or brings it forward.
+    void openOrdinary();
+    void closePanel();
+
+signals:
+    void contentSizeChanged();
+    void pressedOutside();
+    void closed();
+
+protected:
+    void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void setOpen(bool open);
+
+    Kind m_kind;
+    AppState& m_state;
+    bool m_open = false;
+    std::unique_ptr<ClickOutside> m_clickOutside;
+};
+
+} // namespace murmeli

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "ToastCenter.h"
+
+#include <QString>
+#include <functional>
+
+namespace murmeli {
+
+class Language;
+class Prefs;
+class Scheduler;
+struct Paths;
+
+/// Decides what is announced when a recording starts or ends, and keeps a log of it. Main thread only.
+class Notifier final {
+public:
+    using Show = std::function<void(const ToastText&)>;
+
+    Notifier(const Paths& paths, const Prefs& prefs, const Language& language, const Scheduler& scheduler,
+             Show show);
+
+    /// To be told the status before and after every reading of the state.
+    void recordingChanged(const QString& from, const QString& to);
+
+    /// Appends a line with the time to the notifications log; a line that cannot be written is lost.
+    void log(const QString& text) const;
+
+private:
+    QString m_logFile;
+    const Prefs& m_prefs;
+    const Language& m_language;
+    const Scheduler& m_scheduler;
+    Show m_show;
+};
+
+} // namespace murmeli

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QQuickPaintedItem>
+#include <QVariantMap>
+
+namespace murmeli {
+
+/// One layer of the orb, painted once for each style and device ratio; views only scale and fade it. The arc is
+/// painted anew as it turns, since a rotated picture of so thin a line has jagged edges.
+/// Colours and measures come with the style, so that they live where all others do.
+class OrbArt : public QQuickPaintedItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(Part part MEMBER m_part NOTIFY lookChanged FINAL)
+    Q_PROPERTY(QVariantMap style MEMBER m_style NOTIFY lookChanged FINAL)
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged FINAL)
+    Q_PROPERTY(double strokeWidth MEMBER m_strokeWidth NOTIFY lookChanged FINAL)
+    Q_PROPERTY(int turned MEMBER m_turned NOTIFY lookChanged FINAL) ///< degrees, clockwise
+
+public:
+    enum class Part { Wash, Halo, Ring, Arc, Core };
+    Q_ENUM(Part)
+
+    explicit OrbArt(QQuickItem* parent = nullptr);
+
+    void paint(QPainter* painter) override;
+
+signals:
+    void lookChanged();
+
+private:
+    void paintWash(QPainter& painter) const;
+    void paintHalo(QPainter& painter) const;
+    void paintRing(QPainter& painter, const QBrush& brush) const;
+    void paintArc(QPainter& painter) const;
+    void paintCore(QPainter& painter) const;
+
+    Part m_part = Part::Core;
+    QVariantMap m_style;
+    QColor m_color;
+    double m_strokeWidth = 1.5;
+    int m_turned = 0;
+};
+
+} // namespace murmeli

@@ -1,0 +1,43 @@
+import QtQuick
+import QtQuick.Layouts
+import Murmeli.App
+import Murmeli.Localisation
+import Murmeli.Ui
+
+RowLayout {
+    id: root
+
+    required property PanelModel panel
+
+    spacing: 5
+
+    PillButton {
+        text: L.t("panel.protocols")
+        onClicked: root.panel.meetingsRequested()
+    }
+    PillButton {
+        symbol: "macwindow"
+        symbolSize: 14
+        text: L.t("panel.open_app")
+        onClicked: root.panel.mainWindowRequested()
+    }
+    Item { Layout.fillWidth: true }
+    Label {
+        Layout.rightMargin: Theme.gapSmall
+        type: Theme.caption
+        color: Theme.text3
+        text: root.panel.version
+        Accessible.name: L.t("panel.version", root.panel.version)
+    }
+    IconButton {
+        symbol: "gearshape"
+        help: L.t("settings.window.title")
+        enabled: root.panel.hasSettings
+        onClicked: root.panel.settingsRequested()
+    }
+    IconButton {
+        symbol: "power"
+        help: root.panel.quitHelp
+        onClicked: root.panel.quitRequested()
+    }
+}

@@ -1,0 +1,211 @@
+#include "PanelModel.h"
+
+#include "base/Dates.h"
+#include "base/Scheduler.h"
+#include "localisation/Language.h"
+#include "service/AppInfo.h"
+#include "service/Prefs.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr auto clockInterval = 1s;
+constexpr double longestTime = 1e9; // seconds; a start before that is a damaged figure, shown as the longest
+
+const QString formatKey = u"protocol_format"_s;
+const QString autoRecordKey = u"auto_record"_s;
+
+} // namespace
+
+PanelModel::PanelModel(const AppState& state, const RecordControl& record, Prefs& prefs,
+                       const Language& language, Scheduler& scheduler, QObject* parent)
+    : QObject(parent),
+      m_state(state),
+      m_record(record),
+      m_prefs(prefs),
+      m_language(language),
+      m_scheduler(scheduler)
+{
+    readPreferences();
+    connect(&state, &AppState::changed, this, [this] {
+        runClock();
+        emit changed();
+        emit timeChanged();
+    });
+    connect(&state, &AppState::statusRead, this, &PanelModel::readPreferences);
+    connect(&record, &RecordControl::pendingChanged, this, &PanelModel::changed);
+    connect(&language, &Language::changed, this, [this] {
+        emit changed();
+        emit timeChanged();
+    });
+}
+
+QString PanelModel::text(const char* key) const { return m_language.t(QString::fromLatin1(key)); }
+
+PanelModel::Face PanelModel::face() const
+{
+    if (m_state.isRecording()) return Face::Recording;
+    return m_state.isProcessing() ? Face::Processing : Face::Idle;
+}
+
+QString PanelModel::title() const
+{
+    switch (face()) {
+    case Face::Recording: return text("panel.title.recording");
+    case Face::Processing: return text("panel.title.processing");
+    case Face::Idle: break;
+    }
+    return text("panel.title.idle");
+}
+
+PanelModel::Line PanelModel::lineKind() const
+{
+    if (m_record.waiting()) return Line::Waiting;
+    if (m_hoverOrb) return Line::Invitation;
+    return m_state.isRecording() && m_state.since() > 0 ? Line::RunningTime : Line::Subtitle;
+}
+
+QString PanelModel::line() const
+{
+    switch (lineKind()) {
+    case Line::Waiting:
+        return text(m_record.pending() == RecordControl::Pending::Starting ? "panel.pending.starting"
+                                                                            : "panel.pending.stopping");
+    case Line::Invitation: return text(m_state.isRecording() ? "panel.hover.stop" : "panel.hover.record");
+    case Line::RunningTime: return text("panel.timer.label");
+    case Line::Subtitle: break;
+    }
+    if (!m_state.detail().isEmpty()) return m_state.detail();
+    switch (face()) {
+    case Face::Recording: return text("panel.subtitle.recording");
+    case Face::Processing: return text("panel.subtitle.processing");
+    case Face::Idle: break;
+    }
+    return text("panel.subtitle.idle");
+}
+
+QString PanelModel::jobsLine() const
+{
+    if (!m_state.isRecording() || m_state.jobs() < 1) return {};
+    if (m_state.jobs() == 1) return text("panel.jobs.one");
+    return m_language.t(u"panel.jobs.many"_s, QString::number(m_state.jobs()));
+}
+
+QString PanelModel::orbName() const
+{
+    return text(m_state.isRecording() ? "panel.orb.name.stop" : "panel.orb.name.record");
+}
+
+QString PanelModel::orbHelp() const
+{
+    return text(m_state.isRecording() ? "panel.orb.help.stop" : "panel.orb.help.record");
+}
+
+// The state speaks Russian by default; an English interface shows the same words in English.
+QString PanelModel::authTitle() const
+{
+    return m_state.authTitle() == AppState::defaultAuthTitle ? text("panel.auth.title") : m_state.authTitle();
+}
+
+QString PanelModel::authBody() const
+{
+    return m_state.authBody() == AppState::defaultAuthBody ? text("panel.auth.body") : m_state.authBody();
+}
+
+QString PanelModel::quitHelp() const
+{
+#ifdef Q_OS_MACOS
+    return text("panel.quit.help");
+#else
+    return text("panel.quit.help.linux");
+#endif
+}
+
+QString PanelModel::version() { return AppInfo::version; }
+
+qint64 PanelModel::elapsedSeconds() const
+{
+    return qint64(std::clamp(m_scheduler.now() - m_state.since(), 0.0, longestTime));
+}
+
+QString PanelModel::time() const
+{
+    const qint64 seconds = elapsedSeconds();
+    return u"%1:%2"_s.arg(seconds / 60, 2, 10, QChar{u'0'}).arg(seconds % 60, 2, 10, QChar{u'0'});
+}
+
+QString PanelModel::spokenTime() const
+{
+    return m_language.t(u"panel.timer.spoken"_s,
+                        dates::spokenDuration(elapsedSeconds(), m_language.current()));
+}
+
+void PanelModel::setFormat(const QString& format)
+{
+    m_prefs.set(formatKey, format);
+    if (std::exchange(m_format, format) != format) emit preferencesChanged();
+}
+
+void PanelModel::setAutoRecord(bool on)
+{
+    m_prefs.set(autoRecordKey, on);
+    if (std::exchange(m_autoRecord, on) != on) emit preferencesChanged();
+}
+
+void PanelModel::readPreferences()
+{
+    const QString format = m_prefs.string(formatKey, u"full"_s);
+    const bool autoRecord = m_prefs.boolean(autoRecordKey, true);
+    if (format == m_format && autoRecord == m_autoRecord) return;
+    m_format = format;
+    m_autoRecord = autoRecord;
+    emit preferencesChanged();
+}
+
+void PanelModel::setHoverOrb(bool over)
+{
+    if (std::exchange(m_hoverOrb, over) != over) emit changed();
+}
+
+void PanelModel::setWatched(bool watched)
+{
+    if (std::exchange(m_watched, watched) == watched) return;
+    if (watched) readPreferences();
+    runClock();
+    emit timeChanged();
+    emit watchedChanged();
+}
+
+void PanelModel::runClock()
+{
+    const bool needed = m_watched && m_state.isRecording() && m_state.since() > 0;
+    if (needed == bool(m_clock)) return;
+    if (!needed) {
+        m_clock.reset();
+        return;
+    }
+    m_clock = std::make_unique<QObject>();
+    m_scheduler.every(clockInterval, m_clock.get(), [this] { emit timeChanged(); });
+}
+
+void PanelModel::setSignedIn(bool signedIn)
+{
+    if (std::exchange(m_signedIn, signedIn) != signedIn) emit changed();
+}
+
+void PanelModel::setUpdate(const QString& version, bool installing)
+{
+    if (m_updateVersion == version && m_updateInstalling == installing) return;
+    m_updateVersion = version;
+    m_updateInstalling = installing;
+    emit changed();
+}
+
+} // namespace murmeli

@@ -1,0 +1,259 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Window
+import Murmeli.App
+import Murmeli.Localisation
+import Murmeli.Service
+import Murmeli.Ui
+
+// The everyday face of Murmeli: what the service is doing, the record button, two preferences, delivery.
+Item {
+    id: root
+
+    required property AppState appState
+    required property RecordControl record
+    required property PanelModel panel
+    property bool floating: true
+    property bool open: false
+
+    signal fadedOut()
+    signal pressedOutside()
+
+    readonly property size contentSize: Qt.size(Theme.panelWidth, body.y - topMargin + body.height)
+    readonly property int sideMargin: floating ? Theme.shadowExtent : 0
+    readonly property int topMargin: floating ? Math.min(Theme.shadowExtent, 12) : 0
+    readonly property int bottomMargin: floating ? Theme.shadowExtent : 0
+    readonly property bool onScreen: visible && Window.visibility !== Window.Hidden && (open || fade.running)
+
+    function focusFirst(): void {
+        orb.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
+    implicitWidth: Theme.panelWidth + 2 * sideMargin
+    implicitHeight: topMargin + contentSize.height + bottomMargin
+
+    onOnScreenChanged: panel.watched = onScreen
+    onOpenChanged: {
+        if (open) focusFirst();
+        else if (!floating) root.fadedOut();
+    }
+
+    states: State {
+        name: "open"
+        when: root.open || !root.floating
+    }
+    transitions: [
+        Transition {
+            to: "open"
+            ParallelAnimation {
+                NumberAnimation { target: sheet; property: "opacity"; from: 0; to: 1; duration: Theme.quick; easing.type: Easing.OutCubic }
+                NumberAnimation { target: sheet; property: "y"; from: -Theme.drop; to: 0; duration: Theme.quick; easing.type: Easing.OutCubic }
+            }
+        },
+        Transition {
+            from: "open"
+            SequentialAnimation {
+                id: fade
+                NumberAnimation { target: sheet; property: "opacity"; to: 0; duration: Theme.closing }
+                ScriptAction { script: root.fadedOut() }
+            }
+        }
+    ]
+
+    MouseArea { // the shadow around the panel belongs to our window, but not to the panel
+        anchors.fill: parent
+        enabled: root.floating
+        Accessible.ignored: true
+        onPressed: root.pressedOutside()
+    }
+
+    Item {
+        id: sheet
+        width: parent.width
+        height: parent.height
+
+        Shadow {
+            visible: root.floating && Theme.compositing
+            x: body.x - extent
+            y: body.y - extent
+            width: body.width + 2 * extent
+            height: body.height + 2 * extent
+            extent: Theme.shadowExtent
+            radius: Theme.rPanel
+            offset: Theme.popShadowOffset
+            blur: Theme.popShadowBlur
+            color: Theme.popShadow
+        }
+        Rectangle {
+            id: body
+            x: root.sideMargin
+            y: root.topMargin + (root.floating ? Theme.arrowHeight - 1 : 0)
+            width: root.floating ? Theme.panelWidth : root.width
+            height: column.implicitHeight
+            radius: root.floating && Theme.compositing ? Theme.rPanel : 0
+            color: Theme.bgPanel
+            border.width: root.floating ? Theme.hair : 0
+            border.color: Theme.popEdge
+
+            MouseArea { // presses between the controls stay in the panel
+                anchors.fill: parent
+                Accessible.ignored: true
+            }
+            Item {
+                anchors.fill: parent
+                anchors.margins: Theme.hair
+                clip: true
+                OrbArt {
+                    x: (parent.width - width) / 2
+                    y: hero.y + 88 - height / 2
+                    width: 400
+                    height: 320
+                    part: OrbArt.Wash
+                    style: root.panel.face === PanelModel.Recording ? Theme.orbRecording
+                        : root.panel.face === PanelModel.Processing ? Theme.orbProcessing : Theme.orbIdle
+                }
+            }
+            ColumnLayout {
+                id: column
+                width: parent.width
+                spacing: 0
+
+                Banner {
+                    Layout.fillWidth: true
+                    shown: root.appState.authFlag
+                    accent: Theme.pink
+                    ink: Theme.inkPink
+                    symbol: "person.crop.circle.badge.exclamationmark"
+                    title: root.panel.authTitle
+                    body: root.panel.authBody
+                    closable: true
+                    closeHelp: L.t("panel.auth.dismiss")
+                    onDismissed: root.appState.dismissAuthBanner()
+                }
+                Banner {
+                    Layout.fillWidth: true
+                    shown: root.appState.welcome
+                    accent: Theme.green
+                    ink: Theme.inkGreen
+                    symbol: "checkmark.seal.fill"
+                    title: L.t("panel.welcome.title")
+                    body: L.t("panel.welcome.body")
+                }
+                Banner {
+                    Layout.fillWidth: true
+                    shown: root.panel.updateVersion.length > 0
+                    accent: Theme.violet
+                    ink: Theme.inkViolet
+                    symbol: "arrow.down.circle.fill"
+                    title: L.t("update.subtitle.available", root.panel.updateVersion)
+                    action: PillButton {
+                        kind: root.panel.updateInstalling ? PillButton.Tinted : PillButton.Primary
+                        busy: root.panel.updateInstalling
+                        enabled: !root.panel.updateInstalling
+                        text: root.panel.updateInstalling ? L.t("update.action.installing") : L.t("update.action.install")
+                        onClicked: root.panel.updateRequested()
+                    }
+                }
+                ColumnLayout {
+                    id: hero
+                    Layout.fillWidth: true
+                    Layout.topMargin: 22
+                    Layout.bottomMargin: 18
+                    spacing: 0
+
+                    StatusOrb {
+                        id: orb
+                        Layout.alignment: Qt.AlignHCenter
+                        panel: root.panel
+                        record: root.record
+                        moving: root.onScreen
+                        focus: true
+                    }
+                    Label {
+                        Layout.alignment: Qt.AlignHCenter
+                        Layout.topMargin: 14
+                        type: Theme.panelTitle
+                        text: root.panel.title
+                    }
+                    Item {
+                        Layout.fillWidth: true
+                        Layout.topMargin: 3
+                        Layout.preferredHeight: root.panel.face === PanelModel.Recording ? 30 : Math.max(20, line.visible ? line.implicitHeight : 0)
+                        RecTimer {
+                            anchors.centerIn: parent
+                            panel: root.panel
+                            visible: root.panel.lineKind === PanelModel.RunningTime
+                        }
+                        Label {
+                            id: line
+                            anchors.centerIn: parent
+                            width: parent.width - 40
+                            visible: root.panel.lineKind !== PanelModel.RunningTime
+                            horizontalAlignment: Text.AlignHCenter
+                            wrapMode: Text.Wrap
+                            maximumLineCount: root.panel.face === PanelModel.Recording ? 1 : 3
+                            elide: Text.ElideRight
+                            type: Theme.sub
+                            text: root.panel.line
+                            color: root.panel.lineKind !== PanelModel.Invitation ? Theme.text2
+                                : root.panel.face === PanelModel.Recording ? Theme.inkRed : Theme.inkViolet
+                        }
+                    }
+                    Rectangle {
+                        Layout.alignment: Qt.AlignHCenter
+                        Layout.topMargin: 9
+                        visible: root.panel.jobsLine.length > 0
+                        implicitWidth: jobs.implicitWidth + 18
+                        implicitHeight: 22
+                        radius: 11
+                        color: Theme.fill
+                        Row {
+                            id: jobs
+                            x: 8
+                            anchors.verticalCenter: parent.verticalCenter
+                            spacing: 6
+                            ProcessingSpinner {
+                                anchors.verticalCenter: parent.verticalCenter
+                                size: Theme.symbolSmall
+                                moving: root.onScreen
+                            }
+                            Label {
+                                type: Theme.jobs
+                                color: Theme.text2
+                                text: root.panel.jobsLine
+                            }
+                        }
+                    }
+                }
+                PreferenceRows {
+                    Layout.fillWidth: true
+                    Layout.leftMargin: Theme.padPanel
+                    Layout.rightMargin: Theme.padPanel
+                    Layout.bottomMargin: Theme.gapGroup
+                    panel: root.panel
+                }
+                AccountRows {
+                    Layout.fillWidth: true
+                    Layout.leftMargin: Theme.padPanel
+                    Layout.rightMargin: Theme.padPanel
+                    Layout.bottomMargin: Theme.gapGroup
+                    panel: root.panel
+                    appState: root.appState
+                }
+                PanelFooter {
+                    Layout.fillWidth: true
+                    Layout.leftMargin: Theme.padPanel
+                    Layout.rightMargin: Theme.gapRow
+                    Layout.topMargin: 2
+                    Layout.bottomMargin: Theme.padPanel
+                    panel: root.panel
+                }
+            }
+        }
+        Triangle {
+            visible: root.floating
+            x: body.x + root.appState.arrowX - width / 2
+            y: body.y - height + 1.5
+        }
+    }
+}

@@ -1,0 +1,45 @@
+#include "RecordControl.h"
+
+#include "base/Scheduler.h"
+#include "service/CommandFile.h"
+
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr auto answerTime = 12s;
+
+} // namespace
+
+RecordControl::RecordControl(const Paths& paths, const AppState& state, Scheduler& scheduler, QObject* parent)
+    : QObject(parent), m_commandFile(paths.commandFile), m_state(state), m_scheduler(scheduler)
+{
+    connect(&state, &AppState::changed, this, [this] {
+        const bool answered = m_pending == Pending::Starting ? m_state.isRecording() : !m_state.isRecording();
+        if (answered) setPending(Pending::None);
+    });
+}
+
+void RecordControl::toggle()
+{
+    if (waiting()) return;
+    const bool stop = m_state.isRecording();
+    setPending(stop ? Pending::Stopping : Pending::Starting);
+    commandFile::write(m_commandFile, stop ? commandFile::Action::Stop : commandFile::Action::Start,
+                       m_scheduler.now());
+    const auto request = ++m_request;
+    m_scheduler.after(answerTime, this, [this, request] {
+        if (request == m_request) setPending(Pending::None);
+    });
+}
+
+void RecordControl::setPending(Pending pending)
+{
+    if (std::exchange(m_pending, pending) != pending) emit pendingChanged();
+}
+
+} // namespace murmeli

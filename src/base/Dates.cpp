@@ -1,0 +1,65 @@
+#include "Dates.h"
+
+#include <QTimeZone>
+#include <memory>
+#include <unicode/dtptngen.h>
+#include <unicode/measfmt.h>
+#include <unicode/measunit.h>
+#include <unicode/measure.h>
+#include <unicode/smpdtfmt.h>
+#include <unicode/timezone.h>
+#include <vector>
+
+namespace murmeli::dates {
+
+namespace {
+
+icu::UnicodeString toIcu(const QString& text)
+{
+    return {reinterpret_cast<const char16_t*>(text.utf16()), int32_t(text.size())};
+}
+
+QString fromIcu(const icu::UnicodeString& text)
+{
+    return QString::fromUtf16(text.getBuffer(), text.length());
+}
+
+} // namespace
+
+QString bySkeleton(const QDateTime& moment, const QString& language, const QString& skeleton)
+{
+    if (!moment.isValid()) return {};
+    const icu::Locale locale{language.toUtf8().constData()};
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::DateTimePatternGenerator> patterns{
+        icu::DateTimePatternGenerator::createInstance(locale, status)};
+    if (U_FAILURE(status)) return {};
+    const icu::UnicodeString pattern = patterns->getBestPattern(toIcu(skeleton), status);
+    icu::SimpleDateFormat format{pattern, locale, status};
+    if (U_FAILURE(status)) return {};
+    format.adoptTimeZone(
+        icu::TimeZone::createTimeZone(toIcu(QString::fromLatin1(QTimeZone::systemTimeZoneId()))));
+    icu::UnicodeString result;
+    format.format(UDate(moment.toMSecsSinceEpoch()), result);
+    return fromIcu(result);
+}
+
+QString spokenDuration(qint64 seconds, const QString& language)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::MeasureFormat format{icu::Locale{language.toUtf8().constData()}, UMEASFMT_WIDTH_WIDE, status};
+    std::vector<icu::Measure> parts;
+    if (seconds >= 60) parts.emplace_back(icu::Formattable{int64_t(seconds / 60)}, icu::MeasureUnit::createMinute(status), status);
+    parts.emplace_back(icu::Formattable{int64_t(seconds % 60)}, icu::MeasureUnit::createSecond(status), status);
+    icu::UnicodeString result;
+    icu::FieldPosition ignored;
+    format.formatMeasures(parts.data(), int32_t(parts.size()), result, ignored, status);
+    return U_FAILURE(status) ? QString{} : fromIcu(result);
+}
+
+QString iso8601(double seconds)
+{
+    return QDateTime::fromSecsSinceEpoch(qint64(seconds), Qt::UTC).toString(Qt::ISODate);
+}
+
+} // namespace murmeli::dates

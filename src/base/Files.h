@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <optional>
+
+/// Small files, read and written whole. Nothing here waits for another program: pipes, devices and folders
+/// are refused before a byte is touched. Folders are never created. Any thread.
+namespace murmeli::files {
+
+/// The content of the regular file at `path`; nothing when it is missing, unreadable, no regular file or
+/// larger than `limit` bytes.
+std::optional<QByteArray> readWhole(const QString& path, qint64 limit);
+
+/// Whether a regular file stands at `path` that we may read, whatever its size.
+bool isReadable(const QString& path);
+
+/// Which content a path holds, as far as the file system tells without reading: its file, size and time.
+struct Identity {
+    quint64 device = 0;
+    quint64 inode = 0;
+    qint64 size = -1; ///< bytes; -1 when there is no regular file
+    qint64 modifiedNs = 0;
+    qint64 changedNs = 0;
+    bool operator==(const Identity&) const = default;
+};
+Identity identity(const QString& path);
+
+/// Over the same file, in one write that covers all old bytes, then cut to length: a reader of JSON sees the
+/// old content or the new one, never an empty file. \return false when anything failed.
+[[nodiscard]] bool writeInPlace(const QString& path, const QByteArray& bytes);
+
+/// Beside the file and then moved over it: readers see the old content or the new one. Permissions stay.
+/// \return false when anything failed; the old content is then intact.
+[[nodiscard]] bool writeAtomic(const QString& path, const QByteArray& bytes);
+
+/// As writeAtomic, but readable by the owner alone from the first byte on, whatever stood there before.
+[[nodiscard]] bool writePrivate(const QString& path, const QByteArray& bytes);
+
+/// At the end of the file, which is made when missing.
+[[nodiscard]] bool append(const QString& path, const QByteArray& bytes);
+
+} // namespace murmeli::files

@@ -1,0 +1,55 @@
+#include "Text.h"
+
+#include <memory>
+#include <unicode/ubrk.h>
+
+namespace murmeli::text {
+
+namespace {
+
+struct CloseIterator {
+    void operator()(UBreakIterator* iterator) const { ubrk_close(iterator); }
+};
+
+/// Walks at most `limit` characters into `text`: how many there were, and where the walk ended.
+struct Walk {
+    qsizetype characters = 0;
+    qsizetype end = 0;
+};
+
+Walk walk(const QString& text, qsizetype limit)
+{
+    Walk result;
+    if (text.isEmpty() || limit <= 0) return result;
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UBreakIterator, CloseIterator> iterator{
+        ubrk_open(UBRK_CHARACTER, "", reinterpret_cast<const UChar*>(text.utf16()), int32_t(text.size()),
+                  &status)};
+    if (U_FAILURE(status)) { // ICU without its data: code units are the next best thing
+        result.end = result.characters = qMin(limit, text.size());
+        return result;
+    }
+    while (result.characters < limit) {
+        const int32_t next = ubrk_next(iterator.get());
+        if (next == UBRK_DONE) break;
+        result.end = next;
+        ++result.characters;
+    }
+    return result;
+}
+
+} // namespace
+
+QString trimmed(const QString& text) { return text.trimmed(); }
+
+QString capitalizedFirst(const QString& text)
+{
+    const qsizetype end = walk(text, 1).end;
+    return text.left(end).toUpper() + text.mid(end);
+}
+
+QString first(const QString& text, qsizetype count) { return text.left(walk(text, count).end); }
+
+qsizetype characterCount(const QString& text) { return walk(text, text.size()).characters; }
+
+} // namespace murmeli::text

@@ -1,0 +1,13 @@
+pragma Singleton
+
+import QtQml
+import Murmeli.Localisation
+
+QtObject {
+    readonly property string language: Language.current
+
+    function t(key: string, argument: var): string {
+        return argument === undefined ? Language.text(language, key)
+                                      : Language.text(language, key, String(argument));
+    }
+}

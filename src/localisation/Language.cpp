@@ -1,0 +1,92 @@
+#include "Language.h"
+
+#include "Texts.h"
+#include "service/Prefs.h"
+
+#include <QHash>
+#include <QQmlEngine>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+using Table = QHash<QString, QString>;
+
+template <std::size_t shared, std::size_t own>
+Table makeTable(const std::array<texts::Text, shared>& all, const std::array<texts::Text, own>& panel)
+{
+    Table table;
+    table.reserve(qsizetype(shared + own));
+    for (const auto& row : all) table.insert(QString::fromLatin1(row.key), QString::fromUtf16(row.text));
+    for (const auto& row : panel) table.insert(QString::fromLatin1(row.key), QString::fromUtf16(row.text));
+    return table;
+}
+
+const Table& russianTable()
+{
+    static const Table table = makeTable(texts::russian, texts::russianPanel);
+    return table;
+}
+
+const Table& englishTable()
+{
+    static const Table table = makeTable(texts::english, texts::englishPanel);
+    return table;
+}
+
+constexpr auto engineProperty = "murmeliLanguage";
+
+} // namespace
+
+const QString Language::fallback = u"ru"_s;
+const QStringList Language::supported = {u"ru"_s, u"en"_s};
+
+Language::Language(const Prefs& prefs, std::function<QStringList()> preferred, QObject* parent)
+    : QObject(parent), m_prefs(prefs), m_preferred(std::move(preferred)), m_current(locale())
+{
+}
+
+QString Language::locale() const
+{
+    const QString chosen = m_prefs.string(u"locale"_s, {});
+    if (supported.contains(chosen)) return chosen;
+    const QString system = m_preferred().value(0).left(2).toLower();
+    return supported.contains(system) ? system : fallback;
+}
+
+void Language::refresh()
+{
+    const QString now = locale();
+    if (std::exchange(m_current, now) != now) emit changed();
+}
+
+QString Language::text(const QString& language, const QString& key)
+{
+    if (language == "en"_L1) {
+        if (const auto found = englishTable().constFind(key); found != englishTable().cend()) return *found;
+    }
+    return russianTable().value(key, key);
+}
+
+QString Language::text(const QString& language, const QString& key, const QString& argument)
+{
+    return text(language, key).replace("%@"_L1, argument);
+}
+
+void Language::install(QQmlEngine& engine)
+{
+    engine.setProperty(engineProperty, QVariant::fromValue(this));
+}
+
+Language* Language::create(QQmlEngine* engine, QJSEngine*)
+{
+    auto* language = engine->property(engineProperty).value<Language*>();
+    Q_ASSERT_X(language, "Language", "install() it on the engine first");
+    QJSEngine::setObjectOwnership(language, QJSEngine::CppOwnership);
+    return language;
+}
+
+} // namespace murmeli

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QtQml/qqmlregistration.h>
+#include <functional>
+
+class QJSEngine;
+class QQmlEngine;
+
+namespace murmeli {
+
+class Prefs;
+
+/// The language of the interface and its texts. QML reads them through the singleton L, which asks for each
+/// text in the language of the moment, so that bindings follow a change. Main thread only.
+class Language final : public QObject {
+    Q_OBJECT
+    QML_NAMED_ELEMENT(Language)
+    QML_SINGLETON
+    Q_PROPERTY(QString current READ current NOTIFY changed FINAL)
+
+public:
+    /// \param preferred the user's languages in order of preference; asked on every look.
+    Language(const Prefs& prefs, std::function<QStringList()> preferred, QObject* parent = nullptr);
+
+    static const QString fallback;
+    static const QStringList supported;
+
+    /// "ru" or "en": the preference "locale" when it is one of them, else the first preferred language when
+    /// it is, else Russian.
+    [[nodiscard]] QString locale() const;
+
+    /// The language that views show: as locale(), at the last refresh.
+    [[nodiscard]] QString current() const { return m_current; }
+
+    /// Looks whether the language has changed, and tells views.
+    void refresh();
+
+    /// The text of `key` in the language of the moment; Russian when that lacks it; else the key itself.
+    [[nodiscard]] QString t(const QString& key) const { return text(locale(), key); }
+    [[nodiscard]] QString t(const QString& key, const QString& argument) const
+    {
+        return text(locale(), key, argument);
+    }
+
+    Q_INVOKABLE static QString text(const QString& language, const QString& key);
+    /// Every "%@" is replaced by `argument`, which is taken literally.
+    Q_INVOKABLE static QString text(const QString& language, const QString& key, const QString& argument);
+
+    /// Hands this object to the views of `engine`, which must not outlive it.
+    void install(QQmlEngine& engine);
+    static Language* create(QQmlEngine* engine, QJSEngine*);
+
+signals:
+    void changed();
+
+private:
+    const Prefs& m_prefs;
+    std::function<QStringList()> m_preferred;
+    QString m_current;
+};
+
+} // namespace murmeli

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+
+namespace murmeli {
+
+/// Where the panel stands and where its arrow points, in device-independent pixels.
+struct PanelPlacement {
+    QRect panel;
+    double arrowX = 0; ///< from the panel's left edge
+    bool operator==(const PanelPlacement&) const = default;
+};
+
+/// Under `icon` (over it when the icon stands at the bottom of the screen), inside `available` with a margin.
+/// A content height of 60 or less is not taken seriously, nor a width under 340.
+PanelPlacement placePanel(const QRect& icon, const QRect& available, const QSize& content);
+
+} // namespace murmeli

@@ -1,0 +1,69 @@
+#include "SingleInstance.h"
+
+#include <QFile>
+#include <QLocalSocket>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr int handOverTime = 1000;       // milliseconds
+constexpr qint64 longestLine = 64 * 1024; // bytes
+
+} // namespace
+
+SingleInstance::SingleInstance(const QString& runtimeFolder, QObject* parent)
+    : QObject(parent), m_socket(runtimeFolder + u"/murmeli.socket"_s)
+{
+    const QByteArray lock = QFile::encodeName(runtimeFolder + u"/murmeli.lock"_s);
+    m_lock = ::open(lock.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
+    if (m_lock >= 0 && ::flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        m_first = false;
+    }
+}
+
+SingleInstance::~SingleInstance()
+{
+    m_server.close();
+    if (m_lock >= 0) ::close(m_lock);
+}
+
+void SingleInstance::listen()
+{
+    m_server.setSocketOptions(QLocalServer::UserAccessOption);
+    connect(&m_server, &QLocalServer::newConnection, this, [this] {
+        while (QLocalSocket* socket = m_server.nextPendingConnection()) {
+            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+            const auto take = [this, socket] {
+                if (socket->canReadLine()) {
+                    emit told(QString::fromUtf8(socket->readLine(longestLine)).trimmed());
+                    socket->disconnectFromServer();
+                } else if (socket->bytesAvailable() > longestLine) {
+                    socket->abort();
+                }
+            };
+            connect(socket, &QLocalSocket::readyRead, this, take);
+            take();
+        }
+    });
+    QLocalServer::removeServer(m_socket); // left over by a crash: we hold the lock, so nobody listens there
+    m_server.listen(m_socket);
+}
+
+void SingleInstance::tellFirst(const QString& line) const
+{
+    QLocalSocket socket;
+    socket.connectToServer(m_socket);
+    if (!socket.waitForConnected(handOverTime)) return;
+    socket.write(line.toUtf8() + '\n');
+    socket.waitForBytesWritten(handOverTime);
+    socket.waitForDisconnected(handOverTime); // it closes once it has read the line
+}
+
+} // namespace murmeli

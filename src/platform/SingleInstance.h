@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QLocalServer>
+#include <QObject>
+#include <QString>
+
+namespace murmeli {
+
+/// One running Murmeli per user and runtime folder. The first holds a lock that the system releases with the
+/// process, however it ends; later ones hand over what they were started with. Main thread only.
+class SingleInstance final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Takes the lock; needs no application object. \param runtimeFolder private to the user.
+    explicit SingleInstance(const QString& runtimeFolder, QObject* parent = nullptr);
+    ~SingleInstance() override;
+    Q_DISABLE_COPY_MOVE(SingleInstance)
+
+    /// Whether this process is the first. When the folder cannot be used every process counts as first, since
+    /// a program that does not start at all is worse than a second icon.
+    [[nodiscard]] bool isFirst() const { return m_first; }
+
+    /// From now on told() reports what later processes hand over.
+    void listen();
+
+    /// From a later process: sends one line to the first, waiting a few seconds at most.
+    void tellFirst(const QString& line) const;
+
+signals:
+    void told(const QString& line);
+
+private:
+    QString m_socket;
+    QLocalServer m_server;
+    int m_lock = -1;
+    bool m_first = true;
+};
+
+} // namespace murmeli

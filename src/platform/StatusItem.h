@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QIcon>
+#include <QObject>
+#include <QRect>
+#include <QString>
+#include <memory>
+
+namespace murmeli {
+
+/// The icon in the desktop's tray or menu bar. It also appears when the tray comes later than we do.
+/// Main thread only.
+class StatusItem : public QObject {
+    Q_OBJECT
+
+public:
+    struct Look {
+        QIcon icon;          ///< drawn for the bar's ink
+        QString symbolName;  ///< an installed symbolic icon that the desktop recolours; may be empty
+        bool isTemplate = true; ///< one ink, to be recoloured by systems that do so
+    };
+    struct MenuTexts {
+        QString state; ///< shown greyed at the top
+        QString record;
+        QString open;
+        QString settings; ///< left out when empty
+        QString quit;
+    };
+
+    virtual void setLook(const Look& look) = 0;
+    virtual void setName(const QString& name) = 0; ///< tool tip and accessible name
+    virtual void setMenu(const MenuTexts& texts) = 0;
+    virtual void show() = 0;
+
+    /// Where the icon stands; empty where the desktop does not say.
+    [[nodiscard]] virtual QRect geometry() const = 0;
+
+    /// Whether the desktop has a tray at this moment.
+    [[nodiscard]] virtual bool hasTray() const = 0;
+
+signals:
+    void pressed(); ///< once for every press with the main button
+    void recordChosen();
+    void openChosen();
+    void settingsChosen();
+    void quitChosen();
+};
+
+std::unique_ptr<StatusItem> makeStatusItem();
+
+} // namespace murmeli

@@ -1,0 +1,39 @@
+#include "TrayIcon.h"
+
+namespace murmeli {
+
+TrayIcon::TrayIcon()
+{
+    m_state = m_menu.addAction(QString{});
+    m_state->setEnabled(false);
+    m_menu.addSeparator();
+    m_record = m_menu.addAction(QString{}, this, &StatusItem::recordChosen);
+    m_open = m_menu.addAction(QString{}, this, &StatusItem::openChosen);
+    m_settings = m_menu.addAction(QString{}, this, &StatusItem::settingsChosen);
+    m_menu.addSeparator();
+    m_quit = m_menu.addAction(QString{}, this, &StatusItem::quitChosen);
+    m_icon.setContextMenu(&m_menu);
+    // A quick second press comes as a double click; taken for nothing, it would be lost.
+    connect(&m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) emit pressed();
+    });
+}
+
+void TrayIcon::setLook(const Look& look)
+{
+    QIcon icon = look.icon;
+    icon.setIsMask(look.isTemplate);
+    m_icon.setIcon(icon);
+}
+
+void TrayIcon::setMenu(const MenuTexts& texts)
+{
+    m_state->setText(texts.state);
+    m_record->setText(texts.record);
+    m_open->setText(texts.open);
+    m_settings->setText(texts.settings);
+    m_settings->setVisible(!texts.settings.isEmpty());
+    m_quit->setText(texts.quit);
+}
+
+} // namespace murmeli

@@ -1,0 +1,21 @@
+#pragma once
+
+class QWindow;
+
+/// Small questions to the window system that Qt has no answer for.
+namespace murmeli::windowSystem {
+
+/// Before the application object is made: chooses a window system that lets a program place its windows,
+/// unless the user has chosen one.
+void choosePlatform();
+
+/// After it is made: keeps the program out of the Dock, where there is one.
+void becomeAccessory();
+
+/// Whether windows may be translucent right now; without it rounded corners would be black.
+bool compositing();
+
+/// Lets `window` show above full-screen programs and on all desktops, where the system can.
+void floatEverywhere(QWindow* window);
+
+} // namespace murmeli::windowSystem

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+/// What the desktop does for us. Nothing waits for the program that it starts.
+namespace murmeli::workspace {
+
+/// In the default browser, or the mail program, or what else the desktop has for it.
+void openUrl(const QUrl& url);
+
+/// In the file browser; the nearest folder above it that exists when it does not.
+void openFolder(const QString& path);
+
+/// The user's languages in order of preference, as "ru-RU".
+QStringList preferredLanguages();
+
+} // namespace murmeli::workspace

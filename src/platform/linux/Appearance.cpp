@@ -1,0 +1,77 @@
+#include "Appearance.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+const QString portalService = u"org.freedesktop.portal.Desktop"_s;
+const QString portalPath = u"/org/freedesktop/portal/desktop"_s;
+const QString settingsInterface = u"org.freedesktop.portal.Settings"_s;
+
+/// Reads the desktop's settings portal and listens to it. Every call is asynchronous.
+class PortalAppearance final : public Appearance {
+    Q_OBJECT
+
+public:
+    PortalAppearance()
+    {
+        QDBusConnection bus = QDBusConnection::sessionBus();
+        if (!bus.isConnected()) return;
+        bus.connect(portalService, portalPath, settingsInterface, u"SettingChanged"_s, this,
+                    SLOT(settingChanged(QString, QString, QDBusVariant)));
+        ask(u"org.freedesktop.appearance"_s, u"color-scheme"_s);
+        ask(u"org.freedesktop.appearance"_s, u"reduced-motion"_s);
+        ask(u"org.gnome.desktop.interface"_s, u"enable-animations"_s);
+        ask(u"org.kde.kdeglobals.KDE"_s, u"AnimationDurationFactor"_s);
+    }
+
+private slots:
+    void settingChanged(const QString& space, const QString& key, const QDBusVariant& value)
+    {
+        take(space, key, value.variant());
+    }
+
+private:
+    void ask(const QString& space, const QString& key)
+    {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface, u"Read"_s);
+        call.setArguments({space, key});
+        auto* watcher = new QDBusPendingCallWatcher{QDBusConnection::sessionBus().asyncCall(call), this};
+        connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, space, key] {
+            const QDBusPendingReply<QVariant> reply = *watcher;
+            if (!reply.isError()) take(space, key, reply.value());
+            watcher->deleteLater();
+        });
+    }
+
+    void take(const QString& space, const QString& key, QVariant value)
+    {
+        while (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+        if (key == "color-scheme"_L1 && space == "org.freedesktop.appearance"_L1) {
+            setDark(value.toUInt() != 2); // 0 no preference, 1 dark, 2 light
+        } else if (key == "reduced-motion"_L1) {
+            setReducedMotion(value.toUInt() == 1);
+        } else if (key == "enable-animations"_L1) {
+            setReducedMotion(!value.toBool());
+        } else if (key == "AnimationDurationFactor"_L1) {
+            setReducedMotion(value.toDouble() == 0);
+        }
+    }
+};
+
+} // namespace
+
+std::unique_ptr<Appearance> makeAppearance() { return std::make_unique<PortalAppearance>(); }
+
+} // namespace murmeli
+
+#include "Appearance.moc"

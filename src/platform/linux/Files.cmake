@@ -1,0 +1,8 @@
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
+set(MURMELI_PLATFORM_SOURCES
+    linux/Appearance.cpp
+    linux/ClickOutside.cpp
+    linux/StatusItem.cpp
+    linux/WindowSystem.cpp)
+set(MURMELI_PLATFORM_LIBRARIES Qt6::DBus PkgConfig::XCB)

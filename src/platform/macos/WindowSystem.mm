@@ -1,0 +1,25 @@
+#include "WindowSystem.h"
+
+#include <QWindow>
+
+#import <AppKit/AppKit.h>
+
+namespace murmeli::windowSystem {
+
+void choosePlatform() {}
+
+void becomeAccessory() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
+
+bool compositing() { return true; }
+
+void floatEverywhere(QWindow* window)
+{
+    NSView* view = reinterpret_cast<NSView*>(window->winId());
+    NSWindow* native = [view window];
+    [native setLevel:NSStatusWindowLevel];
+    [native setHidesOnDeactivate:NO];
+    [native setCollectionBehavior:NSWindowCollectionBehaviorCanJoinAllSpaces |
+                                  NSWindowCollectionBehaviorFullScreenAuxiliary];
+}
+
+} // namespace murmeli::windowSystem

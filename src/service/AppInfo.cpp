@@ -1,0 +1,29 @@
+#include "AppInfo.h"
+
+#include "Deployment.h"
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli::AppInfo {
+
+namespace {
+
+QString address([[maybe_unused]] const char* variable, const QString& built)
+{
+#if MURMELI_DEVELOPER
+    return qEnvironmentVariable(variable, built);
+#else
+    return built;
+#endif
+}
+
+} // namespace
+
+const QString version = QStringLiteral(MURMELI_VERSION);
+
+QString webOrigin() { return address("MURMELI_WEB_ORIGIN", QStringLiteral(MURMELI_WEB_ORIGIN)); }
+QString versionURL() { return webOrigin() + u"/app/version.json"_s; }
+QString accountSite() { return address("MURMELI_ACCOUNT_SITE", QStringLiteral(MURMELI_ACCOUNT_SITE)); }
+QString botLink() { return address("MURMELI_BOT_LINK", QStringLiteral(MURMELI_BOT_LINK)); }
+
+} // namespace murmeli::AppInfo

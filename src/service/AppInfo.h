@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+/// What this build is and where it belongs. In developer builds the environment may set the addresses
+/// (MURMELI_WEB_ORIGIN, MURMELI_ACCOUNT_SITE, MURMELI_BOT_LINK).
+namespace murmeli::AppInfo {
+
+extern const QString version;
+
+QString webOrigin();
+QString versionURL();
+QString accountSite();
+QString botLink();
+
+} // namespace murmeli::AppInfo

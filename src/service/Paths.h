@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+
+namespace murmeli {
+
+/// Every file and folder shared with the service, derived once from the home folder. Nothing here looks at
+/// the disk: the folders are made by the service and the setup.
+struct Paths {
+    explicit Paths(const QString& home);
+
+    QString home;
+    QString root; ///< "MeetingNotes"
+    QString recordings;
+    QString logs; ///< summary files, stored analyses and the notifications log
+    QString inbox;
+    QString userInstructions;
+    QString vaultDir; ///< finished protocols as Markdown
+    QString modelsMarker;
+    QString stateFile;
+    QString commandFile;
+    QString authFlagFile;
+    QString prefsFile;
+    QString accountFile;
+    QString updateScript;
+    QString python;
+    QString notificationsLog;
+    QString appAgentFile;
+
+    static constexpr auto appAgentLabel = "com.valdor.quillet.app";
+    static constexpr qsizetype instructionsLimit = 20'000; ///< characters
+};
+
+} // namespace murmeli

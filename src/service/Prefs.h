@@ -1,0 +1,35 @@
+#pragma once
+
+#include "base/Files.h"
+
+#include <QJsonObject>
+#include <QString>
+
+namespace murmeli {
+
+/// The preferences file, shared with the service. Every read asks the file system whether the file has
+/// changed and reads it only then, so a change by anyone is seen at once. Main thread only.
+class Prefs {
+public:
+    explicit Prefs(QString file);
+
+    /// The whole object; empty when the file is missing, unreadable, damaged or no object.
+    [[nodiscard]] const QJsonObject& load() const;
+
+    /// The value under `key` when it has the type asked for, else `fallback`.
+    [[nodiscard]] QString string(const QString& key, const QString& fallback) const;
+    [[nodiscard]] bool boolean(const QString& key, bool fallback) const;
+
+    /// Stores one value in place; members we do not know keep their exact digits and letters. A damaged file
+    /// is replaced. Failures are silent, as the service's choices must never stop the user.
+    void set(const QString& key, const QJsonValue& value);
+
+    static constexpr qint64 sizeLimit = 1024 * 1024; ///< bytes; a larger file counts as damaged
+
+private:
+    QString m_file;
+    mutable files::Identity m_seen;
+    mutable QJsonObject m_object;
+};
+
+} // namespace murmeli

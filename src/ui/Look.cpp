@@ -1,0 +1,62 @@
+#include "Look.h"
+
+#include "platform/Appearance.h"
+
+#include <QGuiApplication>
+#include <QQmlEngine>
+#include <QScreen>
+#include <utility>
+
+namespace murmeli {
+
+namespace {
+
+constexpr auto engineProperty = "murmeliLook";
+
+} // namespace
+
+double Look::pointsPerPixel()
+{
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return 72 / (screen ? screen->logicalDotsPerInchY() : 96);
+}
+
+void Look::follow(const Appearance& appearance)
+{
+    const auto take = [this, &appearance] {
+        setDark(appearance.dark());
+        setReducedMotion(appearance.reducedMotion());
+    };
+    connect(&appearance, &Appearance::changed, this, take);
+    take();
+}
+
+void Look::setDark(bool dark)
+{
+    if (std::exchange(m_dark, dark) != dark) emit changed();
+}
+
+void Look::setReducedMotion(bool reduced)
+{
+    if (std::exchange(m_reducedMotion, reduced) != reduced) emit changed();
+}
+
+void Look::setCompositing(bool compositing)
+{
+    if (std::exchange(m_compositing, compositing) != compositing) emit changed();
+}
+
+void Look::install(QQmlEngine& engine)
+{
+    engine.setProperty(engineProperty, QVariant::fromValue(this));
+}
+
+Look* Look::create(QQmlEngine* engine, QJSEngine*)
+{
+    auto* look = engine->property(engineProperty).value<Look*>();
+    Q_ASSERT_X(look, "Look", "install() it on the engine first");
+    QJSEngine::setObjectOwnership(look, QJSEngine::CppOwnership);
+    return look;
+}
+
+} // namespace murmeli

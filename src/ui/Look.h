@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+class QJSEngine;
+class QQmlEngine;
+
+namespace murmeli {
+
+class Appearance;
+
+/// What Theme needs to know of the desktop. Main thread only.
+class Look final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+    Q_PROPERTY(bool dark READ dark NOTIFY changed FINAL)
+    Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed FINAL)
+    Q_PROPERTY(bool compositing READ compositing NOTIFY changed FINAL)
+    Q_PROPERTY(double pointsPerPixel READ pointsPerPixel CONSTANT FINAL)
+
+public:
+    explicit Look(QObject* parent = nullptr) : QObject(parent) {}
+
+    [[nodiscard]] bool dark() const { return m_dark; }
+    [[nodiscard]] bool reducedMotion() const { return m_reducedMotion; }
+    [[nodiscard]] bool compositing() const { return m_compositing; }
+
+    /// For type sizes that are no whole number of device-independent pixels.
+    [[nodiscard]] static double pointsPerPixel();
+
+    void follow(const Appearance& appearance);
+    void setDark(bool dark);
+    void setReducedMotion(bool reduced);
+    /// Whether windows may be translucent; without it they have no shadow and square corners.
+    void setCompositing(bool compositing);
+
+    /// Hands this object to the views of `engine`, which must not outlive it.
+    void install(QQmlEngine& engine);
+    static Look* create(QQmlEngine* engine, QJSEngine*);
+
+signals:
+    void changed();
+
+private:
+    bool m_dark = true;
+    bool m_reducedMotion = false;
+    bool m_compositing = true;
+};
+
+} // namespace murmeli

@@ -1,0 +1,95 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Murmeli.Ui
+
+// The capsule button in its three kinds.
+Button {
+    id: root
+
+    enum Kind { Secondary, Tinted, Primary }
+
+    property int kind: PillButton.Secondary
+    property string symbol
+    property real symbolSize: Theme.symbolText
+    property string help
+    property bool busy: false
+    property int buttonHeight: Theme.buttonSmall
+    readonly property bool primary: kind === PillButton.Primary
+    readonly property color ink: primary ? Theme.white
+        : kind === PillButton.Tinted ? Theme.inkViolet
+        : pressed ? Theme.text2 : Theme.text1
+
+    implicitHeight: buttonHeight
+    leftPadding: buttonHeight >= Theme.buttonLarge ? 18 : 10
+    rightPadding: leftPadding
+    topPadding: 0
+    bottomPadding: 0
+    opacity: enabled ? 1 : Theme.disabledOpacity
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.description: help
+    Accessible.onPressAction: if (root.enabled) root.clicked()
+    Keys.onReturnPressed: if (root.enabled) root.clicked()
+    Keys.onEnterPressed: if (root.enabled) root.clicked()
+
+    background: Rectangle {
+        radius: height / 2
+        color: {
+            if (root.kind === PillButton.Tinted) {
+                return root.pressed ? Theme.tintPressed(Theme.violet)
+                    : root.hovered ? Theme.tintHover(Theme.violet) : Theme.tint(Theme.violet);
+            }
+            return root.pressed ? Theme.press : root.hovered ? Theme.fillHover : Theme.fill;
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            visible: root.primary
+            gradient: Gradient {
+                orientation: Gradient.Horizontal
+                GradientStop {
+                    position: 0
+                    color: root.pressed ? Theme.primaryPressedFrom : root.hovered ? Theme.primaryHoverFrom : Theme.primaryFrom
+                }
+                GradientStop {
+                    position: 1
+                    color: root.pressed ? Theme.primaryPressedTo : root.hovered ? Theme.primaryHoverTo : Theme.primaryTo
+                }
+            }
+        }
+        FocusRing { control: root; corner: parent.radius }
+    }
+    contentItem: Item {
+        implicitWidth: content.implicitWidth
+        Row {
+            id: content
+            anchors.centerIn: parent
+            spacing: Theme.gapIcon
+            Spinner {
+                anchors.verticalCenter: parent.verticalCenter
+                visible: root.busy
+                ink: root.ink
+            }
+            Symbol {
+                anchors.verticalCenter: parent.verticalCenter
+                visible: root.symbol.length > 0 && !root.busy
+                name: root.symbol
+                size: root.symbolSize
+                ink: root.ink
+            }
+            Label {
+                anchors.verticalCenter: parent.verticalCenter
+                type: root.buttonHeight >= Theme.buttonLarge ? (root.primary ? Theme.buttonLargeStrong : Theme.buttonLargeType)
+                    : root.buttonHeight <= Theme.buttonSmall ? (root.primary ? Theme.buttonSmallStrong : Theme.buttonSmallType)
+                    : root.primary ? Theme.buttonStrong : Theme.button
+                text: root.text
+                color: root.ink
+                Accessible.ignored: true
+            }
+        }
+    }
+}

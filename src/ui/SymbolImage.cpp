@@ -1,0 +1,61 @@
+#include "SymbolImage.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QHash>
+#include <QImageReader>
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli::symbols {
+
+namespace {
+
+QByteArray source(const QString& name)
+{
+    QFile file{u":/qt/qml/Murmeli/Ui/symbols/"_s + name + u".svg"_s};
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray{};
+}
+
+QImage rendered(QByteArray svg, int pixels)
+{
+    if (svg.isEmpty() || pixels <= 0) return {};
+    QBuffer buffer{&svg};
+    QImageReader reader{&buffer, "svg"};
+    reader.setScaledSize({pixels, pixels});
+    return reader.read().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+/// The symbol in black, to be inked. A few dozen symbols in a handful of sizes at most.
+const QImage& mask(const QString& name, int pixels)
+{
+    static QHash<std::pair<QString, int>, QImage> cache;
+    const auto key = std::pair{name, pixels};
+    auto found = cache.find(key);
+    if (found == cache.end()) {
+        found = cache.insert(key, rendered(source(name).replace("currentColor", "#000000"), pixels));
+    }
+    return *found;
+}
+
+} // namespace
+
+QImage inked(const QString& name, int pixels, const QColor& ink)
+{
+    QImage image = mask(name, pixels);
+    if (image.isNull()) return image;
+    QPainter painter{&image};
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), ink);
+    return image;
+}
+
+QImage recording(int pixels, const QColor& discColor)
+{
+    const QByteArray disc = QByteArray{"fill=\""} + discColor.name().toLatin1() + "\" fill-opacity=\"" +
+                            QByteArray::number(discColor.alphaF()) + "\"";
+    return rendered(source(u"waveform.circle.fill.palette"_s).replace("fill=\"#DA3E4F\"", disc), pixels);
+}
+
+} // namespace murmeli::symbols
