@@ -80,7 +80,7 @@ class Composer:
     def __init__(self, language: Language, team: Team, started: datetime, rng: Random):
         self.language, self.team, self.started, self.rng = language, team, started, rng
         self.clock = rng.uniform(2.0, 6.0)
-        self.pace = rng.uniform(0.75, 1.15)  # seconds a word: people think while they talk
+        self.pace = rng.uniform(0.9, 1.4)  # seconds a word: people think while they talk
         self.meeting = Meeting(started, language, team, "", list(team.people))
         self.report: dict = {key: [] for key in (
             "agenda_coverage", "blockers", "commitments", "concepts", "disagreements",

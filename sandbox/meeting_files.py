@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import json
+import os
 from datetime import datetime, timedelta, timezone
 from pathlib import Path
 from random import Random
@@ -42,12 +43,14 @@ def protocol_name(meeting: Meeting) -> str:
 def write(home: Home, meeting: Meeting, *, short: bool = False, exact: bool | None = True,
           extra_meta: dict | None = None) -> list[Path]:
     """Writes protocol and summary file. `exact` None leaves the dynamics out."""
-    while (home.logs / f"{meeting.stem}.protocol.json").exists():
-        meeting.started += timedelta(seconds=1)
     home.vault.mkdir(parents=True, exist_ok=True)
     home.logs.mkdir(parents=True, exist_ok=True)
-    protocol = home.vault / protocol_name(meeting)
-    summary_file = home.logs / f"{meeting.stem}.protocol.json"
+    while True:
+        protocol = home.vault / protocol_name(meeting)
+        summary_file = home.logs / f"{meeting.stem}.protocol.json"
+        if not os.path.lexists(protocol) and not os.path.lexists(summary_file):
+            break
+        meeting.started += timedelta(seconds=1)  # what is there belongs to somebody else
     homes.write_whole(protocol, protocol_markdown(meeting, short))
     summary = summary_object(meeting, protocol, exact)
     summary["_meta"] |= extra_meta or {}

@@ -53,6 +53,9 @@ OrbArt::OrbArt(QQuickItem* parent) : QQuickPaintedItem(parent)
 void OrbArt::paint(QPainter* painter)
 {
     painter->setRenderHint(QPainter::Antialiasing);
+    painter->translate(boundingRect().center());
+    painter->scale(m_zoom, m_zoom);
+    painter->translate(-boundingRect().center());
     switch (m_part) {
     case Part::Wash: paintWash(*painter); break;
     case Part::Halo: paintHalo(*painter); break;
@@ -93,7 +96,7 @@ void OrbArt::paintRing(QPainter& painter, const QBrush& brush) const
     const double half = m_strokeWidth / 2;
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen{brush, m_strokeWidth});
-    painter.drawEllipse(boundingRect().adjusted(half, half, -half, -half));
+    painter.drawEllipse(body().adjusted(half, half, -half, -half));
 }
 
 void OrbArt::paintArc(QPainter& painter) const
@@ -110,17 +113,18 @@ void OrbArt::paintArc(QPainter& painter) const
 
 void OrbArt::paintCore(QPainter& painter) const
 {
-    const QRectF body = boundingRect();
-    const double side = body.width();
-    QPainterPath disc;
-    disc.addEllipse(body);
+    const QRectF disc = body();
+    const double side = disc.width();
+    QPainterPath outline;
+    outline.addEllipse(disc);
 
-    QLinearGradient fill{body.topLeft(), body.bottomRight()};
+    QLinearGradient fill{disc.topLeft(), disc.bottomRight()};
     fill.setStops(stopsOf(m_style.value(u"core"_s)));
-    painter.fillPath(disc, fill);
+    painter.fillPath(outline, fill);
 
     painter.save();
-    painter.setClipPath(disc);
+    painter.setClipPath(outline);
+    painter.translate(disc.topLeft());
     glow(painter, {side * 0.5, side * 1.28}, 120, 120, m_style.value(u"shade"_s).value<QColor>());
     if (const QVariantMap low = m_style.value(u"glow"_s).toMap(); !low.isEmpty()) {
         const double radius = low.value(u"radius"_s).toDouble();
@@ -130,14 +134,14 @@ void OrbArt::paintCore(QPainter& painter) const
     glow(painter, {side * 0.34, side * 0.20}, 70, 54, m_style.value(u"light"_s).value<QColor>());
     painter.restore();
 
-    QLinearGradient rim{body.topLeft(), body.bottomLeft()};
+    QLinearGradient rim{disc.topLeft(), disc.bottomLeft()};
     rim.setColorAt(0, faded(Qt::white, 0.55));
     rim.setColorAt(0.42, faded(Qt::white, 0));
     rim.setColorAt(0.70, faded(Qt::white, 0));
     rim.setColorAt(1, faded(Qt::white, 0.16));
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen{rim, 1});
-    painter.drawEllipse(body.adjusted(0.5, 0.5, -0.5, -0.5));
+    painter.drawEllipse(disc.adjusted(0.5, 0.5, -0.5, -0.5));
 }
 
 } // namespace murmeli

@@ -5,8 +5,8 @@
 
 namespace murmeli {
 
-/// One layer of the orb, painted once for each style and device ratio; views only scale and fade it. The arc is
-/// painted anew as it turns, since a rotated picture of so thin a line has jagged edges.
+/// One layer of the orb. What grows, shrinks or turns is painted anew: the software renderer scales and rotates
+/// pictures without smoothing, and the edges of a disc would show it.
 /// Colours and measures come with the style, so that they live where all others do.
 class OrbArt : public QQuickPaintedItem {
     Q_OBJECT
@@ -15,6 +15,8 @@ class OrbArt : public QQuickPaintedItem {
     Q_PROPERTY(QVariantMap style MEMBER m_style NOTIFY lookChanged FINAL)
     Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged FINAL)
     Q_PROPERTY(double strokeWidth MEMBER m_strokeWidth NOTIFY lookChanged FINAL)
+    Q_PROPERTY(double zoom MEMBER m_zoom NOTIFY lookChanged FINAL)
+    Q_PROPERTY(double inset MEMBER m_inset NOTIFY lookChanged FINAL) ///< left free on all sides, to grow into
     Q_PROPERTY(int turned MEMBER m_turned NOTIFY lookChanged FINAL) ///< degrees, clockwise
 
 public:
@@ -29,6 +31,7 @@ signals:
     void lookChanged();
 
 private:
+    [[nodiscard]] QRectF body() const { return boundingRect().adjusted(m_inset, m_inset, -m_inset, -m_inset); }
     void paintWash(QPainter& painter) const;
     void paintHalo(QPainter& painter) const;
     void paintRing(QPainter& painter, const QBrush& brush) const;
@@ -39,6 +42,8 @@ private:
     QVariantMap m_style;
     QColor m_color;
     double m_strokeWidth = 1.5;
+    double m_zoom = 1;
+    double m_inset = 0;
     int m_turned = 0;
 };
 

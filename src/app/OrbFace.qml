@@ -52,11 +52,12 @@ Item {
         delegate: OrbArt {
             required property var modelData
             anchors.centerIn: parent
-            width: modelData.diameter
-            height: modelData.diameter
+            width: modelData.diameter + 12 // room to grow
+            height: width
             part: OrbArt.Ring
             color: modelData.color
-            scale: root.alive ? 1.05 - 0.09 * root.beat : 1
+            inset: 6
+            zoom: root.alive ? 1.05 - 0.09 * root.beat : 1
         }
     }
     OrbArt {
@@ -76,11 +77,12 @@ Item {
     }
     OrbArt {
         anchors.centerIn: parent
-        width: Theme.orbCore
-        height: Theme.orbCore
+        width: Theme.orbCore + 12
+        height: width
+        inset: 6
         part: OrbArt.Core
         style: root.style
-        scale: press.value * (root.alive ? root.pulseFrom + (root.pulseTo - root.pulseFrom) * root.beat : 1)
+        zoom: press.value * (root.alive ? root.pulseFrom + (root.pulseTo - root.pulseFrom) * root.beat : 1)
     }
     QtObject {
         id: press
