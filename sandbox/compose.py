@@ -80,7 +80,7 @@ class Composer:
     def __init__(self, language: Language, team: Team, started: datetime, rng: Random):
         self.language, self.team, self.started, self.rng = language, team, started, rng
         self.clock = rng.uniform(2.0, 6.0)
-        self.pace = rng.uniform(0.9, 1.4)  # seconds a word: people think while they talk
+        self.pace = rng.uniform(2.0, 3.2)  # seconds a word: the transcript keeps the gist of longer talk
         self.meeting = Meeting(started, language, team, "", list(team.people))
         self.report: dict = {key: [] for key in (
             "agenda_coverage", "blockers", "commitments", "concepts", "disagreements",
@@ -110,7 +110,7 @@ class Composer:
         length = max(2.0, len(text.split()) * self.pace)
         turn = Turn(round(self.clock, 2), round(self.clock + length, 2), speaker, text)
         self.meeting.turns.append(turn)
-        pause = self.rng.uniform(11.0, 19.0) if self.rng.random() < 0.04 else self.rng.uniform(0.3, 3.0)
+        pause = self.rng.uniform(11.0, 19.0) if self.rng.random() < 0.04 else self.rng.uniform(0.3, 6.0)
         self.clock += length + pause
         return turn
 
@@ -160,9 +160,10 @@ class Composer:
                 "at": said[tag].stamp, "firmness": "твёрдое" if task.firm else "с оговоркой",
                 "definition_of_done": task.done_when and fill(task.done_when)})
         # The interface knows these statuses by their Russian beginnings, whatever the meeting's language.
-        status = "пройден" if topic.decision else "частично, решение не принято"
+        left_open = topic.question and not topic.decision
+        status = "частично, решение не принято" if left_open else "пройден"
         report["agenda_coverage"].append({"topic": topic.title, "status": status, "at": opened})
-        if topic.risk and not topic.decision:
+        if topic.risk and left_open:
             report["blockers"].append(fill(topic.risk))
         if topic.number:
             metric, value, remark = map(fill, topic.number)

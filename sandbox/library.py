@@ -16,11 +16,16 @@ from compose import Meeting, compose
 from homes import Home, say
 from meeting_files import ENGLISH, RUSSIAN
 from odd_files import odd_files
+from scene import Scene
 
 DAYS_BACK = 150
 TODAY_AT = (time(8, 30), time(9, 15, 20), time(10, 40, 5))
 YESTERDAY_AT = (time(10, 0, 12), time(13, 30, 41), time(16, 5, 8))
 REPORT_EVERY = 4
+
+
+def has_report(index: int) -> bool:
+    return index % REPORT_EVERY == 0
 
 
 def starts(today: date, count: int, rng: Random) -> list[datetime]:
@@ -50,10 +55,25 @@ def meetings(today: date, seed: int) -> list[Meeting]:
     made = []
     for index, (started, (language, team, lead)) in enumerate(zip(starts(today, len(plan), rng), plan)):
         count = 10 if index in long_places else rng.choice((3, 3, 4, 5))
-        topics = rng.sample(language.routines, min(count + 1, len(language.routines)))
-        postponed = topics.pop() if len(topics) > count and rng.random() < 0.35 else None
-        made.append(compose(language, team, lead, topics[:count], started, rng, postponed))
+        topics = (covering(lead, language.routines, count, rng) if has_report(index)
+                  else rng.sample(language.routines, count))
+        left = [scene for scene in language.routines if scene not in topics]
+        postponed = rng.choice(left) if rng.random() < 0.3 else None
+        made.append(compose(language, team, lead, topics, started, rng, postponed))
     return made
+
+
+def covering(lead: Scene, routines: tuple[Scene, ...], count: int, rng: Random) -> list[Scene]:
+    """Topics beside the lead that leave no section of an analysis empty."""
+    kinds = (lambda scene: scene.number, lambda scene: scene.insight, lambda scene: scene.dispute,
+             lambda scene: scene.idea, lambda scene: scene.risk and scene.question and not scene.decision)
+    order = rng.sample(routines, len(routines))
+    chosen: list[Scene] = []
+    for kind in kinds:
+        if not any(map(kind, [lead, *chosen])):
+            chosen.append(next(filter(kind, order)))
+    chosen += [scene for scene in order if scene not in chosen][:max(0, count - len(chosen))]
+    return rng.sample(chosen, len(chosen))
 
 
 def write_library(home: Home, today: date, seed: int) -> None:
@@ -64,7 +84,7 @@ def write_library(home: Home, today: date, seed: int) -> None:
     try:
         for index, meeting in enumerate(made):
             mine.add(*write_meeting(home, index, meeting))
-            if index % REPORT_EVERY == 0 or index == len(made) - 1:
+            if has_report(index):
                 mine.add(stamped(meeting_files.write_report(home, meeting), meeting))
                 reports += 1
         odd = odd_files(home, today, made[0])

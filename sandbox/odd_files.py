@@ -49,11 +49,11 @@ def odd_files(home: Home, today: date, sample: Meeting) -> dict[str, Callable[[P
         stem(20, "09-09-09"): summary(title=42, tldr=["не", "строка"], decisions="Решение одной строкой",
                                       action_items={"task": "не список"}, risks=None, summary=False,
                                       _meta=["не объект"]),
-        stem(33, "10-30-00"): summary(title="Дата только в имени файла",
+        stem(33, "10-33-00"): summary(title="Дата только в имени файла",
                                       tldr="О времени этой встречи говорит лишь имя файла.",
                                       _meta={"started_at": "вчера после обеда", "duration_min": 0}),
         "встреча без даты": summary(title="Встреча без даты", tldr="Даты нет нигде."),
-        stem(41, "15-00-00"): summary(title="Очень " + "длинное " * 600 + "название", tldr="т" * 20000),
+        stem(41, "15-07-00"): summary(title="Очень " + "длинное " * 600 + "название", tldr="т" * 20000),
         stem(8, "07-00-05"): lambda path: path.write_bytes(b'{"title": "\xff\xfe\xc3(", "tldr": "\x80"}'),
         mixed_stem: text(pretty(mixed)),
     }

@@ -533,6 +533,56 @@ ROUTINES = (
                  "C", "Changing in the middle costs more", "One last week, decided at the next meeting"),
         slots={"weeks": ("two weeks", "ten days", "three weeks")},
     ),
+    scene(
+        "Building work upstairs",
+        "Building work starts upstairs; we look for a quiet place for calls, nothing is decided yet.",
+        """
+        B: They start building upstairs. Drilling from ten to six, they say.
+        A: So all the time that we are here. For how long?
+        B #number: They say {weeks}. Half as long again, I'd guess.
+        C #insight: It isn't the day that suffers, it's the calls. The rest can be done to the sound of a drill.
+        D: Then we need one quiet room, not another building.
+        A: We have no spare room. Downstairs the corner office is empty, let's ask.
+        D #task: I'll go down and ask {by}. If they refuse, we think again.
+        """,
+        tasks=(("D", "Ask downstairs about the corner office", 2, "A yes or a no", True),),
+        question="Where do we make calls if the corner office is refused?",
+        risk="Over the drilling we can neither ring anyone nor receive visitors.",
+        number=("Building work upstairs", "{weeks}", "Probably longer"),
+        insight=("observation", "Calls suffer, not the day", "One quiet room is enough; nobody has to move."),
+        slots={"weeks": ("three weeks", "a month", "five weeks")},
+    ),
+    scene(
+        "Five minutes in the morning",
+        "For two weeks the day starts with five minutes standing: who does what, and who needs help.",
+        """
+        C #idea: Five minutes every morning, standing. Who does what, who needs help, done.
+        D: Another meeting?
+        C: Instead of two others. Half of our letters ask what one could ask at nine o'clock.
+        B: Standing matters. Seated it takes half an hour.
+        A: Two weeks, then. If it doesn't help we drop it without tears.
+        """,
+        decision="For two weeks the day starts with five minutes standing.",
+        step="Decide after two weeks whether the five minutes stay.",
+        idea=("Five minutes standing every morning", ("Fewer letters", "Help is offered at once"),
+              ("Easily grows to half an hour",)),
+    ),
+    scene(
+        "Rules for meetings",
+        "Meetings last forty minutes at most, with the list sent the day before.",
+        """
+        B: May I raise the meetings themselves? This is the fourth this week.
+        A: Fair. What do you suggest?
+        B #idea: Forty minutes, and the list comes the day before. No list, no meeting.
+        D: And if it's urgent?
+        B: Urgent is a call of five minutes, not a meeting.
+        C: Somebody should watch the clock. We could take turns.
+        A: Let's take turns. {C}, will you begin? We try it for a month.
+        """,
+        decision="Meetings last forty minutes at most, the list comes the day before, we take turns watching the clock.",
+        idea=("No list, no meeting", ("Fewer meetings", "Everybody comes prepared"),
+              ("Urgent matters need another way",)),
+    ),
 )
 
 LANGUAGE = Language(

@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QSaveFile>
 #include <cerrno>
+#include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,6 +12,9 @@
 namespace murmeli::files {
 
 namespace {
+
+constexpr qint64 clockTick = 50'000'000;           // nanoseconds; well above any file system's tick in use
+constexpr qint64 largestCovered = 4 * 1024 * 1024; // bytes
 
 class Descriptor {
 public:
@@ -57,13 +62,15 @@ bool nothingElseThan(const QByteArray& path)
 
 qint64 nanoseconds(const timespec& time) { return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec; }
 
-bool writeAll(int fd, const QByteArray& bytes, bool atStart)
+/// At `offset`, or where the file stands when there is none.
+bool writeAll(int fd, const QByteArray& bytes, std::optional<qsizetype> offset = std::nullopt)
 {
     qsizetype done = 0;
     while (done < bytes.size()) {
         const char* from = bytes.constData() + done;
         const size_t left = size_t(bytes.size() - done);
-        const ssize_t written = atStart ? ::pwrite(fd, from, left, off_t(done)) : ::write(fd, from, left);
+        const ssize_t written =
+            offset ? ::pwrite(fd, from, left, off_t(*offset + done)) : ::write(fd, from, left);
         if (written < 0 && errno == EINTR) continue;
         if (written <= 0) return false;
         done += written;
@@ -81,20 +88,20 @@ std::optional<QByteArray> readWhole(const QString& path, qint64 limit)
     const auto info = file.regular();
     if (!info || info->st_size > limit) return std::nullopt;
 
-    // One byte more than stated, to see whether the file has grown since; sizes may lie (as in /proc).
-    QByteArray bytes(qsizetype(qMin<qint64>(qMax<qint64>(info->st_size, 4096), limit)) + 1, Qt::Uninitialized);
-    qsizetype filled = 0;
-    for (;;) {
-        const ssize_t got = ::read(file.get(), bytes.data() + filled, size_t(bytes.size() - filled));
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return std::nullopt;
-        if (got == 0) break;
-        filled += got;
-        if (filled > limit) return std::nullopt;
-        if (filled == bytes.size()) bytes.resize(qsizetype(qMin<qint64>(2 * qint64(filled), limit) + 1));
+    // In a single read with room to spare, since a file written in place between two reads would come out mixed.
+    // Sizes may lie (as in /proc), and the file may have grown: then once more with more room.
+    for (qint64 room = qMax<qint64>(info->st_size, 4096); ; room *= 2) {
+        QByteArray bytes(qsizetype(qMin(room, limit)) + 1, Qt::Uninitialized);
+        ssize_t got = -1;
+        do {
+            got = ::pread(file.get(), bytes.data(), size_t(bytes.size()), 0);
+        } while (got < 0 && errno == EINTR);
+        if (got < 0 || got > limit) return std::nullopt;
+        if (got < bytes.size()) {
+            bytes.truncate(got);
+            return bytes;
+        }
     }
-    bytes.truncate(filled);
-    return bytes;
 }
 
 bool isReadable(const QString& path)
@@ -118,6 +125,13 @@ Identity identity(const QString& path)
             nanoseconds(changed)};
 }
 
+bool isSettled(const Identity& identity)
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    return std::abs(nanoseconds(now) - identity.changedNs) > clockTick;
+}
+
 bool writeInPlace(const QString& path, const QByteArray& bytes)
 {
     const QByteArray name = encoded(path);
@@ -126,9 +140,17 @@ bool writeInPlace(const QString& path, const QByteArray& bytes)
     const Descriptor file{name, O_WRONLY | O_CREAT};
     const auto info = file.regular();
     if (!info) return false;
-    // White space up to the old length, so that no tail of the old content shows before the cut.
-    const QByteArray covering = bytes.leftJustified(qsizetype(info->st_size), ' ');
-    return writeAll(file.get(), covering, true) && ::ftruncate(file.get(), off_t(bytes.size())) == 0;
+    // White space is part of no content, so it makes both of one length: first behind the old content, which then
+    // is replaced in one write, and last behind the new content until the cut. What is so large that no reader
+    // of ours takes it has nothing to be kept from showing.
+    const auto oldSize = qsizetype(qMin<qint64>(info->st_size, largestCovered + 1));
+    const bool cover = oldSize <= largestCovered;
+    if (cover && bytes.size() > oldSize &&
+        !writeAll(file.get(), QByteArray(bytes.size() - oldSize, ' '), oldSize)) {
+        return false;
+    }
+    return writeAll(file.get(), cover ? bytes.leftJustified(oldSize, ' ') : bytes, 0) &&
+           ::ftruncate(file.get(), off_t(bytes.size())) == 0;
 }
 
 bool writeAtomic(const QString& path, const QByteArray& bytes)
@@ -143,7 +165,7 @@ bool writePrivate(const QString& path, const QByteArray& bytes)
     QByteArray temporary = encoded(path) + ".XXXXXX";
     const int fd = ::mkstemp(temporary.data()); // made 0600
     if (fd < 0) return false;
-    const bool written = writeAll(fd, bytes, false) && ::fsync(fd) == 0;
+    const bool written = writeAll(fd, bytes) && ::fsync(fd) == 0;
     const bool closed = ::close(fd) == 0;
     if (written && closed && ::rename(temporary.constData(), encoded(path).constData()) == 0) return true;
     ::unlink(temporary.constData());
@@ -155,7 +177,7 @@ bool append(const QString& path, const QByteArray& bytes)
     const QByteArray name = encoded(path);
     if (!nothingElseThan(name)) return false;
     const Descriptor file{name, O_WRONLY | O_CREAT | O_APPEND};
-    return file.regular() && writeAll(file.get(), bytes, false);
+    return file.regular() && writeAll(file.get(), bytes);
 }
 
 } // namespace murmeli::files

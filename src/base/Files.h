@@ -26,6 +26,10 @@ struct Identity {
 };
 Identity identity(const QString& path);
 
+/// Whether an equal identity means equal content. File systems tell time in ticks, so a file changed a moment ago
+/// may change again without a trace.
+bool isSettled(const Identity& identity);
+
 /// Over the same file, in one write that covers all old bytes, then cut to length: a reader of JSON sees the
 /// old content or the new one, never an empty file. \return false when anything failed.
 [[nodiscard]] bool writeInPlace(const QString& path, const QByteArray& bytes);

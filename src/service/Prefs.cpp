@@ -2,19 +2,30 @@
 
 #include "base/Json.h"
 
+#include <tuple>
 #include <utility>
 
 namespace murmeli {
 
 Prefs::Prefs(QString file) : m_file(std::move(file)) {}
 
+QByteArray Prefs::readBytes() const
+{
+    // Someone may be writing at this very moment; what does not parse gets a few more looks.
+    constexpr int looks = 4;
+    QByteArray bytes;
+    for (int look = 0; look < looks; ++look) {
+        bytes = files::readWhole(m_file, sizeLimit).value_or(QByteArray{});
+        if (bytes.isEmpty() || json::object(bytes)) break;
+    }
+    return bytes;
+}
+
 const QJsonObject& Prefs::load() const
 {
     const files::Identity now = files::identity(m_file);
-    if (now != m_seen) {
-        // A write between the look and the read changes the identity again, and is read the next time.
-        const auto bytes = files::readWhole(m_file, sizeLimit);
-        m_object = bytes ? json::object(*bytes).value_or(QJsonObject{}) : QJsonObject{};
+    if (now != m_seen || !files::isSettled(now)) {
+        m_object = json::object(readBytes()).value_or(QJsonObject{});
         m_seen = now;
     }
     return m_object;
@@ -34,9 +45,8 @@ bool Prefs::boolean(const QString& key, bool fallback) const
 
 void Prefs::set(const QString& key, const QJsonValue& value)
 {
-    const QByteArray old = files::readWhole(m_file, sizeLimit).value_or(QByteArray{});
-    if (!files::writeInPlace(m_file, json::withMember(old, key, value))) return; // silent by design
-    m_seen = {};
+    // A failure is silent by design.
+    std::ignore = files::writeInPlace(m_file, json::withMember(readBytes(), key, value));
 }
 
 } // namespace murmeli

@@ -27,6 +27,8 @@ public:
     static constexpr qint64 sizeLimit = 1024 * 1024; ///< bytes; a larger file counts as damaged
 
 private:
+    [[nodiscard]] QByteArray readBytes() const;
+
     QString m_file;
     mutable files::Identity m_seen;
     mutable QJsonObject m_object;

@@ -1,0 +1,156 @@
+"""Murmeli as assistive programs see it: a small AT-SPI client that speaks the protocol directly."""
+
+from __future__ import annotations
+
+from dataclasses import dataclass
+from functools import cached_property
+
+from gi.repository import Gio, GLib
+
+from screen import Rectangle
+from waiting import wait_for
+
+ROOT = "/org/a11y/atspi/accessible/root"
+REGISTRY = "org.a11y.atspi.Registry"
+ACCESSIBLE = "org.a11y.atspi.Accessible"
+COMPONENT = "org.a11y.atspi.Component"
+PATIENCE = 5000  # milliseconds
+STATES = {1: "active", 4: "checked", 7: "editable", 8: "enabled", 11: "focusable", 12: "focused", 24: "sensitive",
+          25: "showing", 30: "visible"}
+
+
+def _connect(address: str) -> Gio.DBusConnection:
+    return Gio.DBusConnection.new_for_address_sync(
+        address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION,
+        None, None)
+
+
+def _call(bus: Gio.DBusConnection, name: str, path: str, interface: str, method: str, arguments=None):
+    answer = bus.call_sync(name, path, interface, method, arguments, None, Gio.DBusCallFlags.NO_AUTO_START,
+                           PATIENCE, None)
+    return answer.unpack()
+
+
+@dataclass(frozen=True)
+class Node:
+    bus: Gio.DBusConnection
+    owner: str
+    path: str
+    role: str
+    name: str
+    states: frozenset[str]
+
+    @property
+    def showing(self) -> bool:
+        return "showing" in self.states
+
+    @cached_property
+    def description(self) -> str:
+        return self._property("Description")
+
+    @cached_property
+    def extents(self) -> Rectangle:
+        on_screen = GLib.Variant("(u)", (0,))
+        return Rectangle(*_call(self.bus, self.owner, self.path, COMPONENT, "GetExtents", on_screen)[0])
+
+    def _property(self, name: str):
+        return _call(self.bus, self.owner, self.path, "org.freedesktop.DBus.Properties", "Get",
+                     GLib.Variant("(ss)", (ACCESSIBLE, name)))[0]
+
+    def __str__(self) -> str:
+        return f"{self.role} «{self.name}» {' '.join(sorted(self.states))}"
+
+
+class Tree:
+    def __init__(self, session: Gio.DBusConnection, bus: Gio.DBusConnection):
+        self._session = session
+        self._bus = bus
+        self._pid = 0
+        self._owner = ""
+
+    @classmethod
+    def open(cls, session_address: str) -> Tree | None:
+        """None while the desktop's accessibility service is not up yet."""
+        try:
+            session = _connect(session_address)
+            address = _call(session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")[0]
+            return cls(session, _connect(address))
+        except GLib.Error:
+            return None
+
+    def close(self) -> None:
+        for bus in (self._session, self._bus):
+            try:
+                bus.close_sync(None)
+            except GLib.Error:
+                pass
+
+    def session_has(self, name: str) -> bool:
+        return _call(self._session, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                     "NameHasOwner", GLib.Variant("(s)", (name,)))[0]
+
+    def follow(self, pid: int) -> None:
+        self._pid = pid
+        self._owner = ""
+
+    def _application(self) -> str:
+        """The name on the bus of the program that is followed; empty while it has not come."""
+        if self._owner:
+            return self._owner
+        for owner, _ in _call(self._bus, REGISTRY, ROOT, ACCESSIBLE, "GetChildren")[0]:
+            pid = _call(self._bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                        "GetConnectionUnixProcessID", GLib.Variant("(s)", (owner,)))[0]
+            if pid == self._pid:
+                self._owner = owner
+        return self._owner
+
+    def nodes(self) -> list[Node]:
+        """All that the program tells of; what vanishes while we look is left out."""
+        try:
+            owner = self._application()
+            if not owner:
+                return []
+            return self._below(owner, ROOT)
+        except GLib.Error:
+            self._owner = ""
+            return []
+
+    def _below(self, owner: str, path: str) -> list[Node]:
+        found = []
+        for child_owner, child in _call(self._bus, owner, path, ACCESSIBLE, "GetChildren")[0]:
+            try:
+                found.append(self._node(child_owner, child))
+                found += self._below(child_owner, child)
+            except GLib.Error:
+                continue
+        return found
+
+    def _node(self, owner: str, path: str) -> Node:
+        role = _call(self._bus, owner, path, ACCESSIBLE, "GetRoleName")[0]
+        low, high = _call(self._bus, owner, path, ACCESSIBLE, "GetState")[0]
+        bits = low | high << 32
+        name = _call(self._bus, owner, path, "org.freedesktop.DBus.Properties", "Get",
+                     GLib.Variant("(ss)", (ACCESSIBLE, "Name")))[0]
+        states = frozenset(word for bit, word in STATES.items() if bits >> bit & 1)
+        return Node(self._bus, owner, path, role, name, states)
+
+    def all(self, role: str, name=None) -> list[Node]:
+        """What is on screen with this role and, when given, this name, one of these names or a matching one."""
+        def fits(found: str) -> bool:
+            if name is None:
+                return True
+            if isinstance(name, str):
+                return found == name
+            return name(found) if callable(name) else found in name
+
+        return [node for node in self.nodes() if node.role == role and node.showing and fits(node.name)]
+
+    def find(self, role: str, name=None) -> Node | None:
+        found = self.all(role, name)
+        return found[0] if found else None
+
+    def wait(self, role: str, name=None, seconds: float = 5) -> Node:
+        return wait_for(lambda: self.find(role, name), f"{role} «{name}» to appear", seconds)
+
+    def wait_gone(self, role: str, name=None, seconds: float = 5) -> None:
+        wait_for(lambda: not self.find(role, name), f"{role} «{name}» to vanish", seconds)

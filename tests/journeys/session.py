@@ -1,0 +1,384 @@
+"""A desktop of one's own: display, window manager, compositor, tray, buses, the service, and Murmeli in it."""
+
+from __future__ import annotations
+
+import ctypes
+import json
+import os
+import re
+import select
+import shutil
+import signal
+import subprocess
+import tempfile
+import unittest
+from contextlib import contextmanager
+from pathlib import Path
+
+from accessibility import Tree
+from screen import Screen
+from waiting import wait_for
+
+REPOSITORY = Path(__file__).resolve().parents[2]
+PROGRAM = Path(os.environ.get("MURMELI_BIN", REPOSITORY / "build/dev/bin/murmeli"))
+EVIDENCE = REPOSITORY / "build" / "journeys"
+PYTHON = "/usr/bin/python3"  # the one that has gi
+ORB_NAMES = ("Начать запись", "Остановить запись", "Start recording", "Stop recording")
+
+# No service folders: nothing but what the journey starts may answer on the session bus.
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:path={path}</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+OPENED_RECORDER = '#!/bin/sh\nprintf "%s\\n" "$1" >> "{file}"\n'
+
+
+def selection_has_owner(display: str, name: str) -> bool:
+    """Whether a compositor or a tray has announced itself on the display."""
+    x11 = ctypes.CDLL("libX11.so.6")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
+    x11.XInternAtom.restype = ctypes.c_ulong
+    x11.XGetSelectionOwner.argtypes = [ctypes.c_void_p, ctypes.c_ulong]
+    x11.XGetSelectionOwner.restype = ctypes.c_ulong
+    x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+    connection = x11.XOpenDisplay(display.encode())
+    if not connection:
+        return False
+    try:
+        return bool(x11.XGetSelectionOwner(connection, x11.XInternAtom(connection, name.encode(), 0)))
+    finally:
+        x11.XCloseDisplay(connection)
+
+
+class Session:
+    opened: list[Session] = []
+
+    def __init__(self, *, tray=True, engine: list[str] | None = None, notes=True, language="ru",
+                 prefs: dict | None = None, state: dict | None = None, portal: list[str] | None = None,
+                 program=True):
+        self._wants = {"tray": tray, "engine": engine, "portal": portal, "program": program}
+        self._makes = {"notes": notes, "prefs": prefs, "state": state}
+        self._language = language
+        self._processes: list[tuple[str, subprocess.Popen]] = []
+        self._logs: list = []
+
+    # What the journey looks at.
+
+    @property
+    def notes(self) -> Path:
+        return self.home / "MeetingNotes"
+
+    @property
+    def logs(self) -> Path:
+        return self.notes / "logs"
+
+    @property
+    def command_file(self) -> Path:
+        return self.notes / "command.json"
+
+    @property
+    def flag_file(self) -> Path:
+        return self.notes / "auth_required.flag"
+
+    @property
+    def prefs_file(self) -> Path:
+        return self.notes / "prefs.json"
+
+    @property
+    def state_file(self) -> Path:
+        return self.notes / "state.json"
+
+    def notifications(self) -> list[str]:
+        """The lines of the notifications log without their times."""
+        try:
+            lines = (self.logs / "notifications.log").read_text("utf-8").splitlines()
+        except FileNotFoundError:
+            return []
+        return [re.sub(r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ ", "", line) for line in lines]
+
+    def opened_urls(self) -> list[str]:
+        return self._opened_file.read_text("utf-8").splitlines() if self._opened_file.exists() else []
+
+    # What the service does.
+
+    def write(self, path: Path, content: str | dict) -> None:
+        """In one step, as the service does it."""
+        text = content if isinstance(content, str) else json.dumps(content, ensure_ascii=False)
+        temporary = path.with_name(f".{path.name}.new")
+        temporary.write_text(text, "utf-8")
+        os.replace(temporary, path)
+
+    def write_state(self, **state) -> None:
+        self.write(self.state_file, state)
+
+    # Life of the session.
+
+    def __enter__(self) -> Session:
+        self._folder = Path(tempfile.mkdtemp(prefix="mj"))
+        self.home = self._folder / "home"
+        self._runtime = self._folder / "run"
+        self._tools = self._folder / "bin"
+        self._opened_file = self._folder / "opened"
+        for folder in (self.home, self._runtime, self._tools, self._folder / "service"):
+            folder.mkdir(mode=0o700)
+        recorder = self._tools / "xdg-open"
+        recorder.write_text(OPENED_RECORDER.format(file=self._opened_file), "utf-8")
+        recorder.chmod(0o700)
+        if self._makes["notes"]:
+            self.logs.mkdir(parents=True)
+        if self._makes["prefs"] is not None:
+            self.write(self.prefs_file, self._makes["prefs"])
+        if self._makes["state"] is not None:
+            self.write(self.state_file, self._makes["state"])
+        Session.opened.append(self)
+        try:
+            self._start_desktop()
+        except BaseException:
+            self.keep_evidence("start")
+            self.close()
+            raise
+        return self
+
+    def __exit__(self, *_) -> None:
+        self.close()
+
+    def _start_desktop(self) -> None:
+        self.display = ""
+        self.environment = {
+            "PATH": f"{self._tools}:{os.environ.get('PATH', '/usr/bin:/bin')}",
+            "HOME": str(self.home),
+            "XDG_RUNTIME_DIR": str(self._runtime),
+            "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self._runtime}/bus",
+            "LANG": "C.UTF-8",
+            "LANGUAGE": self._language,
+            "NO_AT_BRIDGE": "1",
+            "QT_QPA_PLATFORM": "xcb",
+            "QT_QUICK_BACKEND": "software",
+            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+        }
+        self._start_display()
+        configuration = self._folder / "bus.conf"
+        configuration.write_text(BUS_CONFIGURATION.format(path=self._runtime / "bus"), "utf-8")
+        self.start("bus", ["dbus-daemon", f"--config-file={configuration}", "--nofork", "--nopidfile"])
+        self.start("openbox", ["openbox", "--sm-disable"])
+        wait_for((self._runtime / "bus").exists, "the session bus")
+        self.start("accessibility", ["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"])
+        self.screen = Screen(self.environment)
+        wait_for(self.screen.has_window_manager, "the window manager")
+        self.start("picom", ["picom", "--backend", "xrender", "--config", "/dev/null"])
+        if self._wants["tray"]:
+            self.start_tray()
+        wait_for(lambda: selection_has_owner(self.display, "_NET_WM_CM_S0"), "the compositor")
+        self.tree = wait_for(self._open_tree, "the accessibility bus")
+        if self._wants["engine"] is not None:
+            self.start_engine(*self._wants["engine"])
+        if self._wants["portal"] is not None:
+            self.start_portal(*self._wants["portal"])
+        if self._wants["program"]:
+            self.start_program()
+
+    def _start_display(self) -> None:
+        ours, theirs = os.pipe()
+        try:
+            # The server takes the first free number by itself: two sessions never fight for one.
+            self.start("display", ["Xvfb", "-displayfd", str(theirs), "-screen", "0", "1280x900x24",
+                                   "-nolisten", "tcp", "-noreset"], pass_fds=[theirs])
+            os.close(theirs)
+            theirs = -1
+            number = b""
+            while not number.endswith(b"\n"):
+                if not select.select([ours], [], [], 10)[0]:
+                    raise AssertionError("waited 10 s in vain for the display")
+                more = os.read(ours, 16)
+                if not more:
+                    raise AssertionError("the display ended at once")
+                number += more
+        finally:
+            os.close(ours)
+            if theirs >= 0:
+                os.close(theirs)
+        self.display = f":{int(number)}"
+        self.environment["DISPLAY"] = self.display
+
+    def _open_tree(self) -> Tree | None:
+        return Tree.open(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+
+    def start(self, name: str, command: list[str], *, environment: dict | None = None, **options) -> subprocess.Popen:
+        log = open(self._folder / f"{name}.log", "ab")
+        self._logs.append(log)
+        process = subprocess.Popen(
+            # Whatever ends this run, nothing that it started stays behind.
+            ["setpriv", "--pdeathsig", "KILL", *command], env=environment or self.environment,
+            cwd=self._folder, stdout=log, stderr=log, start_new_session=True,
+            **{"stdin": subprocess.DEVNULL, **options})
+        self._processes.append((name, process))
+        return process
+
+    def stop(self, process: subprocess.Popen) -> None:
+        """Ends the process with the children in its group."""
+        for number in (signal.SIGCONT, signal.SIGTERM):
+            _signal_group(process, number)
+        try:
+            process.wait(5)
+        except subprocess.TimeoutExpired:
+            pass
+        _signal_group(process, signal.SIGKILL)
+        process.wait(5)
+        if process.stdin:
+            process.stdin.close()
+        self._processes = [entry for entry in self._processes if entry[1] is not process]
+
+    def start_tray(self) -> subprocess.Popen:
+        tray = self.start("tray", ["trayer", "--edge", "top", "--align", "right", "--SetDockType", "true",
+                                   "--SetPartialStrut", "true", "--widthtype", "request", "--height", "24",
+                                   "--tint", "0x15161b", "--transparent", "true", "--alpha", "0"])
+        wait_for(lambda: selection_has_owner(self.display, "_NET_SYSTEM_TRAY_S0"), "the tray")
+        return tray
+
+    def start_engine(self, *arguments: str) -> subprocess.Popen:
+        # The stand-in refuses to live in the folder that $HOME names.
+        environment = {**self.environment, "HOME": str(self._folder / "service")}
+        self.engine = self.start("engine", [PYTHON, str(REPOSITORY / "sandbox" / "engine.py"), "--home",
+                                            str(self.home), "--poll-seconds", "0.05", *arguments],
+                                 environment=environment)
+        wait_for(self.state_file.exists, "the service's state")
+        return self.engine
+
+    def start_portal(self, *arguments: str) -> subprocess.Popen:
+        self.portal = self.start("portal", [PYTHON, str(Path(__file__).with_name("settings_portal.py")), *arguments],
+                                 stdin=subprocess.PIPE)
+        wait_for(lambda: self.tree.session_has("org.freedesktop.portal.Desktop"), "the settings portal")
+        return self.portal
+
+    def start_program(self, *arguments: str, wait=True) -> subprocess.Popen:
+        self.program = self.start("murmeli", [str(PROGRAM), *arguments])
+        self.tree.follow(self.program.pid)
+        if wait:
+            if self._wants["tray"]:
+                self.icon()
+            wait_for(self.tree.nodes, "Murmeli's accessibility tree")
+        return self.program
+
+    def run_program(self, *arguments: str, environment: dict | None = None) -> subprocess.CompletedProcess:
+        """One more start, which is expected to end by itself."""
+        return subprocess.run([str(PROGRAM), *arguments], env=environment or self.environment, cwd=self._folder,
+                              stdin=subprocess.DEVNULL, capture_output=True, timeout=15, check=False)
+
+    def keep_evidence(self, test: str) -> None:
+        folder = EVIDENCE / test
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+        for log in self._folder.glob("*.log"):
+            shutil.copy(log, folder)
+        if self.display:
+            subprocess.run(["import", "-window", "root", str(folder / "screen.png")], check=False,
+                           env={**self.environment, "HOME": str(folder)}, timeout=20, capture_output=True)
+        if hasattr(self, "tree"):
+            (folder / "tree.txt").write_text("\n".join(map(str, self.tree.nodes())), "utf-8")
+
+    def close(self) -> None:
+        if self in Session.opened:
+            Session.opened.remove(self)
+        if hasattr(self, "tree"):
+            self.tree.close()
+        for _, process in reversed(self._processes[:]):
+            self.stop(process)
+        for log in self._logs:
+            log.close()
+        shutil.rmtree(self._folder, ignore_errors=True)
+
+    # What a user does.
+
+    def icon(self):
+        """The tray icon's rectangle."""
+        return wait_for(lambda: self.screen.icon(), "the icon in the tray")
+
+    def press_icon(self, button=1) -> None:
+        self.screen.click(*self.icon().middle, button=button)
+
+    def orb(self):
+        return self.tree.find("push button", ORB_NAMES)
+
+    def panel_is_open(self) -> bool:
+        return self.orb() is not None
+
+    def wait_open(self, seconds=5):
+        return wait_for(self.orb, "the panel", seconds)
+
+    def wait_closed(self, seconds=5) -> None:
+        wait_for(lambda: not self.panel_is_open(), "the panel to close", seconds)
+
+    def open_panel(self):
+        self.press_icon()
+        orb = self.wait_open()
+        self.look_away()
+        return orb
+
+    def look_away(self) -> None:
+        """Takes the pointer off the panel, so that nothing is hovered."""
+        self.screen.move(300, 700)
+
+    def press(self, role: str, name: str) -> None:
+        node = self.tree.wait(role, name)
+        self.screen.click(*node.extents.middle)
+
+
+def _signal_group(process: subprocess.Popen, number: int) -> None:
+    try:
+        os.killpg(process.pid, number)  # every process leads a group of its own
+    except ProcessLookupError:
+        pass
+
+
+class JourneyTest(unittest.TestCase):
+    """Keeps a screenshot and the outputs of whatever session is open when a test fails."""
+
+    longMessage = True
+    maxDiff = None
+
+    def __init_subclass__(cls, **options):
+        super().__init_subclass__(**options)
+        for name, method in list(vars(cls).items()):
+            if name.startswith("test"):
+                setattr(cls, name, _with_evidence(method))
+
+    def open_session(self, **options) -> Session:
+        return self.enterContext(Session(**options))
+
+    @contextmanager
+    def case(self, label: str):
+        with self.subTest(label):
+            try:
+                yield
+            except Exception:
+                _keep_evidence(f"{self.id()}.{label}")
+                raise
+
+
+def _with_evidence(method):
+    def run(self):
+        try:
+            method(self)
+        except Exception:
+            _keep_evidence(self.id())
+            raise
+
+    run.__name__ = method.__name__
+    run.__doc__ = None  # the runner would show it instead of the test's name
+    return run
+
+
+def _keep_evidence(test: str) -> None:
+    for session in Session.opened:
+        session.keep_evidence(re.sub(r"[^\w.-]+", "_", test))

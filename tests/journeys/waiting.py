@@ -1,0 +1,26 @@
+"""How a journey waits: for a condition, never for a while."""
+
+from __future__ import annotations
+
+import time
+
+
+def wait_for(condition, what: str, seconds: float = 10):
+    """Polls until `condition()` gives something true, and returns that."""
+    deadline = time.monotonic() + seconds
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > deadline:
+            raise AssertionError(f"waited {seconds} s in vain for {what}")
+        time.sleep(0.04)
+
+
+def stays(condition, what: str, seconds: float) -> None:
+    """The counterpart for what must not happen: fails as soon as `condition()` no longer holds."""
+    deadline = time.monotonic() + seconds
+    while time.monotonic() < deadline:
+        if not condition():
+            raise AssertionError(f"did not last {seconds} s: {what}")
+        time.sleep(0.04)

@@ -1,0 +1,162 @@
+#include "base/Files.h"
+#include "registeredTests.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <atomic>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace murmeli;
+
+class FilesTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { m_dir = std::make_unique<QTemporaryDir>(); }
+
+    void whatIsNoRegularFileIsRefusedAtOnce_data()
+    {
+        QTest::addColumn<QString>("kind");
+        for (const char* kind : {"missing", "folder", "fifo", "link to itself", "dangling link", "device",
+                                 "large", "name with a zero"}) {
+            QTest::newRow(kind) << QString::fromLatin1(kind);
+        }
+    }
+    void whatIsNoRegularFileIsRefusedAtOnce()
+    {
+        QFETCH(QString, kind);
+        QString path = m_dir->filePath(u"it"_s);
+        const QByteArray name = QFile::encodeName(path);
+        if (kind == u"folder"_s) QDir{}.mkpath(path);
+        if (kind == u"fifo"_s) QCOMPARE(::mkfifo(name.constData(), 0600), 0);
+        if (kind == u"link to itself"_s) QFile::link(path, path);
+        if (kind == u"dangling link"_s) QFile::link(m_dir->filePath(u"none"_s), path);
+        if (kind == u"device"_s) path = u"/dev/zero"_s;
+        if (kind == u"name with a zero"_s) path += QChar::Null;
+        if (kind == u"large"_s) {
+            QFile file{path};
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(2'000'000'000));
+        }
+        QElapsedTimer time;
+        time.start();
+        QVERIFY(!files::readWhole(path, 1000));
+        if (kind != u"missing"_s && kind != u"large"_s && kind != u"dangling link"_s) {
+            QVERIFY(!files::writeInPlace(path, "x"));
+            QVERIFY(!files::append(path, "x"));
+        }
+        QVERIFY2(time.elapsed() < 1000, "it waited for something");
+        QCOMPARE(files::isReadable(path), kind == u"large"_s);
+    }
+
+    void readsUpToTheLimitAndNoFurther()
+    {
+        const QString path = m_dir->filePath(u"it"_s);
+        const QByteArray bytes(10'000, 'x');
+        QVERIFY(files::writeAtomic(path, bytes));
+        QCOMPARE(files::readWhole(path, 10'000), bytes);
+        QVERIFY(!files::readWhole(path, 9'999));
+        QVERIFY(files::writeAtomic(path, ""));
+        QCOMPARE(files::readWhole(path, 0), QByteArray{});
+    }
+
+    void readsFilesThatHideTheirSize() { QVERIFY(files::readWhole(u"/proc/self/stat"_s, 10'000)->size() > 10); }
+
+    void writingInPlaceKeepsTheFileAndItsPermissions()
+    {
+        const QString path = m_dir->filePath(u"it"_s);
+        QVERIFY(files::writeInPlace(path, "a longer content"));
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+        const auto before = files::identity(path);
+        QVERIFY(files::writeInPlace(path, "short"));
+        const auto after = files::identity(path);
+        QCOMPARE(files::readWhole(path, 100), "short"_ba);
+        QCOMPARE(after.inode, before.inode);
+        QVERIFY(after != before);
+        QCOMPARE(QFile::permissions(path) & QFile::ReadGroup, QFile::Permissions{});
+    }
+
+    // The service reads whenever it likes: there must be no moment in which the file is empty or cut. Content
+    // that is shorter is written over the longer first and cut then, so only the two lengths are ever seen.
+    void anInPlaceWriteNeverShowsAnEmptyOrCutFile()
+    {
+        const QString path = m_dir->filePath(u"it"_s);
+        const QByteArray small = "{\"a\":1}";
+        const QByteArray large = "{\"a\":\"" + QByteArray(3000, 'y') + "\"}";
+        QVERIFY(files::writeInPlace(path, small));
+        std::atomic<bool> stop = false;
+        std::atomic<int> cut = 0;
+        std::atomic<int> looks = 0;
+        std::thread observer{[&] {
+            while (!stop) {
+                // The kernel may copy a page while it is written, so letters can mix; lengths must not.
+                const qint64 size = files::identity(path).size;
+                if (size != small.size() && size != large.size()) ++cut;
+                ++looks;
+            }
+        }};
+        bool written = true;
+        for (int i = 0; written && (i < 20'000 || looks < 1000); ++i) {
+            written = files::writeInPlace(path, i % 2 == 0 ? large : small);
+        }
+        stop = true;
+        observer.join();
+        QVERIFY(written);
+        QCOMPARE(cut.load(), 0);
+    }
+
+    void aFileChangedAMomentAgoIsNotSettled()
+    {
+        const QString path = m_dir->filePath(u"it"_s);
+        QVERIFY(files::writeInPlace(path, "x"));
+        QVERIFY(!files::isSettled(files::identity(path)));
+        QTRY_VERIFY(files::isSettled(files::identity(path)));
+    }
+
+    void aFailedAtomicWriteLeavesTheOldContent()
+    {
+        const QString missing = m_dir->filePath(u"no/such/folder/it"_s);
+        QVERIFY(!files::writeAtomic(missing, "x"));
+        QVERIFY(!files::writePrivate(missing, "x"));
+        QVERIFY(!files::writeInPlace(missing, "x"));
+        QVERIFY(!QFile::exists(m_dir->filePath(u"no"_s)));
+
+        const QString folder = m_dir->filePath(u"folder"_s);
+        QDir{}.mkpath(folder);
+        QVERIFY(!files::writePrivate(folder, "x"));
+        QCOMPARE(QDir{m_dir->path()}.entryList(QDir::Files | QDir::Hidden), QStringList{});
+    }
+
+    void aPrivateFileIsTheOwnersFromTheFirstByte()
+    {
+        const QString path = m_dir->filePath(u"secret"_s);
+        QVERIFY(files::writeAtomic(path, "open to all"));
+        QFile::setPermissions(path, QFile::Permissions{0x6644});
+        const auto old = files::identity(path);
+        QVERIFY(files::writePrivate(path, "token"));
+        struct stat info {};
+        QCOMPARE(::stat(QFile::encodeName(path).constData(), &info), 0);
+        QCOMPARE(info.st_mode & 0777, mode_t(0600));
+        QVERIFY(files::identity(path).inode != old.inode); // never the old, readable file with new content
+        QCOMPARE(files::readWhole(path, 100), "token"_ba);
+    }
+
+    void appendingMakesTheFileAndKeepsWhatIsThere()
+    {
+        const QString path = m_dir->filePath(u"log"_s);
+        QVERIFY(files::append(path, "a\n"));
+        QVERIFY(files::append(path, "b\n"));
+        QCOMPARE(files::readWhole(path, 100), "a\nb\n"_ba);
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+
+MURMELI_TEST(FilesTest)
+#include "FilesTest.moc"

@@ -1,0 +1,170 @@
+#include "base/Http.h"
+#include "registeredTests.h"
+
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QTimer>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using namespace murmeli;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A loopback server that misbehaves on request and remembers what it was told.
+class Server : public QTcpServer {
+public:
+    Server()
+    {
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            QTcpSocket* socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+                received += socket->readAll();
+                if (received.contains("\r\n\r\n")) reply(socket);
+            });
+        });
+    }
+    [[nodiscard]] QUrl url(const QString& path = u"/"_s) const
+    {
+        return QUrl{u"http://127.0.0.1:%1%2"_s.arg(serverPort()).arg(path)};
+    }
+
+    QByteArray received;
+    std::function<void(QTcpSocket*)> reply = [](QTcpSocket*) {};
+};
+
+QByteArray answer(int status, const QByteArray& body, const QByteArray& headers = {})
+{
+    return "HTTP/1.1 " + QByteArray::number(status) + " X\r\nContent-Length: " +
+           QByteArray::number(body.size()) + "\r\n" + headers + "\r\n" + body;
+}
+
+} // namespace
+
+class HttpTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { m_answer.reset(); }
+
+    void sendsWhatItIsGivenAndNothingElse()
+    {
+        Server server;
+        server.reply = [](QTcpSocket* s) { s->write(answer(200, "{}", "Set-Cookie: a=b\r\n")); };
+        send({.method = "PATCH",
+              .url = server.url(u"/x?y=1"_s),
+              .headers = {{"Prefer", "return=minimal"}},
+              .body = "{\"a\":1}",
+              .bearer = "token"});
+        QTRY_VERIFY(m_answer);
+        QVERIFY(m_answer->ok());
+        QCOMPARE(m_answer->body, "{}"_ba);
+        QVERIFY(server.received.startsWith("PATCH /x?y=1 HTTP/1.1\r\n"));
+        QVERIFY(server.received.contains("Prefer: return=minimal\r\n"));
+        QVERIFY(server.received.contains("Authorization: Bearer token\r\n"));
+        QVERIFY(server.received.endsWith("{\"a\":1}"));
+
+        server.received.clear();
+        m_answer.reset();
+        send({.url = server.url()});
+        QTRY_VERIFY(m_answer);
+        QVERIFY(!server.received.contains("Cookie"));
+        QVERIFY(!server.received.contains("Authorization"));
+    }
+
+    void errorStatusesAreAnswers()
+    {
+        Server server;
+        server.reply = [](QTcpSocket* s) { s->write(answer(500, "{\"why\":1}")); };
+        send({.url = server.url()});
+        QTRY_VERIFY(m_answer);
+        QCOMPARE(m_answer->failure, HttpAnswer::Failure::None);
+        QCOMPARE(m_answer->status, 500);
+        QCOMPARE(m_answer->body, "{\"why\":1}"_ba);
+        QVERIFY(!m_answer->ok());
+    }
+
+    void aTokenNeverLeavesItsOrigin()
+    {
+        Server other;
+        other.reply = [](QTcpSocket* s) { s->write(answer(200, "{}")); };
+        Server server;
+        server.reply = [&](QTcpSocket* s) {
+            s->write(answer(302, "", "Location: " + other.url().toEncoded() + "\r\n"));
+        };
+        send({.url = server.url(), .bearer = "token"});
+        QTRY_VERIFY(m_answer);
+        QCOMPARE(m_answer->failure, HttpAnswer::Failure::Redirect);
+        QVERIFY(other.received.isEmpty());
+        QVERIFY(!m_answer->errorText.contains(u"token"_s));
+
+        m_answer.reset();
+        server.received.clear();
+        send({.url = server.url()}); // without a token there is nothing to lose
+        QTRY_VERIFY(m_answer);
+        QVERIFY(m_answer->ok());
+    }
+
+    void giveUp_data()
+    {
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<HttpAnswer::Failure>("failure");
+        QTest::newRow("never answers") << u"silent"_s << HttpAnswer::Failure::Timeout;
+        QTest::newRow("a byte now and then") << u"trickle"_s << HttpAnswer::Failure::Timeout;
+        QTest::newRow("endless") << u"endless"_s << HttpAnswer::Failure::TooLarge;
+        QTest::newRow("hangs up") << u"reset"_s << HttpAnswer::Failure::Transport;
+        QTest::newRow("nobody there") << u"refused"_s << HttpAnswer::Failure::Transport;
+    }
+    void giveUp()
+    {
+        QFETCH(QString, fault);
+        Server server;
+        QTimer feed;
+        server.reply = [&](QTcpSocket* s) {
+            if (fault == u"reset"_s) s->abort();
+            if (fault != u"trickle"_s && fault != u"endless"_s) return;
+            s->write("HTTP/1.1 200 OK\r\nContent-Length: 10000000000\r\n\r\n");
+            connect(&feed, &QTimer::timeout, s,
+                    [s, fault] { s->write(QByteArray(fault == u"endless"_s ? 65536 : 1, 'x')); });
+            feed.start(fault == u"endless"_s ? 0 : 20);
+        };
+        const QUrl url = server.url();
+        if (fault == u"refused"_s) server.close();
+        send({.url = url,
+              .timeout = fault == u"endless"_s ? 20'000ms : 300ms,
+              .answerLimit = 1'000'000});
+        QTRY_VERIFY(m_answer);
+        QTEST(m_answer->failure, "failure");
+        QVERIFY(m_answer->body.size() <= 1'000'000);
+    }
+
+    void anAnswerForNobodyIsDropped()
+    {
+        Server server;
+        auto context = std::make_unique<QObject>();
+        bool gone = false;
+        bool wrong = false;
+        server.reply = [&](QTcpSocket* s) {
+            connect(s, &QTcpSocket::disconnected, this, [&] { gone = true; });
+            context.reset();
+        };
+        m_http.send({.url = server.url()}, context.get(), [&](const HttpAnswer&) { wrong = true; });
+        QTRY_VERIFY(gone);
+        QVERIFY(!wrong);
+    }
+
+private:
+    void send(const HttpRequest& request)
+    {
+        m_http.send(request, this, [this](const HttpAnswer& a) { m_answer = a; });
+    }
+
+    NetworkHttp m_http;
+    std::optional<HttpAnswer> m_answer;
+};
+
+MURMELI_TEST(HttpTest)
+#include "HttpTest.moc"

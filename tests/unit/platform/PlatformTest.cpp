@@ -1,0 +1,100 @@
+#include "platform/PanelPlacement.h"
+#include "platform/SingleInstance.h"
+#include "registeredTests.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+using namespace murmeli;
+
+class PlatformTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void placement_data()
+    {
+        QTest::addColumn<QRect>("icon");
+        QTest::addColumn<QRect>("available");
+        QTest::addColumn<QSize>("content");
+        QTest::addColumn<QRect>("panel");
+        QTest::addColumn<double>("arrowX");
+        const QRect screen{0, 24, 1280, 876};
+        QTest::newRow("under the icon") << QRect{629, 1, 22, 22} << screen << QSize{340, 590}
+                                        << QRect{470, 26, 340, 590} << 170.0;
+        QTest::newRow("near the right edge") << QRect{1257, 1, 22, 22} << screen << QSize{340, 590}
+                                             << QRect{932, 26, 340, 590} << 308.0;
+        QTest::newRow("near the left edge") << QRect{1, 1, 22, 22} << screen << QSize{340, 590}
+                                            << QRect{8, 26, 340, 590} << 32.0;
+        QTest::newRow("height not to be taken seriously") << QRect{629, 1, 22, 22} << screen << QSize{340, 60}
+                                                          << QRect{470, 26, 340, 400} << 170.0;
+        QTest::newRow("narrow content") << QRect{629, 1, 22, 22} << screen << QSize{100, 61}
+                                        << QRect{470, 26, 340, 61} << 170.0;
+        QTest::newRow("wide content") << QRect{629, 1, 22, 22} << screen << QSize{400, 590}
+                                      << QRect{440, 26, 400, 590} << 200.0;
+        QTest::newRow("too narrow a screen: the right bound wins")
+            << QRect{100, 1, 22, 22} << QRect{0, 24, 300, 600} << QSize{340, 500} << QRect{-48, 26, 340, 500}
+            << 159.0;
+        QTest::newRow("second screen") << QRect{3000, 1, 22, 22} << QRect{1280, 0, 1920, 1080}
+                                       << QSize{340, 590} << QRect{2841, 26, 340, 590} << 170.0;
+        QTest::newRow("bar at the bottom") << QRect{629, 878, 22, 22} << QRect{0, 0, 1280, 876}
+                                           << QSize{340, 590} << QRect{470, 285, 340, 590} << 170.0;
+    }
+    void placement()
+    {
+        QFETCH(QRect, icon);
+        QFETCH(QRect, available);
+        QFETCH(QSize, content);
+        const PanelPlacement place = placePanel(icon, available, content);
+        QTEST(place.panel, "panel");
+        QTEST(place.arrowX, "arrowX");
+    }
+
+    void theSecondInstanceHandsOverItsLine()
+    {
+        const QTemporaryDir folder;
+        auto first = std::make_unique<SingleInstance>(folder.path());
+        QVERIFY(first->isFirst());
+        first->listen();
+        QSignalSpy told{first.get(), &SingleInstance::told};
+        const QString line = u"murmeli://auth#token=я%20"_s;
+        std::thread second{[&] {
+            const SingleInstance later{folder.path()};
+            if (!later.isFirst()) later.tellFirst(line);
+        }};
+        QTRY_COMPARE(told.size(), 1);
+        second.join();
+        QCOMPARE(told.first().first().toString(), line);
+
+        first.reset();
+        SingleInstance next{folder.path()};
+        QVERIFY(next.isFirst());
+    }
+
+    void aSocketLeftByACrashIsNoHindrance()
+    {
+        const QTemporaryDir folder;
+        QFile leftOver{folder.filePath(u"murmeli.socket"_s)};
+        QVERIFY(leftOver.open(QIODevice::WriteOnly));
+        leftOver.close();
+        SingleInstance instance{folder.path()};
+        instance.listen();
+        QSignalSpy told{&instance, &SingleInstance::told};
+        std::thread second{[&] { SingleInstance{folder.path()}.tellFirst(u"activate"_s); }};
+        QTRY_COMPARE(told.size(), 1);
+        second.join();
+    }
+
+    void anUnusableFolderDoesNotKeepUsFromStarting()
+    {
+        SingleInstance instance{u"/no/such/folder"_s};
+        QVERIFY(instance.isFirst());
+        instance.listen();
+    }
+};
+
+MURMELI_TEST(PlatformTest)
+#include "PlatformTest.moc"
