@@ -81,7 +81,10 @@ ColumnLayout {
             ColumnLayout {
                 Layout.fillWidth: true
                 spacing: 0
-                Label { text: L.t("panel.account") }
+                Label {
+                    Layout.fillWidth: true
+                    text: L.t("panel.account")
+                }
                 RowLayout {
                     visible: root.appState.telegramConnected
                     spacing: Theme.gapSmall

@@ -57,7 +57,7 @@ int main(int argc, char* argv[])
     Prefs prefs{paths.prefsFile};
     SystemScheduler scheduler;
     Language language{prefs, workspace::preferredLanguages};
-    Look look;
+    Look look{nullptr};
     const auto statusItem = makeStatusItem();
     AppDelegate delegate{paths, prefs, language, look, scheduler, *statusItem};
     delegate.start();

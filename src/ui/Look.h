@@ -21,7 +21,8 @@ class Look final : public QObject {
     Q_PROPERTY(double pointsPerPixel READ pointsPerPixel CONSTANT FINAL)
 
 public:
-    explicit Look(QObject* parent = nullptr) : QObject(parent) {}
+    // No default for the parent: a singleton that can be made without arguments is made anew by every engine.
+    explicit Look(QObject* parent) : QObject(parent) {}
 
     [[nodiscard]] bool dark() const { return m_dark; }
     [[nodiscard]] bool reducedMotion() const { return m_reducedMotion; }
