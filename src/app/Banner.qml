@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Murmeli.Ui
 
 // A notice at the top of the panel. It grows into its place and fades in.
@@ -38,53 +37,51 @@ Item {
         anchors.topMargin: Theme.padPanel
         anchors.leftMargin: Theme.padPanel
         anchors.rightMargin: Theme.padPanel
-        implicitHeight: content.implicitHeight + 22
+        implicitHeight: Math.max(glyph.height, texts.implicitHeight) + 22
         radius: Theme.rCard
         color: Theme.tintBanner(root.accent)
         border.width: Theme.hair
         border.color: Theme.tintLine(root.accent)
 
-        RowLayout {
-            id: content
-            anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
+        Symbol {
+            id: glyph
+            anchors.left: parent.left
             anchors.leftMargin: Theme.padPanel
-            anchors.rightMargin: root.closable ? 30 : Theme.padPanel - 2
-            spacing: 10
-
-            Symbol {
-                Layout.alignment: root.closable ? Qt.AlignTop : Qt.AlignVCenter
-                Layout.preferredWidth: Theme.symbolBanner
-                Layout.preferredHeight: Theme.symbolBanner
-                size: Theme.symbolBanner
-                name: root.symbol
-                ink: root.ink
+            y: root.closable ? texts.y : (parent.height - height) / 2
+            size: Theme.symbolBanner
+            name: root.symbol
+            ink: root.ink
+        }
+        Column {
+            id: texts
+            anchors.left: glyph.right
+            anchors.leftMargin: Theme.gapGroup
+            anchors.right: parent.right
+            anchors.rightMargin: root.closable ? 30 : actionSlot.width + (actionSlot.width > 0 ? 20 : Theme.padPanel)
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 3
+            Label {
+                width: parent.width
+                type: root.prominent ? Theme.labelStrong : Theme.label
+                wrapMode: Text.Wrap
+                text: root.title
+                Accessible.ignored: true
             }
-            ColumnLayout {
-                Layout.fillWidth: true
-                spacing: 3
-                Label {
-                    Layout.fillWidth: true
-                    type: root.prominent ? Theme.labelStrong : Theme.label
-                    wrapMode: Text.Wrap
-                    text: root.title
-                    Accessible.ignored: true
-                }
-                Label {
-                    Layout.fillWidth: true
-                    visible: root.body.length > 0
-                    type: Theme.caption
-                    color: Theme.text2
-                    wrapMode: Text.Wrap
-                    text: root.body
-                    Accessible.ignored: true
-                }
+            Label {
+                width: parent.width
+                visible: root.prominent
+                type: Theme.caption
+                color: Theme.text2
+                wrapMode: Text.Wrap
+                text: root.body
+                Accessible.ignored: true
             }
-            Item {
-                id: actionSlot
-                visible: children.length > 0
-                implicitWidth: childrenRect.width
-                implicitHeight: childrenRect.height
-            }
+        }
+        Row {
+            id: actionSlot
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.gapGroup
+            anchors.verticalCenter: parent.verticalCenter
         }
         IconButton {
             anchors { right: parent.right; top: parent.top }

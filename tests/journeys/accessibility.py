@@ -134,23 +134,29 @@ class Tree:
         states = frozenset(word for bit, word in STATES.items() if bits >> bit & 1)
         return Node(self._bus, owner, path, role, name, states)
 
-    def all(self, role: str, name=None) -> list[Node]:
-        """What is on screen with this role and, when given, this name, one of these names or a matching one."""
+    def all(self, role: str | None, name=None) -> list[Node]:
+        """What is on screen with this role (any: None) and this name, one of these names or a fitting one."""
         def fits(found: str) -> bool:
-            if name is None:
-                return True
-            if isinstance(name, str):
-                return found == name
+            if name is None or isinstance(name, str):
+                return name in (None, found)
             return name(found) if callable(name) else found in name
 
-        return [node for node in self.nodes() if node.role == role and node.showing and fits(node.name)]
+        return [node for node in self.nodes() if node.showing and role in (None, node.role) and fits(node.name)]
 
-    def find(self, role: str, name=None) -> Node | None:
+    def find(self, role: str | None, name=None) -> Node | None:
         found = self.all(role, name)
         return found[0] if found else None
 
-    def wait(self, role: str, name=None, seconds: float = 5) -> Node:
-        return wait_for(lambda: self.find(role, name), f"{role} «{name}» to appear", seconds)
+    def wait(self, role: str | None, name=None, seconds: float = 5) -> Node:
+        return wait_for(lambda: self.find(role, name), f"{role or 'something'} «{name}» to appear", seconds)
 
-    def wait_gone(self, role: str, name=None, seconds: float = 5) -> None:
-        wait_for(lambda: not self.find(role, name), f"{role} «{name}» to vanish", seconds)
+    def wait_gone(self, role: str | None, name=None, seconds: float = 5) -> None:
+        wait_for(lambda: not self.find(role, name), f"{role or 'something'} «{name}» to vanish", seconds)
+
+    def focused(self) -> Node | None:
+        found = [node for node in self.nodes() if node.showing and "focused" in node.states]
+        return found[0] if found else None
+
+    def text(self) -> str:
+        """Every name on screen, for what must be nowhere."""
+        return "\n".join(node.name for node in self.nodes() if node.showing)

@@ -107,6 +107,12 @@ class Session:
             return []
         return [re.sub(r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ ", "", line) for line in lines]
 
+    def state(self) -> dict:
+        return json.loads(self.state_file.read_text("utf-8"))
+
+    def status(self) -> str:
+        return self.state()["status"]
+
     def opened_urls(self) -> list[str]:
         return self._opened_file.read_text("utf-8").splitlines() if self._opened_file.exists() else []
 
@@ -329,9 +335,9 @@ class Session:
         """Takes the pointer off the panel, so that nothing is hovered."""
         self.screen.move(300, 700)
 
-    def press(self, role: str, name: str) -> None:
-        node = self.tree.wait(role, name)
-        self.screen.click(*node.extents.middle)
+    def press(self, role: str, name) -> None:
+        self.screen.click(*self.tree.wait(role, name).extents.middle)
+        self.look_away()
 
 
 def _signal_group(process: subprocess.Popen, number: int) -> None:

@@ -24,3 +24,15 @@ def stays(condition, what: str, seconds: float) -> None:
         if not condition():
             raise AssertionError(f"did not last {seconds} s: {what}")
         time.sleep(0.04)
+
+
+def settles(condition, what: str, calm: float = 0.8, seconds: float = 10) -> None:
+    """Waits until `condition()` has held without a break for `calm` seconds."""
+    deadline = time.monotonic() + seconds
+    since = None
+    while since is None or time.monotonic() - since < calm:
+        now = time.monotonic()
+        if now > deadline:
+            raise AssertionError(f"waited {seconds} s in vain for {what} to settle")
+        since = (since or now) if condition() else None
+        time.sleep(0.03)

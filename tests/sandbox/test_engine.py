@@ -80,6 +80,9 @@ class RoundTrip(SandboxCase):
             markdown = meeting_files.protocol_markdown(meeting)
             self.assertNotRegex(markdown, r"[{}]")
             self.assertTrue(30 <= len(meeting.turns) <= 120, meeting.title)
+            for turn in meeting.turns:
+                self.assertNotIn(turn.speaker.split()[0], turn.text.replace(",", " ").split(),
+                                 f"{meeting.title}: {turn.speaker} addresses nobody else")
         self.assertEqual(languages.count("ru"), 40)
 
 

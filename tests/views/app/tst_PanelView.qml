@@ -1,0 +1,209 @@
+import QtQuick
+import QtTest
+import Murmeli.App
+import Murmeli.Ui
+
+TestCase {
+    id: testCase
+
+    name: "PanelView"
+    when: windowShown
+    visible: true
+    width: 460
+    height: 900
+
+    property var panel
+
+    Component {
+        id: view
+        PanelView {
+            appState: fixture.appState
+            record: fixture.record
+            panel: fixture.panel
+            open: true
+        }
+    }
+
+    function init() {
+        fixture.reset();
+        panel = createTemporaryObject(view, testCase);
+        verify(panel);
+        tryVerify(() => shows("Telegram")); // it fades in
+    }
+
+    // What a reader of the screen is told: the visible controls and texts under `item`, by accessible name.
+    function named(name, item = panel) {
+        for (let i = 0; i < item.children.length; ++i) {
+            const child = item.children[i];
+            if (!child.visible || child.opacity === 0) continue;
+            if (child.Accessible.name === name && !child.Accessible.ignored) return child;
+            const found = named(name, child);
+            if (found) return found;
+        }
+        return null;
+    }
+    function shows(name) { return named(name) !== null; }
+
+    function test_states_data() {
+        const idle = '{"status":"idle","telegram_connected":true}';
+        const recording = '{"status":"recording","since":1731690000,"jobs":2}';
+        return [
+            { tag: "idle", state: idle, shown: ["Готов к записи", "Начни звонок — запишу автоматически", "Начать запись", "Подключено"], hidden: ["Подключить"] },
+            { tag: "recording", state: recording, shown: ["Идёт запись", "Остановить запись", "Разбирается встреч: 2", "Подключить"], hidden: ["Слушаю встречу…", "Подключено"] },
+            { tag: "start unknown", state: '{"status":"recording"}', shown: ["Слушаю встречу…"], hidden: [] },
+            { tag: "processing", state: '{"status":"processing","jobs":2}', shown: ["Готовлю протокол", "Расшифровка и разбор…"], hidden: ["Разбирается встреч: 2"] },
+            { tag: "detail with markup", state: '{"detail":"<b>не</b> разметка"}', shown: ["<b>не</b> разметка"], hidden: [] },
+            { tag: "signed out", state: "{}", shown: ["Войти в Murmeli"], hidden: ["аккаунт Murmeli", "Выйти из аккаунта Murmeli"] },
+            { tag: "signed in", state: idle, signedIn: true, shown: ["аккаунт Murmeli", "Выйти из аккаунта Murmeli", "Телеграм: подключён"], hidden: ["Войти в Murmeli"] },
+            { tag: "signed in without Telegram", state: "{}", signedIn: true, shown: ["аккаунт Murmeli"], hidden: ["Телеграм: подключён"] },
+            { tag: "update", state: "{}", update: "0.9.0", shown: ["Доступна новая версия (0.9.0)", "Обновить"], hidden: [] }
+        ];
+    }
+    function test_states(data) {
+        if (data.signedIn) fixture.signIn();
+        if (data.update) fixture.offerUpdate(data.update, false);
+        fixture.serviceWrites(data.state);
+        for (const name of data.shown) tryVerify(() => shows(name), 2000, name);
+        for (const name of data.hidden) tryVerify(() => !shows(name), 2000, name);
+    }
+
+    function test_clickWhileIdleAsksForAStart() {
+        const orb = named("Начать запись");
+        mouseClick(orb);
+        compare(fixture.lastCommand().action, "start");
+        verify(fixture.record.waiting);
+        tryVerify(() => shows("Запускаем запись…"));
+        fixture.serviceWrites('{"status":"recording"}');
+        verify(!fixture.record.waiting);
+        mouseClick(named("Остановить запись"));
+        compare(fixture.lastCommand().action, "stop");
+    }
+
+    function test_orbByKeyboard_data() {
+        return [{ tag: "space", key: Qt.Key_Space }, { tag: "return", key: Qt.Key_Return }, { tag: "enter", key: Qt.Key_Enter }];
+    }
+    function test_orbByKeyboard(data) {
+        panel.focusFirst();
+        verify(named("Начать запись").activeFocus);
+        keyClick(data.key);
+        compare(fixture.lastCommand().action, "start");
+    }
+
+    function test_hoverInvites() {
+        const orb = named("Начать запись");
+        mouseMove(orb, orb.width / 2, orb.height / 2);
+        tryVerify(() => shows("Нажать, чтобы записать"));
+        mouseMove(testCase, 1, 1);
+        tryVerify(() => shows("Начни звонок — запишу автоматически"));
+    }
+
+    function test_formatByMouseAndKeyboard() {
+        mouseClick(named("Короткий"));
+        compare(fixture.preferences().protocol_format, "short");
+        verify(named("Короткий").Accessible.checked);
+        verify(!named("Развёрнутый").Accessible.checked);
+        verify(shows("Короткий: только итоги, открытые вопросы и поручения"));
+        const group = findGroup(panel);
+        group.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Left);
+        compare(fixture.preferences().protocol_format, "full");
+        keyClick(Qt.Key_Left); // no further
+        compare(fixture.preferences().protocol_format, "full");
+        keyClick(Qt.Key_Right);
+        compare(fixture.preferences().protocol_format, "short");
+    }
+    function findGroup(item) {
+        for (let i = 0; i < item.children.length; ++i) {
+            const child = item.children[i];
+            if (child.Accessible.role === Accessible.Grouping) return child;
+            const found = findGroup(child);
+            if (found) return found;
+        }
+        return null;
+    }
+
+    function test_formatFollowsAChangeElsewhere() {
+        fixture.prefer("protocol_format", "short");
+        tryVerify(() => named("Короткий").Accessible.checked);
+        fixture.prefer("auto_record", false);
+        tryVerify(() => !named("Авто-запись при активном микрофоне").Accessible.checked);
+    }
+
+    function test_autoRecord() {
+        const box = named("Авто-запись при активном микрофоне");
+        verify(box.Accessible.checked);
+        mouseClick(box);
+        compare(fixture.preferences().auto_record, false);
+        box.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Space);
+        compare(fixture.preferences().auto_record, true);
+        compare(box.Accessible.description.indexOf("Если микрофон занят"), 0);
+    }
+
+    function test_authorisationBanner() {
+        const before = panel.implicitHeight;
+        fixture.raiseFlag('{"body":"Войди"}');
+        tryVerify(() => shows("Не найден пользователь — авторизуйтесь. Войди"));
+        tryVerify(() => panel.implicitHeight > before + 60);
+        mouseClick(named("Закрыть уведомление"));
+        fixture.advance(0);
+        verify(!fixture.flagExists());
+        tryVerify(() => panel.implicitHeight === before);
+        verify(!shows("Закрыть уведомление"));
+    }
+
+    function test_updateBusyCannotBePressedTwice() {
+        fixture.offerUpdate("0.9.0", false);
+        let asked = 0;
+        const count = () => ++asked;
+        fixture.panel.updateRequested.connect(count);
+        tryVerify(() => shows("Обновить"));
+        const banner = named("Доступна новая версия (0.9.0)");
+        tryCompare(banner, "unfolded", 1);
+        mouseClick(named("Обновить"));
+        compare(asked, 1);
+        fixture.offerUpdate("0.9.0", true);
+        const button = named("Устанавливаем…");
+        mouseClick(button);
+        compare(asked, 1);
+        fixture.panel.updateRequested.disconnect(count);
+    }
+
+    function test_languageChangesWhileOpen() {
+        verify(shows("Готов к записи"));
+        fixture.prefer("locale", "en");
+        tryVerify(() => shows("Ready to record"));
+        verify(shows("Record when the microphone is in use"));
+        verify(!shows("Telegram: подключён"));
+    }
+
+    function test_tabOrderIsReadingOrder() {
+        fixture.signIn();
+        fixture.raiseFlag("{}");
+        tryVerify(() => shows("Закрыть уведомление"));
+        const expected = ["Закрыть уведомление", "Начать запись", "Формат протокола", "Авто-запись при активном микрофоне",
+            "Подключить", "Выйти из аккаунта Murmeli", "Протоколы", "Открыть окно"];
+        named("Закрыть уведомление").forceActiveFocus(Qt.TabFocusReason);
+        const seen = [];
+        for (let i = 0; i < expected.length; ++i) {
+            seen.push(focused(panel).Accessible.name);
+            keyClick(Qt.Key_Tab);
+        }
+        compare(seen, expected);
+    }
+    function focused(item) {
+        for (let i = 0; i < item.children.length; ++i) {
+            const child = item.children[i];
+            if (child.activeFocus && child.activeFocusOnTab !== false && child.Accessible.name !== "") return child;
+            const found = focused(child);
+            if (found) return found;
+        }
+        return null;
+    }
+
+    function test_nothingMovesWhileClosed() {
+        verify(fixture.panel.watched);
+        panel.open = false;
+        tryVerify(() => !fixture.panel.watched);
+    }
+}
