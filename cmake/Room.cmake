@@ -32,7 +32,7 @@ endfunction()
 
 # murmeli_qml_room(NAME room URI Murmeli.Room SOURCES … QML_FILES … SINGLETONS … RESOURCES … LINK …)
 function(murmeli_qml_room)
-    cmake_parse_arguments(ROOM "" "NAME;URI" "SOURCES;QML_FILES;SINGLETONS;RESOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ROOM "" "NAME;URI" "SOURCES;QML_FILES;SINGLETONS;RESOURCES;DEPENDENCIES;LINK" ${ARGN})
     set(target murmeli_${ROOM_NAME})
     qt_add_library(${target} STATIC)
     set_source_files_properties(${ROOM_SINGLETONS} PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
@@ -41,6 +41,7 @@ function(murmeli_qml_room)
         VERSION 1.0
         RESOURCE_PREFIX ${MURMELI_QML_PREFIX}
         IMPORT_PATH ${QT_QML_OUTPUT_DIRECTORY}
+        DEPENDENCIES ${ROOM_DEPENDENCIES}
         SOURCES ${ROOM_SOURCES}
         QML_FILES ${ROOM_QML_FILES} ${ROOM_SINGLETONS}
         RESOURCES ${ROOM_RESOURCES})

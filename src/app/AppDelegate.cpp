@@ -24,7 +24,8 @@ namespace {
 
 constexpr auto blinkInterval = 700ms;
 constexpr auto trayPatience = 2s; ///< at log-in the tray may come later than we do
-constexpr qint64 samePress = 400; ///< milliseconds in which a press can both close the panel and reach the icon
+constexpr qint64 samePress =
+    400; ///< milliseconds in which a press can both close the panel and reach the icon
 
 const QColor recordingRed = QColor::fromRgbF(0.855F, 0.243F, 0.31F);
 constexpr float dimAlpha = 0.4F;
@@ -32,7 +33,8 @@ constexpr float dimAlpha = 0.4F;
 QIcon iconOf(const std::function<QImage(int)>& draw)
 {
     QIcon icon;
-    for (const int side : {16, 22, 24, 32, 44, 48, 64}) icon.addPixmap(QPixmap::fromImage(draw(side)));
+    for (const int side : {16, 22, 24, 32, 44, 48, 64})
+        icon.addPixmap(QPixmap::fromImage(draw(side)));
     return icon;
 }
 
@@ -96,8 +98,7 @@ void AppDelegate::connectPanel()
         closePanel();
         showWindow();
     });
-    connect(&m_panel, &PanelModel::botRequested, this,
-            [] { workspace::openUrl(QUrl{AppInfo::botLink()}); });
+    connect(&m_panel, &PanelModel::botRequested, this, [] { workspace::openUrl(QUrl{AppInfo::botLink()}); });
     connect(&m_panel, &PanelModel::signInRequested, this,
             [] { workspace::openUrl(QUrl{AppInfo::accountSite()}); });
     connect(&m_panel, &PanelModel::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
@@ -170,8 +171,7 @@ void AppDelegate::placePanel()
     if (!screen) screen = QGuiApplication::primaryScreen();
     if (!screen) return;
     KeyPanel* panel = floatingPanel();
-    const PanelPlacement place =
-        murmeli::placePanel(icon, screen->availableGeometry(), panel->contentSize());
+    const PanelPlacement place = murmeli::placePanel(icon, screen->availableGeometry(), panel->contentSize());
     m_state.setArrowX(place.arrowX);
     panel->openAt(place.panel);
 }
@@ -184,8 +184,7 @@ void AppDelegate::closePanel()
 void AppDelegate::showWindow()
 {
     if (!m_window) {
-        m_window =
-            std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_state, m_record, m_panel);
+        m_window = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_state, m_record, m_panel);
     }
     m_window->openOrdinary();
 }

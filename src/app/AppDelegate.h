@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QPoint>
 #include <QQmlEngine>
+
 #include <memory>
 
 namespace murmeli {
@@ -72,7 +73,8 @@ private:
     std::unique_ptr<QObject> m_blinking; ///< while it lives, the icon blinks
     bool m_blinkBright = true;
     QElapsedTimer m_closedFromOutside;
-    QPoint m_pressedAt; ///< where the pointer last pressed the icon, on desktops that keep its place to themselves
+    QPoint m_pressedAt; ///< where the pointer last pressed the icon, on desktops that keep its place to
+                        ///< themselves
 };
 
 } // namespace murmeli

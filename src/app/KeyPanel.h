@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QQuickView>
+
 #include <memory>
 
 namespace murmeli {

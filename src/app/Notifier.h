@@ -3,6 +3,7 @@
 #include "ToastCenter.h"
 
 #include <QString>
+
 #include <functional>
 
 namespace murmeli {

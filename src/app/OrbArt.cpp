@@ -57,11 +57,21 @@ void OrbArt::paint(QPainter* painter)
     painter->scale(m_zoom, m_zoom);
     painter->translate(-boundingRect().center());
     switch (m_part) {
-    case Part::Wash: paintWash(*painter); break;
-    case Part::Halo: paintHalo(*painter); break;
-    case Part::Ring: paintRing(*painter, m_color); break;
-    case Part::Arc: paintArc(*painter); break;
-    case Part::Core: paintCore(*painter); break;
+    case Part::Wash:
+        paintWash(*painter);
+        break;
+    case Part::Halo:
+        paintHalo(*painter);
+        break;
+    case Part::Ring:
+        paintRing(*painter, m_color);
+        break;
+    case Part::Arc:
+        paintArc(*painter);
+        break;
+    case Part::Core:
+        paintCore(*painter);
+        break;
     }
 }
 
@@ -102,7 +112,8 @@ void OrbArt::paintRing(QPainter& painter, const QBrush& brush) const
 void OrbArt::paintArc(QPainter& painter) const
 {
     // Stops are given clockwise from the top; a conical gradient runs the other way round from the right.
-    QConicalGradient gradient{boundingRect().center(), 90 - m_style.value(u"arcStart"_s).toDouble() - m_turned};
+    QConicalGradient gradient{boundingRect().center(),
+                              90 - m_style.value(u"arcStart"_s).toDouble() - m_turned};
     QGradientStops stops;
     for (const auto& [position, color] : stopsOf(m_style.value(u"arc"_s))) {
         stops.prepend({1 - position, color});

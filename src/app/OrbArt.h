@@ -5,9 +5,9 @@
 
 namespace murmeli {
 
-/// One layer of the orb. What grows, shrinks or turns is painted anew: the software renderer scales and rotates
-/// pictures without smoothing, and the edges of a disc would show it.
-/// Colours and measures come with the style, so that they live where all others do.
+/// One layer of the orb. What grows, shrinks or turns is painted anew: the software renderer scales and
+/// rotates pictures without smoothing, and the edges of a disc would show it. Colours and measures come with
+/// the style, so that they live where all others do.
 class OrbArt : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
@@ -17,7 +17,7 @@ class OrbArt : public QQuickPaintedItem {
     Q_PROPERTY(double strokeWidth MEMBER m_strokeWidth NOTIFY lookChanged FINAL)
     Q_PROPERTY(double zoom MEMBER m_zoom NOTIFY lookChanged FINAL)
     Q_PROPERTY(double inset MEMBER m_inset NOTIFY lookChanged FINAL) ///< left free on all sides, to grow into
-    Q_PROPERTY(int turned MEMBER m_turned NOTIFY lookChanged FINAL) ///< degrees, clockwise
+    Q_PROPERTY(int turned MEMBER m_turned NOTIFY lookChanged FINAL)  ///< degrees, clockwise
 
 public:
     enum class Part { Wash, Halo, Ring, Arc, Core };
@@ -31,7 +31,10 @@ signals:
     void lookChanged();
 
 private:
-    [[nodiscard]] QRectF body() const { return boundingRect().adjusted(m_inset, m_inset, -m_inset, -m_inset); }
+    [[nodiscard]] QRectF body() const
+    {
+        return boundingRect().adjusted(m_inset, m_inset, -m_inset, -m_inset);
+    }
     void paintWash(QPainter& painter) const;
     void paintHalo(QPainter& painter) const;
     void paintRing(QPainter& painter, const QBrush& brush) const;

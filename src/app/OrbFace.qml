@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Murmeli.App
 import Murmeli.Ui
@@ -19,7 +21,7 @@ Item {
     property bool waiting: false
 
     readonly property bool alive: moving && opacity > 0 && Theme.motion && !waiting
-    property real beat: 0 // 0 … 1, there and back
+    property real beat // 0 … 1, there and back
 
     anchors.fill: parent
     opacity: shown ? 1 : 0

@@ -58,9 +58,12 @@ PanelModel::Face PanelModel::face() const
 QString PanelModel::title() const
 {
     switch (face()) {
-    case Face::Recording: return text("panel.title.recording");
-    case Face::Processing: return text("panel.title.processing");
-    case Face::Idle: break;
+    case Face::Recording:
+        return text("panel.title.recording");
+    case Face::Processing:
+        return text("panel.title.processing");
+    case Face::Idle:
+        break;
     }
     return text("panel.title.idle");
 }
@@ -77,16 +80,22 @@ QString PanelModel::line() const
     switch (lineKind()) {
     case Line::Waiting:
         return text(m_record.pending() == RecordControl::Pending::Starting ? "panel.pending.starting"
-                                                                            : "panel.pending.stopping");
-    case Line::Invitation: return text(m_state.isRecording() ? "panel.hover.stop" : "panel.hover.record");
-    case Line::RunningTime: return text("panel.timer.label");
-    case Line::Subtitle: break;
+                                                                           : "panel.pending.stopping");
+    case Line::Invitation:
+        return text(m_state.isRecording() ? "panel.hover.stop" : "panel.hover.record");
+    case Line::RunningTime:
+        return text("panel.timer.label");
+    case Line::Subtitle:
+        break;
     }
     if (!m_state.detail().isEmpty()) return m_state.detail();
     switch (face()) {
-    case Face::Recording: return text("panel.subtitle.recording");
-    case Face::Processing: return text("panel.subtitle.processing");
-    case Face::Idle: break;
+    case Face::Recording:
+        return text("panel.subtitle.recording");
+    case Face::Processing:
+        return text("panel.subtitle.processing");
+    case Face::Idle:
+        break;
     }
     return text("panel.subtitle.idle");
 }

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
+
 #include <memory>
 
 namespace murmeli {
@@ -31,7 +32,8 @@ class PanelModel final : public QObject {
     Q_PROPERTY(QString time READ time NOTIFY timeChanged FINAL) ///< of the running recording, as "24:31"
     Q_PROPERTY(QString spokenTime READ spokenTime NOTIFY timeChanged FINAL)
     Q_PROPERTY(bool hoverOrb READ hoverOrb WRITE setHoverOrb NOTIFY changed FINAL)
-    Q_PROPERTY(bool watched READ isWatched WRITE setWatched NOTIFY watchedChanged FINAL) ///< a panel is on screen
+    Q_PROPERTY(
+        bool watched READ isWatched WRITE setWatched NOTIFY watchedChanged FINAL) ///< a panel is on screen
     Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed FINAL)
     Q_PROPERTY(QString updateVersion READ updateVersion NOTIFY changed FINAL) ///< empty when there is none
     Q_PROPERTY(bool updateInstalling READ updateInstalling NOTIFY changed FINAL)

@@ -39,19 +39,19 @@ Item {
     }
 
     states: State {
-        name: "open"
+        name: "Open"
         when: root.open || !root.floating
     }
     transitions: [
         Transition {
-            to: "open"
+            to: "Open"
             ParallelAnimation {
                 NumberAnimation { target: sheet; property: "opacity"; from: 0; to: 1; duration: Theme.quick; easing.type: Easing.OutCubic }
                 NumberAnimation { target: sheet; property: "y"; from: -Theme.drop; to: 0; duration: Theme.quick; easing.type: Easing.OutCubic }
             }
         },
         Transition {
-            from: "open"
+            from: "Open"
             SequentialAnimation {
                 id: fade
                 NumberAnimation { target: sheet; property: "opacity"; to: 0; duration: Theme.closing }

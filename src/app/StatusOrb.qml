@@ -88,26 +88,24 @@ AbstractButton {
             part: OrbArt.Arc
             style: Theme.orbComet
             strokeWidth: 2
-            turned: 135
             NumberAnimation on turned {
-                from: 135
-                to: 495
+                from: 0
+                to: 360
                 duration: Theme.comet
                 loops: Animation.Infinite
                 running: root.record.waiting && root.moving && Theme.motion
             }
         }
-        FocusRing { control: root; corner: width; gap: Theme.orbFocusGap }
+        FocusRing { shown: root.visualFocus; corner: width; gap: Theme.orbFocusGap }
     }
-    contentItem: Item {
-        Symbol {
-            id: symbol
-            anchors.centerIn: parent
-            name: "mic.fill"
-            size: name === "waveform" ? 52 : 40
-            ink: Theme.white
-            Component.onCompleted: name = root.wantedSymbol
-        }
+    Symbol {
+        id: symbol
+        anchors.centerIn: parent
+        z: 1 // above the background
+        name: "mic.fill"
+        size: name === "waveform" ? 52 : 40
+        ink: Theme.white
+        Component.onCompleted: name = root.wantedSymbol
     }
     onWantedSymbolChanged: if (symbol.name !== wantedSymbol) exchange.restart()
 
@@ -117,7 +115,11 @@ AbstractButton {
             NumberAnimation { target: symbol; property: "opacity"; to: 0; duration: Theme.symbolSwap }
             NumberAnimation { target: symbol; property: "scale"; to: Theme.motion ? 0.9 : 1; duration: Theme.symbolSwap }
         }
-        ScriptAction { script: symbol.name = root.wantedSymbol }
+        ScriptAction {
+            script: {
+                symbol.name = root.wantedSymbol;
+            }
+        }
         ParallelAnimation {
             NumberAnimation { target: symbol; property: "opacity"; to: 1; duration: Theme.symbolSwap }
             NumberAnimation { target: symbol; property: "scale"; to: 1; duration: Theme.symbolSwap }

@@ -5,6 +5,7 @@
 
 #include <QQmlComponent>
 #include <QQuickWindow>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -31,7 +32,8 @@ ToastCenter::ToastCenter(QQmlEngine& engine, Scheduler& scheduler, std::function
 
 ToastCenter::~ToastCenter()
 {
-    for (QQuickWindow* window : m_windows) delete window;
+    for (QQuickWindow* window : m_windows)
+        delete window;
 }
 
 QRect ToastCenter::place(const QRect& available, int others)
@@ -45,14 +47,14 @@ void ToastCenter::show(const ToastText& toast)
     const QRect available = m_available();
     if (available.isEmpty()) return;
     if (!m_component) {
-        m_component = std::make_unique<QQmlComponent>(
-            &m_engine, QUrl{u"qrc:/qt/qml/Murmeli/App/Toast.qml"_s}, QQmlComponent::PreferSynchronous);
+        m_component = std::make_unique<QQmlComponent>(&m_engine, QUrl{u"qrc:/qt/qml/Murmeli/App/Toast.qml"_s},
+                                                      QQmlComponent::PreferSynchronous);
     }
-    auto* window = qobject_cast<QQuickWindow*>(m_component->createWithInitialProperties(
-        {{u"card"_s, place(available, count())},
-         {u"cardTitle"_s, toast.title},
-         {u"message"_s, toast.message},
-         {u"starting"_s, toast.starting}}));
+    auto* window = qobject_cast<QQuickWindow*>(
+        m_component->createWithInitialProperties({{u"card"_s, place(available, count())},
+                                                  {u"cardTitle"_s, toast.title},
+                                                  {u"message"_s, toast.message},
+                                                  {u"starting"_s, toast.starting}}));
     if (!window) return;
     m_windows.push_back(window);
     windowSystem::floatEverywhere(window);

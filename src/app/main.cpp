@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QStandardPaths>
+
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -24,7 +25,8 @@ namespace {
 QString runtimeFolder()
 {
     const QString named = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    return QFileInfo{named}.isDir() ? named : QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    return QFileInfo{named}.isDir() ? named
+                                    : QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "Dates.h"
 
 #include <QTimeZone>
+
 #include <memory>
 #include <unicode/dtptngen.h>
 #include <unicode/measfmt.h>
@@ -49,8 +50,11 @@ QString spokenDuration(qint64 seconds, const QString& language)
     UErrorCode status = U_ZERO_ERROR;
     const icu::MeasureFormat format{icu::Locale{language.toUtf8().constData()}, UMEASFMT_WIDTH_WIDE, status};
     std::vector<icu::Measure> parts;
-    if (seconds >= 60) parts.emplace_back(icu::Formattable{int64_t(seconds / 60)}, icu::MeasureUnit::createMinute(status), status);
-    parts.emplace_back(icu::Formattable{int64_t(seconds % 60)}, icu::MeasureUnit::createSecond(status), status);
+    if (seconds >= 60)
+        parts.emplace_back(icu::Formattable{int64_t(seconds / 60)}, icu::MeasureUnit::createMinute(status),
+                           status);
+    parts.emplace_back(icu::Formattable{int64_t(seconds % 60)}, icu::MeasureUnit::createSecond(status),
+                       status);
     icu::UnicodeString result;
     icu::FieldPosition ignored;
     format.formatMeasures(parts.data(), int32_t(parts.size()), result, ignored, status);

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QSaveFile>
+
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
@@ -88,9 +89,9 @@ std::optional<QByteArray> readWhole(const QString& path, qint64 limit)
     const auto info = file.regular();
     if (!info || info->st_size > limit) return std::nullopt;
 
-    // In a single read with room to spare, since a file written in place between two reads would come out mixed.
-    // Sizes may lie (as in /proc), and the file may have grown: then once more with more room.
-    for (qint64 room = qMax<qint64>(info->st_size, 4096); ; room *= 2) {
+    // In a single read with room to spare, since a file written in place between two reads would come out
+    // mixed. Sizes may lie (as in /proc), and the file may have grown: then once more with more room.
+    for (qint64 room = qMax<qint64>(info->st_size, 4096);; room *= 2) {
         QByteArray bytes(qsizetype(qMin(room, limit)) + 1, Qt::Uninitialized);
         ssize_t got = -1;
         do {
@@ -140,9 +141,9 @@ bool writeInPlace(const QString& path, const QByteArray& bytes)
     const Descriptor file{name, O_WRONLY | O_CREAT};
     const auto info = file.regular();
     if (!info) return false;
-    // White space is part of no content, so it makes both of one length: first behind the old content, which then
-    // is replaced in one write, and last behind the new content until the cut. What is so large that no reader
-    // of ours takes it has nothing to be kept from showing.
+    // White space is part of no content, so it makes both of one length: first behind the old content, which
+    // then is replaced in one write, and last behind the new content until the cut. What is so large that no
+    // reader of ours takes it has nothing to be kept from showing.
     const auto oldSize = qsizetype(qMin<qint64>(info->st_size, largestCovered + 1));
     const bool cover = oldSize <= largestCovered;
     if (cover && bytes.size() > oldSize &&

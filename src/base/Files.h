@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+
 #include <optional>
 
 /// Small files, read and written whole. Nothing here waits for another program: pipes, devices and folders
@@ -26,8 +27,8 @@ struct Identity {
 };
 Identity identity(const QString& path);
 
-/// Whether an equal identity means equal content. File systems tell time in ticks, so a file changed a moment ago
-/// may change again without a trace.
+/// Whether an equal identity means equal content. File systems tell time in ticks, so a file changed a moment
+/// ago may change again without a trace.
 bool isSettled(const Identity& identity);
 
 /// Over the same file, in one write that covers all old bytes, then cut to length: a reader of JSON sees the

@@ -4,6 +4,7 @@
 #include <QNetworkCookieJar>
 #include <QNetworkReply>
 #include <QTimer>
+
 #include <utility>
 
 namespace murmeli {
@@ -50,7 +51,8 @@ private:
         if (m_answer.failure == HttpAnswer::Failure::None) {
             take();
             const auto error = m_reply->error();
-            if (error == QNetworkReply::InsecureRedirectError || error == QNetworkReply::TooManyRedirectsError ||
+            if (error == QNetworkReply::InsecureRedirectError ||
+                error == QNetworkReply::TooManyRedirectsError ||
                 (m_answer.status >= 300 && m_answer.status < 400)) {
                 m_answer.failure = HttpAnswer::Failure::Redirect;
             } else if (m_answer.failure == HttpAnswer::Failure::None && error != QNetworkReply::NoError &&
@@ -92,7 +94,8 @@ void NetworkHttp::send(const HttpRequest& request, QObject* context, Done done)
         m_manager->setAutoDeleteReplies(false);
     }
     QNetworkRequest wire{request.url};
-    for (const auto& [name, value] : request.headers) wire.setRawHeader(name, value);
+    for (const auto& [name, value] : request.headers)
+        wire.setRawHeader(name, value);
     if (!request.bearer.isEmpty()) wire.setRawHeader("Authorization", "Bearer " + request.bearer);
     // Headers travel along with a redirect, so a request with a token may be sent on within its origin only.
     wire.setAttribute(QNetworkRequest::RedirectPolicyAttribute,

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QPair>
 #include <QUrl>
+
 #include <chrono>
 #include <functional>
 #include <memory>

@@ -2,6 +2,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+
 #include <utility>
 
 namespace murmeli::json {

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QPair>
 #include <QString>
+
 #include <optional>
 
 /// Lenient reading: a member of the wrong type is an absent member. The typing table:

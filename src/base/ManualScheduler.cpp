@@ -1,6 +1,7 @@
 #include "ManualScheduler.h"
 
 #include <QObject>
+
 #include <algorithm>
 #include <utility>
 

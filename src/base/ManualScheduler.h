@@ -3,6 +3,7 @@
 #include "Scheduler.h"
 
 #include <QPointer>
+
 #include <vector>
 
 namespace murmeli {

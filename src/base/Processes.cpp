@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QTimer>
+
 #include <utility>
 
 namespace murmeli {
@@ -66,7 +67,8 @@ private:
         if (m_request.onOutput) {
             m_request.onOutput(piece);
         } else {
-            m_result.output += piece.left(qsizetype(qMax<qint64>(0, m_request.outputLimit - m_result.output.size())));
+            m_result.output +=
+                piece.left(qsizetype(qMax<qint64>(0, m_request.outputLimit - m_result.output.size())));
         }
     }
 

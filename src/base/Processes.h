@@ -4,6 +4,7 @@
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
+
 #include <chrono>
 #include <functional>
 
@@ -16,9 +17,10 @@ struct ProcessRequest {
     QStringList arguments;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     QString workingFolder;
-    std::chrono::milliseconds timeout{0};      ///< 0: as long as it takes; else the child is killed then
-    qint64 outputLimit = 16 * 1024 * 1024;     ///< bytes kept of standard output; the rest is dropped
-    std::function<void(const QByteArray&)> onOutput; ///< each piece as it arrives, errors merged in; may be empty
+    std::chrono::milliseconds timeout{0};  ///< 0: as long as it takes; else the child is killed then
+    qint64 outputLimit = 16 * 1024 * 1024; ///< bytes kept of standard output; the rest is dropped
+    std::function<void(const QByteArray&)>
+        onOutput; ///< each piece as it arrives, errors merged in; may be empty
 };
 
 struct ProcessResult {
@@ -37,7 +39,8 @@ public:
 
     virtual ~Processes() = default;
 
-    /// `done` runs once, on the main thread. When `context` goes first, the child is killed and `done` dropped.
+    /// `done` runs once, on the main thread. When `context` goes first, the child is killed and `done`
+    /// dropped.
     virtual void run(const ProcessRequest& request, QObject* context, Done done) = 0;
 
     /// Starts a program that outlives us. \return false when it could not be started.

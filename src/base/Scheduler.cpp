@@ -1,6 +1,7 @@
 #include "Scheduler.h"
 
 #include <QTimer>
+
 #include <utility>
 
 namespace murmeli {

@@ -22,9 +22,8 @@ Walk walk(const QString& text, qsizetype limit)
     Walk result;
     if (text.isEmpty() || limit <= 0) return result;
     UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<UBreakIterator, CloseIterator> iterator{
-        ubrk_open(UBRK_CHARACTER, "", reinterpret_cast<const UChar*>(text.utf16()), int32_t(text.size()),
-                  &status)};
+    const std::unique_ptr<UBreakIterator, CloseIterator> iterator{ubrk_open(
+        UBRK_CHARACTER, "", reinterpret_cast<const UChar*>(text.utf16()), int32_t(text.size()), &status)};
     if (U_FAILURE(status)) { // ICU without its data: code units are the next best thing
         result.end = result.characters = qMin(limit, text.size());
         return result;

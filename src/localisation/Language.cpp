@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QQmlEngine>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -20,8 +21,10 @@ Table makeTable(const std::array<texts::Text, shared>& all, const std::array<tex
 {
     Table table;
     table.reserve(qsizetype(shared + own));
-    for (const auto& row : all) table.insert(QString::fromLatin1(row.key), QString::fromUtf16(row.text));
-    for (const auto& row : panel) table.insert(QString::fromLatin1(row.key), QString::fromUtf16(row.text));
+    for (const auto& row : all)
+        table.insert(QString::fromLatin1(row.key), QString::fromUtf16(row.text));
+    for (const auto& row : panel)
+        table.insert(QString::fromLatin1(row.key), QString::fromUtf16(row.text));
     return table;
 }
 
@@ -76,10 +79,7 @@ QString Language::text(const QString& language, const QString& key, const QStrin
     return text(language, key).replace("%@"_L1, argument);
 }
 
-void Language::install(QQmlEngine& engine)
-{
-    engine.setProperty(engineProperty, QVariant::fromValue(this));
-}
+void Language::install(QQmlEngine& engine) { engine.setProperty(engineProperty, QVariant::fromValue(this)); }
 
 Language* Language::create(QQmlEngine* engine, QJSEngine*)
 {

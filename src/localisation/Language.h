@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QtQml/qqmlregistration.h>
+
 #include <functional>
 
 class QJSEngine;

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QLocalSocket>
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -13,7 +14,7 @@ namespace murmeli {
 
 namespace {
 
-constexpr int handOverTime = 1000;       // milliseconds
+constexpr int handOverTime = 1000;        // milliseconds
 constexpr qint64 longestLine = 64 * 1024; // bytes
 
 } // namespace

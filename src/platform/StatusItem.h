@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QRect>
 #include <QString>
+
 #include <memory>
 
 namespace murmeli {
@@ -15,8 +16,8 @@ class StatusItem : public QObject {
 
 public:
     struct Look {
-        QIcon icon;          ///< drawn for the bar's ink
-        QString symbolName;  ///< an installed symbolic icon that the desktop recolours; may be empty
+        QIcon icon;             ///< drawn for the bar's ink
+        QString symbolName;     ///< an installed symbolic icon that the desktop recolours; may be empty
         bool isTemplate = true; ///< one ink, to be recoloured by systems that do so
     };
     struct MenuTexts {

@@ -11,7 +11,8 @@ void openUrl(const QUrl& url) { QDesktopServices::openUrl(url); }
 void openFolder(const QString& path)
 {
     QFileInfo folder{path};
-    while (!folder.isDir() && !folder.isRoot()) folder.setFile(folder.absolutePath());
+    while (!folder.isDir() && !folder.isRoot())
+        folder.setFile(folder.absolutePath());
     openUrl(QUrl::fromLocalFile(folder.absoluteFilePath()));
 }
 

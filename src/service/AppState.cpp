@@ -5,6 +5,7 @@
 #include "base/Scheduler.h"
 
 #include <QFile>
+
 #include <array>
 #include <utility>
 

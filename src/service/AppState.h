@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
+
 #include <optional>
 
 namespace murmeli {

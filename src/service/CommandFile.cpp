@@ -10,7 +10,8 @@ namespace murmeli::commandFile {
 QByteArray text(Action action, double seconds)
 {
     std::array<char, 400> digits{}; // the longest double in fixed notation has 309 digits before the point
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), seconds, std::chars_format::fixed);
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), seconds, std::chars_format::fixed);
     return QByteArray{R"({"action":")"} + (action == Action::Start ? "start" : "stop") + R"(","ts":)" +
            QByteArray{digits.data(), end.ptr - digits.data()} + '}';
 }

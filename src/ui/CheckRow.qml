@@ -32,7 +32,7 @@ AbstractButton {
     background: Rectangle {
         radius: Theme.rCard
         color: root.pressed ? Theme.press : root.hovered ? Theme.hover : Theme.clear
-        FocusRing { control: root; corner: Theme.rCard; gap: -Theme.focusWidth - Theme.focusGap }
+        FocusRing { shown: root.visualFocus; corner: Theme.rCard; gap: -Theme.focusWidth - Theme.focusGap }
     }
     contentItem: RowLayout {
         spacing: 10

@@ -5,7 +5,7 @@ import Murmeli.Ui
 Rectangle {
     id: root
 
-    required property Item control
+    required property bool shown
     property real corner: Theme.rField
     property int gap: Theme.focusGap
 
@@ -17,9 +17,6 @@ Rectangle {
     border.color: Theme.violet
     opacity: shown ? 1 : 0
     visible: opacity > 0
-
-    // Controls know by themselves whether focus came from the keyboard; plain items do not.
-    readonly property bool shown: control.visualFocus ?? control.activeFocus
 
     Behavior on opacity { NumberAnimation { duration: Theme.quick; easing.type: Easing.OutCubic } }
 }

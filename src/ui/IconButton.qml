@@ -30,7 +30,7 @@ Button {
     background: Rectangle {
         radius: root.round ? height / 2 : Theme.rField
         color: root.pressed ? Theme.press : root.hovered ? Theme.hover : Theme.clear
-        FocusRing { control: root; corner: parent.radius }
+        FocusRing { shown: root.visualFocus; corner: parent.radius }
     }
     contentItem: Item {
         Symbol {

@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QQmlEngine>
 #include <QScreen>
+
 #include <utility>
 
 namespace murmeli {
@@ -46,10 +47,7 @@ void Look::setCompositing(bool compositing)
     if (std::exchange(m_compositing, compositing) != compositing) emit changed();
 }
 
-void Look::install(QQmlEngine& engine)
-{
-    engine.setProperty(engineProperty, QVariant::fromValue(this));
-}
+void Look::install(QQmlEngine& engine) { engine.setProperty(engineProperty, QVariant::fromValue(this)); }
 
 Look* Look::create(QQmlEngine* engine, QJSEngine*)
 {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Layouts
 import Murmeli.Ui
 
 // The capsule button in its three kinds.
@@ -20,7 +21,8 @@ Button {
         : pressed ? Theme.text2 : Theme.text1
 
     implicitHeight: buttonHeight
-    leftPadding: buttonHeight >= Theme.buttonLarge ? 18 : 10
+    spacing: Theme.gapIcon
+    leftPadding: (buttonHeight >= Theme.buttonLarge ? 18 : 10) - spacing // the stretching ends have a gap each
     rightPadding: leftPadding
     topPadding: 0
     bottomPadding: 0
@@ -61,35 +63,31 @@ Button {
                 }
             }
         }
-        FocusRing { control: root; corner: parent.radius }
+        FocusRing { shown: root.visualFocus; corner: parent.radius }
     }
-    contentItem: Item {
-        implicitWidth: content.implicitWidth
-        Row {
-            id: content
-            anchors.centerIn: parent
-            spacing: Theme.gapIcon
-            Spinner {
-                anchors.verticalCenter: parent.verticalCenter
-                visible: root.busy
-                ink: root.ink
-            }
-            Symbol {
-                anchors.verticalCenter: parent.verticalCenter
-                visible: root.symbol.length > 0 && !root.busy
-                name: root.symbol
-                size: root.symbolSize
-                ink: root.ink
-            }
-            Label {
-                anchors.verticalCenter: parent.verticalCenter
-                type: root.buttonHeight >= Theme.buttonLarge ? (root.primary ? Theme.buttonLargeStrong : Theme.buttonLargeType)
-                    : root.buttonHeight <= Theme.buttonSmall ? (root.primary ? Theme.buttonSmallStrong : Theme.buttonSmallType)
-                    : root.primary ? Theme.buttonStrong : Theme.button
-                text: root.text
-                color: root.ink
-                Accessible.ignored: true
-            }
+    contentItem: RowLayout {
+        spacing: root.spacing
+        Item { Layout.fillWidth: true }
+        Spinner {
+            visible: root.busy
+            ink: root.ink
         }
+        Symbol {
+            Layout.preferredWidth: root.symbolSize
+            Layout.preferredHeight: root.symbolSize
+            visible: root.symbol.length > 0 && !root.busy
+            name: root.symbol
+            size: root.symbolSize
+            ink: root.ink
+        }
+        Label {
+            type: root.buttonHeight >= Theme.buttonLarge ? (root.primary ? Theme.buttonLargeStrong : Theme.buttonLargeType)
+                : root.buttonHeight <= Theme.buttonSmall ? (root.primary ? Theme.buttonSmallStrong : Theme.buttonSmallType)
+                : root.primary ? Theme.buttonStrong : Theme.button
+            text: root.text
+            color: root.ink
+            Accessible.ignored: true
+        }
+        Item { Layout.fillWidth: true }
     }
 }

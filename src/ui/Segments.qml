@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Ui
@@ -35,7 +37,7 @@ FocusScope {
         anchors.fill: parent
         radius: Theme.rField
         color: Theme.fill
-        FocusRing { control: root; corner: parent.radius }
+        FocusRing { shown: root.visualFocus; corner: parent.radius }
     }
     Row {
         anchors.fill: parent
@@ -59,7 +61,7 @@ FocusScope {
                 onClicked: {
                     root.keyboard = false;
                     root.chosen(modelData.value);
-                    checked = Qt.binding(() => holds);
+                    checked = Qt.binding(() => choice.holds);
                 }
 
                 Accessible.role: Accessible.RadioButton

@@ -1,6 +1,7 @@
 #include "Shadow.h"
 
 #include <QPainter>
+
 #include <vector>
 
 namespace murmeli {
@@ -13,7 +14,8 @@ void blurLine(std::vector<int>& line, std::vector<int>& scratch, int radius)
     const int length = int(line.size());
     for (int pass = 0; pass < 3; ++pass) {
         int sum = 0;
-        for (int i = -radius; i <= radius; ++i) sum += i >= 0 && i < length ? line[size_t(i)] : 0;
+        for (int i = -radius; i <= radius; ++i)
+            sum += i >= 0 && i < length ? line[size_t(i)] : 0;
         for (int i = 0; i < length; ++i) {
             scratch[size_t(i)] = sum / (2 * radius + 1);
             sum += i + radius + 1 < length ? line[size_t(i + radius + 1)] : 0;
@@ -31,9 +33,11 @@ void blurImage(QImage& alpha, int radius)
     for (const bool rows : {true, false}) {
         for (int i = 0; i < side; ++i) {
             const auto cell = [&](int k) { return rows ? alpha.scanLine(i) + k : alpha.scanLine(k) + i; };
-            for (int k = 0; k < side; ++k) line[size_t(k)] = *cell(k);
+            for (int k = 0; k < side; ++k)
+                line[size_t(k)] = *cell(k);
             blurLine(line, scratch, radius);
-            for (int k = 0; k < side; ++k) *cell(k) = uchar(line[size_t(k)]);
+            for (int k = 0; k < side; ++k)
+                *cell(k) = uchar(line[size_t(k)]);
         }
     }
 }

@@ -3,6 +3,7 @@
 #include "SymbolImage.h"
 
 #include <QPainter>
+
 #include <algorithm>
 
 namespace murmeli {

@@ -10,7 +10,8 @@ namespace murmeli::symbols {
 /// The symbol in one ink, `pixels` wide and high; empty when there is none of that name. Drawn once and kept.
 QImage inked(const QString& name, int pixels, const QColor& ink);
 
-/// The recording symbol of the tray: white wave on a disc in `discColor`, whose alpha is that of the disc alone.
+/// The recording symbol of the tray: white wave on a disc in `discColor`, whose alpha is that of the disc
+/// alone.
 QImage recording(int pixels, const QColor& discColor);
 
 } // namespace murmeli::symbols

@@ -202,7 +202,7 @@ QtObject {
             rings: []
         })
     readonly property var orbComet: ({
-            arcStart: 0,
+            arcStart: 135,
             arc: dark ? [[0, alpha(white, 0)], [0.25, white], [0.251, alpha(white, 0)], [1, alpha(white, 0)]]
                       : [[0, alpha(text2, 0)], [0.25, text2], [0.251, alpha(text2, 0)], [1, alpha(text2, 0)]]
         })

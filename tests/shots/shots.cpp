@@ -16,6 +16,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTemporaryDir>
+
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -46,9 +47,17 @@ QList<PanelShot> panelShots()
     const QByteArray processing = R"({"status":"processing","telegram_connected":true})";
     return {
         {.name = u"idle"_s, .state = idle, .signedIn = true},
-        {.name = u"idle-hover"_s, .state = idle, .prefs = R"({"protocol_format":"short"})", .signedIn = true, .hover = true},
+        {.name = u"idle-hover"_s,
+         .state = idle,
+         .prefs = R"({"protocol_format":"short"})",
+         .signedIn = true,
+         .hover = true},
         {.name = u"idle-focus"_s, .state = idle, .signedIn = true, .focus = true},
-        {.name = u"starting"_s, .state = idle, .prefs = R"({"auto_record":false})", .signedIn = true, .pressOrb = true},
+        {.name = u"starting"_s,
+         .state = idle,
+         .prefs = R"({"auto_record":false})",
+         .signedIn = true,
+         .pressOrb = true},
         {.name = u"recording"_s, .state = recording, .signedIn = true},
         {.name = u"recording-hover"_s,
          .state = R"({"status":"recording","telegram_connected":true,"since":1731688529,"jobs":1})",
@@ -60,12 +69,20 @@ QList<PanelShot> panelShots()
          .signedIn = true,
          .pressOrb = true},
         {.name = u"processing"_s, .state = processing, .signedIn = true},
-        {.name = u"detail"_s, .state = R"({"status":"processing","detail":"Разбираю запись: осталось две минуты, пока можно начать следующую встречу"})"},
+        {.name = u"detail"_s,
+         .state =
+             R"({"status":"processing","detail":"Разбираю запись: осталось две минуты, пока можно начать следующую встречу"})"},
         {.name = u"sign-in-wanted"_s, .state = R"({"status":"idle"})", .flag = "{}"},
-        {.name = u"own-flag-text"_s, .state = R"({"status":"idle"})", .flag = R"({"title":"Протокол ждёт","body":"Войди, и он придёт."})"},
+        {.name = u"own-flag-text"_s,
+         .state = R"({"status":"idle"})",
+         .flag = R"({"title":"Протокол ждёт","body":"Войди, и он придёт."})"},
         {.name = u"welcome"_s, .state = idle, .signedIn = true, .greet = true},
         {.name = u"update"_s, .state = idle, .signedIn = true, .update = u"0.9.0"_s},
-        {.name = u"update-installing"_s, .state = R"({"status":"idle"})", .signedIn = true, .update = u"0.9.0"_s, .installing = true},
+        {.name = u"update-installing"_s,
+         .state = R"({"status":"idle"})",
+         .signedIn = true,
+         .update = u"0.9.0"_s,
+         .installing = true},
         {.name = u"all-banners"_s, .state = idle, .flag = "{}", .greet = true, .update = u"0.9.0"_s},
         {.name = u"signed-out"_s, .state = R"({"status":"idle"})"},
     };
@@ -76,7 +93,8 @@ void settle(int milliseconds)
 {
     QElapsedTimer time;
     time.start();
-    while (time.elapsed() < milliseconds) QGuiApplication::processEvents(QEventLoop::AllEvents, 10);
+    while (time.elapsed() < milliseconds)
+        QGuiApplication::processEvents(QEventLoop::AllEvents, 10);
 }
 
 QColor desk(bool dark) { return dark ? QColor{0x23, 0x24, 0x2c} : QColor{0xd9, 0xda, 0xe1}; }
@@ -93,7 +111,8 @@ bool shootPanel(const PanelShot& shot, const QString& language, bool dark, const
     const Paths paths{home.path()};
     QDir{}.mkpath(paths.logs);
     Prefs prefs{paths.prefsFile};
-    if (!files::writeAtomic(paths.prefsFile, shot.prefs) || !files::writeAtomic(paths.stateFile, shot.state)) return false;
+    if (!files::writeAtomic(paths.prefsFile, shot.prefs) || !files::writeAtomic(paths.stateFile, shot.state))
+        return false;
     if (!shot.flag.isNull() && !files::writeAtomic(paths.authFlagFile, shot.flag)) return false;
     prefs.set(u"locale"_s, language);
 
@@ -142,11 +161,12 @@ bool shootToast(bool starting, const QString& language, bool dark, const QString
     look.install(engine);
     const QString key = starting ? u"notify.started"_s : u"notify.finished"_s;
     QQmlComponent component{&engine, QUrl{u"qrc:/qt/qml/Murmeli/App/Toast.qml"_s}};
-    const std::unique_ptr<QObject> toast{component.createWithInitialProperties({{u"card"_s, QRectF{100, 100, 330, 74}},
-                                                                    {u"cardTitle"_s, texts.t(key + u".title"_s)},
-                                                                    {u"message"_s, texts.t(key + u".body"_s)},
-                                                                    {u"starting"_s, starting},
-                                                                    {u"shown"_s, true}})};
+    const std::unique_ptr<QObject> toast{
+        component.createWithInitialProperties({{u"card"_s, QRectF{100, 100, 330, 74}},
+                                               {u"cardTitle"_s, texts.t(key + u".title"_s)},
+                                               {u"message"_s, texts.t(key + u".body"_s)},
+                                               {u"starting"_s, starting},
+                                               {u"shown"_s, true}})};
     auto* window = qobject_cast<QQuickWindow*>(toast.get());
     if (!window) return false;
     window->setColor(desk(dark));
@@ -163,7 +183,8 @@ int main(int argc, char* argv[])
     bool good = argc > 1;
     for (const QString& language : Language::supported) {
         for (const bool dark : {true, false}) {
-            const QString folder = QString::fromLocal8Bit(argv[1]) + u'/' + language + (dark ? u"-dark/"_s : u"-light/"_s);
+            const QString folder =
+                QString::fromLocal8Bit(argv[1]) + u'/' + language + (dark ? u"-dark/"_s : u"-light/"_s);
             QDir{}.mkpath(folder);
             for (const PanelShot& shot : panelShots()) {
                 if (!shot.name.contains(only)) continue;

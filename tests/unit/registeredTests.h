@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QObject>
+
 #include <functional>
 
 /// Test classes of one executable: each registers itself with MURMELI_TEST below its definition.

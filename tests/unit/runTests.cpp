@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QTest>
+
 #include <memory>
 
 int main(int argc, char* argv[])

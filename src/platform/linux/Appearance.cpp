@@ -55,7 +55,8 @@ private:
 
     void take(const QString& space, const QString& key, QVariant value)
     {
-        while (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+        while (value.canConvert<QDBusVariant>())
+            value = value.value<QDBusVariant>().variant();
         if (key == "color-scheme"_L1 && space == "org.freedesktop.appearance"_L1) {
             setDark(value.toUInt() != 2); // 0 no preference, 1 dark, 2 light
         } else if (key == "reduced-motion"_L1) {

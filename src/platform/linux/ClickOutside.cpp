@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QTimer>
 #include <QWindow>
+
 #include <utility>
 
 namespace murmeli {

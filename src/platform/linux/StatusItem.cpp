@@ -19,8 +19,9 @@ public:
     {
         QDBusConnection bus = QDBusConnection::sessionBus();
         if (!bus.isConnected()) return;
-        QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                                           u"org.freedesktop.DBus"_s, u"NameHasOwner"_s);
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                           u"org.freedesktop.DBus"_s, u"NameHasOwner"_s);
         call.setArguments({u"org.kde.StatusNotifierWatcher"_s});
         auto* watcher = new QDBusPendingCallWatcher{bus.asyncCall(call), this};
         connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {

@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QScopeGuard>
+
 #include <cstdlib>
 #include <xcb/xcb.h>
 
@@ -23,8 +24,8 @@ bool compositing()
     if (!x11) return true; // Wayland always composes
     xcb_connection_t* connection = x11->connection();
     constexpr char name[] = "_NET_WM_CM_S0";
-    auto* atom = xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, sizeof name - 1, name), nullptr);
+    auto* atom =
+        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, sizeof name - 1, name), nullptr);
     const auto freeAtom = qScopeGuard([&] { std::free(atom); });
     if (!atom) return false;
     auto* owner =

@@ -96,8 +96,8 @@ private slots:
                                 << u"Готовлю протокол | Пишу выводы | "_s;
         QTest::newRow("processing") << R"({"status":"processing","jobs":3})"_ba << false
                                     << u"Готовлю протокол | Расшифровка и разбор… | "_s;
-        QTest::newRow("start unknown") << R"({"status":"recording","since":0})"_ba << false
-                                       << u"Идёт запись | Слушаю встречу… | "_s;
+        QTest::newRow("start unknown")
+            << R"({"status":"recording","since":0})"_ba << false << u"Идёт запись | Слушаю встречу… | "_s;
         QTest::newRow("running") << R"({"status":"recording","since":1731689910,"jobs":1})"_ba << false
                                  << u"Идёт запись | 01:30 идёт запись | Разбирается прошлая встреча…"_s;
         QTest::newRow("in the future") << R"({"status":"recording","since":1731690060,"jobs":2})"_ba << false
@@ -195,9 +195,9 @@ private slots:
         QTest::newRow("off, end") << u"recording"_s << u"idle"_s << off << QString{}
                                   << u"пропущено: уведомления выключены"_s;
         QTest::newRow("off, no matter") << u"processing"_s << u"idle"_s << off << QString{} << QString{};
-        QTest::newRow("wrong type is on") << u"idle"_s << u"recording"_s << R"({"notifications":0})"_ba
-                                          << u"Murmeli записывает встречу"_s
-                                          << u"показано: Murmeli записывает встречу"_s;
+        QTest::newRow("wrong type is on")
+            << u"idle"_s << u"recording"_s << R"({"notifications":0})"_ba << u"Murmeli записывает встречу"_s
+            << u"показано: Murmeli записывает встречу"_s;
     }
     void announcements()
     {
@@ -211,7 +211,8 @@ private slots:
                           [&](const ToastText& shown) { toast = shown.title; }};
         notifier.recordingChanged(from, to);
         QTEST(toast, "toast");
-        const QByteArray expected = log.isEmpty() ? QByteArray{} : "2024-11-15T17:00:00Z " + log.toUtf8() + '\n';
+        const QByteArray expected =
+            log.isEmpty() ? QByteArray{} : "2024-11-15T17:00:00Z " + log.toUtf8() + '\n';
         QCOMPARE(files::readWhole(m->paths.notificationsLog, 1000).value_or(QByteArray{}), expected);
     }
 
@@ -238,7 +239,10 @@ private:
         {
             return files::readWhole(paths.commandFile, 1000).value_or(QByteArray{});
         }
-        void serviceWrites(const QByteArray& bytes) const { QVERIFY(files::writeAtomic(paths.stateFile, bytes)); }
+        void serviceWrites(const QByteArray& bytes) const
+        {
+            QVERIFY(files::writeAtomic(paths.stateFile, bytes));
+        }
         void serviceSays(const QString& status)
         {
             serviceWrites("{\"status\":\"" + status.toUtf8() + "\"}");

@@ -1,4 +1,5 @@
 #include "base/Files.h"
+
 #include "registeredTests.h"
 
 #include <QDir>
@@ -6,6 +7,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
 #include <atomic>
 #include <sys/stat.h>
 #include <thread>
@@ -65,7 +67,10 @@ private slots:
         QCOMPARE(files::readWhole(path, 0), QByteArray{});
     }
 
-    void readsFilesThatHideTheirSize() { QVERIFY(files::readWhole(u"/proc/self/stat"_s, 10'000)->size() > 10); }
+    void readsFilesThatHideTheirSize()
+    {
+        QVERIFY(files::readWhole(u"/proc/self/stat"_s, 10'000)->size() > 10);
+    }
 
     void writingInPlaceKeepsTheFileAndItsPermissions()
     {

@@ -1,10 +1,12 @@
 #include "base/Http.h"
+
 #include "registeredTests.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
+
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -38,8 +40,8 @@ public:
 
 QByteArray answer(int status, const QByteArray& body, const QByteArray& headers = {})
 {
-    return "HTTP/1.1 " + QByteArray::number(status) + " X\r\nContent-Length: " +
-           QByteArray::number(body.size()) + "\r\n" + headers + "\r\n" + body;
+    return "HTTP/1.1 " + QByteArray::number(status) +
+           " X\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n" + headers + "\r\n" + body;
 }
 
 } // namespace
@@ -133,9 +135,7 @@ private slots:
         };
         const QUrl url = server.url();
         if (fault == u"refused"_s) server.close();
-        send({.url = url,
-              .timeout = fault == u"endless"_s ? 20'000ms : 300ms,
-              .answerLimit = 1'000'000});
+        send({.url = url, .timeout = fault == u"endless"_s ? 20'000ms : 300ms, .answerLimit = 1'000'000});
         QTRY_VERIFY(m_answer);
         QTEST(m_answer->failure, "failure");
         QVERIFY(m_answer->body.size() <= 1'000'000);

@@ -1,4 +1,5 @@
 #include "base/Json.h"
+
 #include "registeredTests.h"
 
 #include <QJsonArray>
@@ -22,8 +23,8 @@ private slots:
         QTest::newRow("minus one") << "-1"_ba << u"int=-1 num=-1"_s;
         QTest::newRow("whole with a point") << "12.0"_ba << u"int=12 num=12"_s;
         QTest::newRow("fraction") << "12.5"_ba << u"num=12.5"_s;
-        QTest::newRow("largest integer") << "9223372036854775807"_ba
-                                         << u"int=9223372036854775807 num=9.22337e+18"_s;
+        QTest::newRow("largest integer")
+            << "9223372036854775807"_ba << u"int=9223372036854775807 num=9.22337e+18"_s;
         QTest::newRow("beyond 64 bits") << "1e19"_ba << u"num=1e+19"_s;
         QTest::newRow("text") << "\"2\""_ba << u"text=2"_s;
         QTest::newRow("empty text") << "\"\""_ba << u"text="_s;
@@ -68,17 +69,22 @@ private slots:
     {
         QTest::addColumn<QByteArray>("old");
         QTest::addColumn<QByteArray>("expected");
-        QTest::newRow("added") << R"({"locale":"en","x":1})"_ba << R"({"locale":"en","x":1,"k":false})"_ba;
-        QTest::newRow("replaced") << R"({ "k" : [1, {"k": 2}] , "x":1 })"_ba << R"({"x":1,"k":false})"_ba;
+        QTest::newRow("added") << R"({"locale":"en","x":1})"_ba
+                               << R"({"locale":"en","x":1,"k":false})"_ba;
+        QTest::newRow("replaced") << R"({ "k" : [1, {"k": 2}] , "x":1 })"_ba
+                                  << R"({"x":1,"k":false})"_ba;
         QTest::newRow("digits of any length")
             << R"({"big":123456789012345678901234567890,"f":1.10,"e":1E+2,"n":-0})"_ba
             << R"({"big":123456789012345678901234567890,"f":1.10,"e":1E+2,"n":-0,"k":false})"_ba;
         QTest::newRow("escapes and brackets in texts")
             << "{\"a \\\" }, \\\\\":\"[ \\u0416 , : \\\\\",\"b\":{\"c\":[ \"x y\" , {} ]}}"_ba
             << "{\"a \\\" }, \\\\\":\"[ \\u0416 , : \\\\\",\"b\":{\"c\":[\"x y\",{}]},\"k\":false}"_ba;
-        QTest::newRow("key written with an escape") << R"({"\u006b":1})"_ba << R"({"k":false})"_ba;
-        QTest::newRow("empty object") << " { } "_ba << R"({"k":false})"_ba;
-        QTest::newRow("two of a name") << R"({"k":1,"a":2,"k":3})"_ba << R"({"a":2,"k":false})"_ba;
+        QTest::newRow("key written with an escape") << R"({"\u006b":1})"_ba
+                                                    << R"({"k":false})"_ba;
+        QTest::newRow("empty object") << " { } "_ba
+                                      << R"({"k":false})"_ba;
+        QTest::newRow("two of a name") << R"({"k":1,"a":2,"k":3})"_ba
+                                       << R"({"a":2,"k":false})"_ba;
     }
     void membersKeepTheirVeryLetters()
     {

@@ -1,9 +1,11 @@
 #include "base/Processes.h"
+
 #include "registeredTests.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
 #include <csignal>
 #include <optional>
 
@@ -27,18 +29,19 @@ private slots:
         QTest::newRow("killed") << u"kill -9 $$"_s << Outcome::Crashed << 9 << ""_ba;
         QTest::newRow("hangs") << u"exec sleep 60"_s << Outcome::TimedOut << 9 << ""_ba;
         QTest::newRow("waits for input") << u"read line; echo done"_s << Outcome::Exited << 0 << "done\n"_ba;
-        QTest::newRow("talks without end") << u"head -c 300000 /dev/zero | tr '\\0' x"_s << Outcome::Exited << 0
-                                           << QByteArray(1000, 'x');
+        QTest::newRow("talks without end")
+            << u"head -c 300000 /dev/zero | tr '\\0' x"_s << Outcome::Exited << 0 << QByteArray(1000, 'x');
     }
     void outcomes()
     {
         QFETCH(QString, script);
         std::optional<ProcessResult> result;
-        m_processes.run({.program = u"/bin/bash"_s,
-                         .arguments = {u"-c"_s, script},
-                         .timeout = QLatin1StringView{QTest::currentDataTag()} == "hangs"_L1 ? 200ms : 20'000ms,
-                         .outputLimit = 1000},
-                        this, [&](const ProcessResult& r) { result = r; });
+        m_processes.run(
+            {.program = u"/bin/bash"_s,
+             .arguments = {u"-c"_s, script},
+             .timeout = QLatin1StringView{QTest::currentDataTag()} == "hangs"_L1 ? 200ms : 20'000ms,
+             .outputLimit = 1000},
+            this, [&](const ProcessResult& r) { result = r; });
         QTRY_VERIFY_WITH_TIMEOUT(result, 10'000);
         QTEST(result->outcome, "outcome");
         QTEST(result->exitCode, "code");
@@ -52,16 +55,17 @@ private slots:
         std::optional<ProcessResult> result;
         const QTemporaryDir dir;
         const QString go = dir.filePath(u"go"_s);
-        m_processes.run({.program = u"/bin/bash"_s,
-                         .arguments = {u"-c"_s,
-                                       u"echo one; until [ -e '%1' ]; do sleep 0.01; done; echo two >&2"_s.arg(go)},
-                         .onOutput =
-                             [&](const QByteArray& piece) {
-                                 pieces += piece;
-                                 seenEarly = seenEarly || (pieces == "one\n" && !result);
-                                 QFile{go}.open(QIODevice::WriteOnly);
-                             }},
-                        this, [&](const ProcessResult& r) { result = r; });
+        m_processes.run(
+            {.program = u"/bin/bash"_s,
+             .arguments = {u"-c"_s,
+                           u"echo one; until [ -e '%1' ]; do sleep 0.01; done; echo two >&2"_s.arg(go)},
+             .onOutput =
+                 [&](const QByteArray& piece) {
+                     pieces += piece;
+                     seenEarly = seenEarly || (pieces == "one\n" && !result);
+                     QFile{go}.open(QIODevice::WriteOnly);
+                 }},
+            this, [&](const ProcessResult& r) { result = r; });
         QTRY_VERIFY_WITH_TIMEOUT(result, 10'000);
         QVERIFY(seenEarly);
         QCOMPARE(pieces, "one\ntwo\n"_ba);
@@ -70,7 +74,8 @@ private slots:
     void aMissingProgramIsToldFromTheEventLoop()
     {
         std::optional<ProcessResult> result;
-        m_processes.run({.program = u"/no/such/program"_s}, this, [&](const ProcessResult& r) { result = r; });
+        m_processes.run({.program = u"/no/such/program"_s}, this,
+                        [&](const ProcessResult& r) { result = r; });
         QVERIFY(!result);
         QTRY_VERIFY(result);
         QCOMPARE(result->outcome, ProcessResult::Outcome::NotStarted);

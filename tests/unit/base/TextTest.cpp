@@ -1,5 +1,6 @@
-#include "base/Dates.h"
 #include "base/Text.h"
+
+#include "base/Dates.h"
 #include "registeredTests.h"
 
 #include <QTest>
@@ -20,11 +21,12 @@ private slots:
         QTest::newRow("empty") << u""_s << 0 << u""_s;
         QTest::newRow("cyrillic") << u"Ёжик"_s << 4 << u"Ёж"_s;
         QTest::newRow("combining marks") << u"и\u0306ц\u0301а"_s << 3 << u"и\u0306ц\u0301"_s;
-        QTest::newRow("family emoji") << u"👨‍👩‍👧‍👦ab"_s << 3 << u"👨‍👩‍👧‍👦a"_s;
+        QTest::newRow("family emoji")
+            << u"👨‍👩‍👧‍👦ab"_s << 3 << u"👨‍👩‍👧‍👦a"_s;
         QTest::newRow("flags") << u"🇨🇭🇷🇺x"_s << 3 << u"🇨🇭🇷🇺"_s;
         QTest::newRow("carriage return and line feed") << u"\r\nab"_s << 3 << u"\r\na"_s;
-        QTest::newRow("lone surrogate") << QString{QChar{0xd83d}} + u"ab"_s << 3
-                                        << QString{QChar{0xd83d}} + u"a"_s;
+        QTest::newRow("lone surrogate")
+            << QString{QChar{0xd83d}} + u"ab"_s << 3 << QString{QChar{0xd83d}} + u"a"_s;
     }
     void charactersAreWhatAReaderCounts()
     {
@@ -56,8 +58,7 @@ private slots:
 
     void trimmedTakesUnicodeSpaces()
     {
-        QCOMPARE(text::trimmed(u"\u2003\u00a0\u2028\n слово и слово \u3000\r\n\u0085"_s),
-                 u"слово и слово"_s);
+        QCOMPARE(text::trimmed(u"\u2003\u00a0\u2028\n слово и слово \u3000\r\n\u0085"_s), u"слово и слово"_s);
     }
 
     void datesAreWrittenInTheLanguage_data()
@@ -67,8 +68,8 @@ private slots:
         QTest::addColumn<QString>("expected");
         QTest::newRow("ru day") << u"ru"_s << u"EEEEdMMM"_s << u"пятница, 15 нояб."_s;
         QTest::newRow("en day") << u"en"_s << u"EEEEdMMM"_s << u"Friday, Nov 15"_s;
-        QTest::newRow("ru day of another year") << u"ru"_s << u"EEEEdMMMyyyy"_s
-                                                << u"пятница, 15 нояб. 2024\u202fг."_s;
+        QTest::newRow("ru day of another year")
+            << u"ru"_s << u"EEEEdMMMyyyy"_s << u"пятница, 15 нояб. 2024\u202fг."_s;
         QTest::newRow("ru time") << u"ru"_s << u"Hm"_s << u"17:00"_s;
         QTest::newRow("en time has 24 hours too") << u"en"_s << u"Hm"_s << u"17:00"_s;
     }

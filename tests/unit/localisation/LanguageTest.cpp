@@ -1,4 +1,5 @@
 #include "localisation/Language.h"
+
 #include "localisation/Texts.h"
 #include "registeredTests.h"
 #include "service/Prefs.h"
@@ -28,13 +29,14 @@ private slots:
         QTest::addColumn<QStringList>("system");
         QTest::addColumn<QString>("locale");
         QTest::newRow("choice wins") << QJsonValue{u"en"_s} << QStringList{u"ru-RU"_s} << u"en"_s;
-        QTest::newRow("unsupported choice and system") << QJsonValue{u"de"_s} << QStringList{u"de-DE"_s}
-                                                       << u"ru"_s;
-        QTest::newRow("first of the system's") << QJsonValue{} << QStringList{u"en-US"_s, u"ru-RU"_s}
-                                               << u"en"_s;
+        QTest::newRow("unsupported choice and system")
+            << QJsonValue{u"de"_s} << QStringList{u"de-DE"_s} << u"ru"_s;
+        QTest::newRow("first of the system's")
+            << QJsonValue{} << QStringList{u"en-US"_s, u"ru-RU"_s} << u"en"_s;
         QTest::newRow("not the second") << QJsonValue{} << QStringList{u"de-DE"_s, u"en-US"_s} << u"ru"_s;
         QTest::newRow("no system language") << QJsonValue{} << QStringList{} << u"ru"_s;
-        QTest::newRow("case of the choice counts") << QJsonValue{u"EN"_s} << QStringList{u"ru-RU"_s} << u"ru"_s;
+        QTest::newRow("case of the choice counts")
+            << QJsonValue{u"EN"_s} << QStringList{u"ru-RU"_s} << u"ru"_s;
         QTest::newRow("case of the system's does not") << QJsonValue{} << QStringList{u"EN_GB"_s} << u"en"_s;
         QTest::newRow("wrong type") << QJsonValue{true} << QStringList{u"en"_s} << u"en"_s;
         QTest::newRow("one letter") << QJsonValue{} << QStringList{u"C"_s} << u"ru"_s;

@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -23,18 +24,18 @@ private slots:
         QTest::addColumn<QRect>("panel");
         QTest::addColumn<double>("arrowX");
         const QRect screen{0, 24, 1280, 876};
-        QTest::newRow("under the icon") << QRect{629, 1, 22, 22} << screen << QSize{340, 590}
-                                        << QRect{470, 26, 340, 590} << 170.0;
-        QTest::newRow("near the right edge") << QRect{1257, 1, 22, 22} << screen << QSize{340, 590}
-                                             << QRect{932, 26, 340, 590} << 308.0;
-        QTest::newRow("near the left edge") << QRect{1, 1, 22, 22} << screen << QSize{340, 590}
-                                            << QRect{8, 26, 340, 590} << 32.0;
-        QTest::newRow("height not to be taken seriously") << QRect{629, 1, 22, 22} << screen << QSize{340, 60}
-                                                          << QRect{470, 26, 340, 400} << 170.0;
-        QTest::newRow("narrow content") << QRect{629, 1, 22, 22} << screen << QSize{100, 61}
-                                        << QRect{470, 26, 340, 61} << 170.0;
-        QTest::newRow("wide content") << QRect{629, 1, 22, 22} << screen << QSize{400, 590}
-                                      << QRect{440, 26, 400, 590} << 200.0;
+        QTest::newRow("under the icon")
+            << QRect{629, 1, 22, 22} << screen << QSize{340, 590} << QRect{470, 26, 340, 590} << 170.0;
+        QTest::newRow("near the right edge")
+            << QRect{1257, 1, 22, 22} << screen << QSize{340, 590} << QRect{932, 26, 340, 590} << 308.0;
+        QTest::newRow("near the left edge")
+            << QRect{1, 1, 22, 22} << screen << QSize{340, 590} << QRect{8, 26, 340, 590} << 32.0;
+        QTest::newRow("height not to be taken seriously")
+            << QRect{629, 1, 22, 22} << screen << QSize{340, 60} << QRect{470, 26, 340, 400} << 170.0;
+        QTest::newRow("narrow content")
+            << QRect{629, 1, 22, 22} << screen << QSize{100, 61} << QRect{470, 26, 340, 61} << 170.0;
+        QTest::newRow("wide content")
+            << QRect{629, 1, 22, 22} << screen << QSize{400, 590} << QRect{440, 26, 400, 590} << 200.0;
         QTest::newRow("too narrow a screen: the right bound wins")
             << QRect{100, 1, 22, 22} << QRect{0, 24, 300, 600} << QSize{340, 500} << QRect{-48, 26, 340, 500}
             << 159.0;

@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -35,14 +36,14 @@ private slots:
         QTest::addColumn<QString>("shown"); // status|detail|telegram|since|jobs
         QTest::newRow("recording") << R"({"status":"recording","since":1731690000})"_ba
                                    << u"recording||0|1731690000|0"_s;
-        QTest::newRow("fractions of a second") << R"({"status":"recording","since":1731690000.5})"_ba
-                                               << u"recording||0|1731690000.5|0"_s;
+        QTest::newRow("fractions of a second")
+            << R"({"status":"recording","since":1731690000.5})"_ba << u"recording||0|1731690000.5|0"_s;
         QTest::newRow("jobs as text") << R"({"status":"processing","jobs":"2"})"_ba << u"processing||0|0|0"_s;
         QTest::newRow("jobs with a fraction") << R"({"jobs":2.5})"_ba << u"idle||0|0|0"_s;
         QTest::newRow("jobs written 2.0") << R"({"jobs":2.0})"_ba << u"idle||0|0|2"_s;
         QTest::newRow("huge jobs") << R"({"jobs":1e300,"since":1e300})"_ba << u"idle||0|1e+300|0"_s;
-        QTest::newRow("connected as a number") << R"({"telegram_connected":1,"detail":"d"})"_ba
-                                               << u"idle|d|1|0|0"_s;
+        QTest::newRow("connected as a number")
+            << R"({"telegram_connected":1,"detail":"d"})"_ba << u"idle|d|1|0|0"_s;
         QTest::newRow("connected as another number") << R"({"telegram_connected":2})"_ba << u"idle||0|0|0"_s;
         QTest::newRow("connected as text") << R"({"telegram_connected":"true"})"_ba << u"idle||0|0|0"_s;
         QTest::newRow("unknown status") << R"({"status":"Recording"})"_ba << u"Recording||0|0|0"_s;

@@ -57,7 +57,10 @@ public:
         m_look.setReducedMotion(true);
         advance(13'000);
     }
-    Q_INVOKABLE void advance(int milliseconds) { m_scheduler.advance(std::chrono::milliseconds{milliseconds}); }
+    Q_INVOKABLE void advance(int milliseconds)
+    {
+        m_scheduler.advance(std::chrono::milliseconds{milliseconds});
+    }
     Q_INVOKABLE void serviceWrites(const QString& state)
     {
         write(m_paths.stateFile, state);
