@@ -15,6 +15,10 @@ AbstractButton {
     readonly property string wantedSymbol: panel.face === PanelModel.Recording ? "waveform"
         : panel.face === PanelModel.Processing ? "gearshape.2.fill" : "mic.fill"
 
+    function showWantedSymbol(): void {
+        symbol.name = wantedSymbol;
+    }
+
     implicitWidth: Theme.orbField
     implicitHeight: Theme.orbField
     hoverEnabled: true
@@ -105,7 +109,7 @@ AbstractButton {
         name: "mic.fill"
         size: name === "waveform" ? 52 : 40
         ink: Theme.white
-        Component.onCompleted: name = root.wantedSymbol
+        Component.onCompleted: root.showWantedSymbol()
     }
     onWantedSymbolChanged: if (symbol.name !== wantedSymbol) exchange.restart()
 
@@ -115,11 +119,7 @@ AbstractButton {
             NumberAnimation { target: symbol; property: "opacity"; to: 0; duration: Theme.symbolSwap }
             NumberAnimation { target: symbol; property: "scale"; to: Theme.motion ? 0.9 : 1; duration: Theme.symbolSwap }
         }
-        ScriptAction {
-            script: {
-                symbol.name = root.wantedSymbol;
-            }
-        }
+        ScriptAction { script: root.showWantedSymbol() }
         ParallelAnimation {
             NumberAnimation { target: symbol; property: "opacity"; to: 1; duration: Theme.symbolSwap }
             NumberAnimation { target: symbol; property: "scale"; to: 1; duration: Theme.symbolSwap }

@@ -119,7 +119,7 @@ QList<QJsonObject> objects(const QJsonObject& object, QLatin1StringView key)
 {
     QList<QJsonObject> result;
     const QJsonArray array = object.value(key).toArray();
-    for (const QJsonValue& value : array) {
+    for (const auto& value : array) {
         if (value.isObject()) result.append(value.toObject());
     }
     return result;

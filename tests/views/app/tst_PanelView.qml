@@ -42,6 +42,15 @@ TestCase {
         }
         return null;
     }
+    function find(item, fits) {
+        for (let i = 0; i < item.children.length; ++i) {
+            const child = item.children[i];
+            if (fits(child)) return child;
+            const found = find(child, fits);
+            if (found) return found;
+        }
+        return null;
+    }
     function shows(name) { return named(name) !== null; }
 
     function test_states_data() {
@@ -65,6 +74,17 @@ TestCase {
         fixture.serviceWrites(data.state);
         for (const name of data.shown) tryVerify(() => shows(name), 2000, name);
         for (const name of data.hidden) tryVerify(() => !shows(name), 2000, name);
+    }
+
+    function test_orbShowsTheSymbolOfTheStatus() {
+        const orb = named("Начать запись");
+        const symbol = find(orb, item => item.ink !== undefined && item.name === "mic.fill");
+        verify(symbol);
+        for (const [status, name] of [["recording", "waveform"], ["processing", "gearshape.2.fill"], ["idle", "mic.fill"]]) {
+            fixture.serviceWrites(`{"status":"${status}"}`);
+            tryCompare(symbol, "name", name);
+            tryCompare(symbol, "opacity", 1);
+        }
     }
 
     function test_clickWhileIdleAsksForAStart() {
@@ -103,7 +123,7 @@ TestCase {
         verify(named("Короткий").Accessible.checked);
         verify(!named("Развёрнутый").Accessible.checked);
         verify(shows("Короткий: только итоги, открытые вопросы и поручения"));
-        const group = findGroup(panel);
+        const group = find(panel, item => item.Accessible.role === Accessible.Grouping);
         group.forceActiveFocus(Qt.TabFocusReason);
         keyClick(Qt.Key_Left);
         compare(fixture.preferences().protocol_format, "full");
@@ -111,15 +131,6 @@ TestCase {
         compare(fixture.preferences().protocol_format, "full");
         keyClick(Qt.Key_Right);
         compare(fixture.preferences().protocol_format, "short");
-    }
-    function findGroup(item) {
-        for (let i = 0; i < item.children.length; ++i) {
-            const child = item.children[i];
-            if (child.Accessible.role === Accessible.Grouping) return child;
-            const found = findGroup(child);
-            if (found) return found;
-        }
-        return null;
     }
 
     function test_formatFollowsAChangeElsewhere() {
