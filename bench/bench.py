@@ -1,0 +1,164 @@
+#!/usr/bin/env python3
+"""Start-up, memory, idle and opening figures of Murmeli beside a minimal Qt Quick tray program, in turn."""
+
+import ctypes
+import os
+import statistics
+import sys
+import time
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[1]
+sys.path.insert(0, str(ROOT / "tests" / "journeys"))
+
+from session import Session  # noqa: E402
+
+BIN = ROOT / "build" / "dev" / "bin"
+ROUNDS = int(os.environ.get("ROUNDS", "7"))
+IDLE_SECONDS = 20
+
+
+class Attributes(ctypes.Structure):
+    _fields_ = [("x", ctypes.c_int), ("y", ctypes.c_int), ("width", ctypes.c_int), ("height", ctypes.c_int),
+                ("border_width", ctypes.c_int), ("depth", ctypes.c_int), ("visual", ctypes.c_void_p),
+                ("root", ctypes.c_ulong), ("klass", ctypes.c_int), ("bit_gravity", ctypes.c_int),
+                ("win_gravity", ctypes.c_int), ("backing_store", ctypes.c_int), ("backing_planes", ctypes.c_ulong),
+                ("backing_pixel", ctypes.c_ulong), ("save_under", ctypes.c_int), ("colormap", ctypes.c_ulong),
+                ("map_installed", ctypes.c_int), ("map_state", ctypes.c_int), ("rest", ctypes.c_long * 8)]
+
+
+class ClassHint(ctypes.Structure):
+    _fields_ = [("name", ctypes.c_char_p), ("klass", ctypes.c_char_p)]
+
+
+class Display:
+    """Looks at the windows of a display quickly enough to time them."""
+
+    def __init__(self, name):
+        self.x = ctypes.CDLL("libX11.so.6")
+        self.test = ctypes.CDLL("libXtst.so.6")
+        self.x.XOpenDisplay.restype = ctypes.c_void_p
+        self.x.XDefaultRootWindow.restype = ctypes.c_ulong
+        self._ignore = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)(lambda *_: 0)
+        self.x.XSetErrorHandler(self._ignore)  # windows come and go while we look
+        self.display = ctypes.c_void_p(self.x.XOpenDisplay(name.encode()))
+        self.root = self.x.XDefaultRootWindow(self.display)
+
+    def _children(self, window):
+        root, parent = ctypes.c_ulong(), ctypes.c_ulong()
+        children, count = ctypes.POINTER(ctypes.c_ulong)(), ctypes.c_uint()
+        if not self.x.XQueryTree(self.display, ctypes.c_ulong(window), ctypes.byref(root), ctypes.byref(parent),
+                                 ctypes.byref(children), ctypes.byref(count)):
+            return []
+        found = list(children[:count.value]) if count.value else []
+        if children:
+            self.x.XFree(children)
+        return found
+
+    def visible(self, program, fits, window=None):
+        for child in self._children(window or self.root):
+            hint, attributes = ClassHint(), Attributes()
+            if self.x.XGetClassHint(self.display, ctypes.c_ulong(child), ctypes.byref(hint)):
+                ours = hint.name == program.encode()
+                if ours and self.x.XGetWindowAttributes(self.display, ctypes.c_ulong(child), ctypes.byref(attributes)) \
+                        and attributes.map_state == 2 and fits(attributes.width, attributes.height):
+                    return True
+            if self.visible(program, fits, child):
+                return True
+        return False
+
+    def press(self, x, y):
+        self.test.XTestFakeMotionEvent(self.display, -1, x, y, ctypes.c_ulong(0))
+        self.x.XSync(self.display, 0)
+        time.sleep(0.05)
+        for down in (1, 0):
+            self.test.XTestFakeButtonEvent(self.display, 1, down, ctypes.c_ulong(0))
+        self.x.XFlush(self.display)
+
+
+def is_icon(width, height):
+    return 8 <= width <= 64 and 8 <= height <= 64
+
+
+def is_panel(width, height):
+    return width > 300 and height > 400
+
+
+def until(condition, seconds=20.0):
+    start = time.perf_counter()
+    while not condition():
+        if time.perf_counter() - start > seconds:
+            sys.exit("waited in vain for a window")
+    return time.perf_counter() - start
+
+
+def memory(pid):
+    figures = {}
+    for line in Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]:
+        name, value = line.split(":")
+        figures[name] = int(value.split()[0]) / 1024
+    return figures["Rss"], figures["Pss"]
+
+
+def processor_seconds(pid):
+    fields = Path(f"/proc/{pid}/stat").read_text().rsplit(")", 1)[1].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+def wake_ups(pid):
+    status = Path(f"/proc/{pid}/task/{pid}/status").read_text()
+    return int(status.split("voluntary_ctxt_switches:")[1].split()[0])
+
+
+def median(values):
+    return statistics.median(values)
+
+
+def main():
+    figures = {"murmeli": {"start": [], "rss": [], "pss": []}, "minimal_tray": {"start": [], "rss": [], "pss": []}}
+    opening = []
+    with Session(program=False) as session:
+        display = Display(session.display)
+        for round_number in range(ROUNDS + 1):  # the first warms the caches
+            for program, seen in figures.items():
+                process = session.start(program, [str(BIN / program)])
+                start = until(lambda: display.visible(program, is_icon))
+                time.sleep(2.5)
+                rss, pss = memory(process.pid)
+                if program == "murmeli":
+                    icon = session.icon()
+                    display.press(*icon.middle)
+                    opened = until(lambda: display.visible("murmeli", is_panel))
+                session.stop(process)
+                until(lambda: not display.visible(program, is_icon))
+                if round_number == 0:
+                    continue
+                if program == "murmeli":
+                    opening.append(opened)
+                seen["start"].append(start)
+                seen["rss"].append(rss)
+                seen["pss"].append(pss)
+
+        process = session.start("murmeli", [str(BIN / "murmeli")])
+        until(lambda: display.visible("murmeli", is_icon))
+        time.sleep(4)
+        before = processor_seconds(process.pid), wake_ups(process.pid)
+        time.sleep(IDLE_SECONDS)
+        after = processor_seconds(process.pid), wake_ups(process.pid)
+
+    ours, theirs = figures["murmeli"], figures["minimal_tray"]
+    print(f"\n{ROUNDS} rounds in turn, medians          Murmeli   minimal   ratio   bound")
+    for name, unit, key, scale, bound in (("start to visible icon", "ms", "start", 1000, 1.2),
+                                          ("resident memory", "MB", "rss", 1, 1.3),
+                                          ("proportional memory", "MB", "pss", 1, None)):
+        one, other = median(ours[key]) * scale, median(theirs[key]) * scale
+        print(f"{name + ', ' + unit:36} {one:8.1f} {other:9.1f} {one / other:7.2f}   {bound or ''}")
+    pairs = [a / b for a, b in zip(ours["start"], theirs["start"])]
+    print(f"{'start, ratio pair by pair':36} {'':18} {median(pairs):7.2f}   from {min(pairs):.2f} to {max(pairs):.2f}")
+    print(f"click to panel on screen, ms         {median(opening) * 1000:8.1f}")
+    print(f"idle, wake-ups a second              {(after[1] - before[1]) / IDLE_SECONDS:8.2f}                     3")
+    print(f"idle, % of a core                    {(after[0] - before[0]) / IDLE_SECONDS * 100:8.3f}                     0.1")
+
+
+if __name__ == "__main__":
+    main()
