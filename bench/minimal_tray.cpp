@@ -18,12 +18,14 @@ int main(int argc, char* argv[])
     QQuickView view;
     QTimer::singleShot(0, &view, [&view] {
         auto* component = new QQmlComponent{view.engine(), &view};
-        component->setData("import QtQuick\nimport QtQuick.Controls.Basic\nItem { Button { text: 'Record' } }", {});
+        component->setData(
+            "import QtQuick\nimport QtQuick.Controls.Basic\nItem { Button { text: 'Record' } }", {});
         view.setContent({}, component, component->create());
         view.create();
     });
     QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, &view, [&view] { view.setProperty("now", QTime::currentTime()); });
+    QObject::connect(&poll, &QTimer::timeout, &view,
+                     [&view] { view.setProperty("now", QTime::currentTime()); });
     poll.start(1500);
     return QApplication::exec();
 }

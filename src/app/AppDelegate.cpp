@@ -89,7 +89,6 @@ AppDelegate::~AppDelegate()
 
 void AppDelegate::connectPanel()
 {
-    connect(&m_panel, &PanelModel::closeRequested, this, &AppDelegate::closePanel);
     connect(&m_panel, &PanelModel::meetingsRequested, this, [this] {
         closePanel();
         workspace::openFolder(m_paths.vaultDir);

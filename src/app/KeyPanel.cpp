@@ -37,6 +37,14 @@ KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, AppState& state, RecordControl
         connect(root, SIGNAL(fadedOut()), this, SLOT(hide()));
         connect(root, SIGNAL(pressedOutside()), this, SIGNAL(pressedOutside()));
         connect(root, &QQuickItem::implicitHeightChanged, this, &KeyPanel::contentSizeChanged);
+        if (!floating) {
+            const auto fit = [this] {
+                setMinimumSize(contentSize());
+                setMaximumSize(contentSize());
+            };
+            connect(this, &KeyPanel::contentSizeChanged, this, fit);
+            fit();
+        }
     }
 }
 

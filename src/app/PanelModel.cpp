@@ -183,18 +183,23 @@ void PanelModel::setHoverOrb(bool over)
     if (std::exchange(m_hoverOrb, over) != over) emit changed();
 }
 
-void PanelModel::setWatched(bool watched)
+void PanelModel::watch()
 {
-    if (std::exchange(m_watched, watched) == watched) return;
-    if (watched) readPreferences();
+    ++m_watchers;
+    readPreferences();
     runClock();
     emit timeChanged();
-    emit watchedChanged();
+}
+
+void PanelModel::unwatch()
+{
+    --m_watchers;
+    runClock();
 }
 
 void PanelModel::runClock()
 {
-    const bool needed = m_watched && m_state.isRecording() && m_state.since() > 0;
+    const bool needed = m_watchers > 0 && m_state.isRecording() && m_state.since() > 0;
     if (needed == bool(m_clock)) return;
     if (!needed) {
         m_clock.reset();

@@ -32,8 +32,6 @@ class PanelModel final : public QObject {
     Q_PROPERTY(QString time READ time NOTIFY timeChanged FINAL) ///< of the running recording, as "24:31"
     Q_PROPERTY(QString spokenTime READ spokenTime NOTIFY timeChanged FINAL)
     Q_PROPERTY(bool hoverOrb READ hoverOrb WRITE setHoverOrb NOTIFY changed FINAL)
-    Q_PROPERTY(
-        bool watched READ isWatched WRITE setWatched NOTIFY watchedChanged FINAL) ///< a panel is on screen
     Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed FINAL)
     Q_PROPERTY(QString updateVersion READ updateVersion NOTIFY changed FINAL) ///< empty when there is none
     Q_PROPERTY(bool updateInstalling READ updateInstalling NOTIFY changed FINAL)
@@ -64,17 +62,19 @@ public:
     [[nodiscard]] QString time() const;
     [[nodiscard]] QString spokenTime() const;
     [[nodiscard]] bool hoverOrb() const { return m_hoverOrb; }
-    [[nodiscard]] bool isWatched() const { return m_watched; }
     [[nodiscard]] bool signedIn() const { return m_signedIn; }
     [[nodiscard]] QString updateVersion() const { return m_updateVersion; }
     [[nodiscard]] bool updateInstalling() const { return m_updateInstalling; }
     [[nodiscard]] static bool hasSettings() { return false; }
     [[nodiscard]] static QString version();
 
+    /// A panel has come on screen, or gone from it. While there is none, no clock runs.
+    Q_INVOKABLE void watch();
+    Q_INVOKABLE void unwatch();
+
     void setFormat(const QString& format);
     void setAutoRecord(bool on);
     void setHoverOrb(bool over);
-    void setWatched(bool watched);
     void setSignedIn(bool signedIn);
     void setUpdate(const QString& version, bool installing);
 
@@ -82,10 +82,8 @@ signals:
     void changed();
     void preferencesChanged();
     void timeChanged();
-    void watchedChanged();
 
     // What the panel's buttons ask for.
-    void closeRequested();
     void mainWindowRequested();
     void meetingsRequested();
     void settingsRequested();
@@ -109,7 +107,7 @@ private:
     QString m_format;
     bool m_autoRecord = true;
     bool m_hoverOrb = false;
-    bool m_watched = false;
+    int m_watchers = 0; ///< panels on screen
     bool m_signedIn = false;
     bool m_updateInstalling = false;
     QString m_updateVersion;

@@ -32,7 +32,11 @@ Item {
     implicitWidth: Theme.panelWidth + 2 * sideMargin
     implicitHeight: topMargin + contentSize.height + bottomMargin
 
-    onOnScreenChanged: panel.watched = onScreen
+    onOnScreenChanged: {
+        if (onScreen) panel.watch();
+        else panel.unwatch();
+    }
+    Component.onDestruction: if (onScreen) panel.unwatch()
     onOpenChanged: {
         if (open) focusFirst();
         else if (!floating) root.fadedOut();

@@ -15,6 +15,8 @@ AbstractButton {
     readonly property string wantedSymbol: panel.face === PanelModel.Recording ? "waveform"
         : panel.face === PanelModel.Processing ? "gearshape.2.fill" : "mic.fill"
 
+    readonly property bool invites: hovered && moving // a panel that closes under the pointer invites no more
+
     function showWantedSymbol(): void {
         symbol.name = wantedSymbol;
     }
@@ -25,7 +27,7 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     text: panel.orbName
     onClicked: record.toggle()
-    onHoveredChanged: panel.hoverOrb = hovered
+    onInvitesChanged: panel.hoverOrb = invites
 
     Accessible.role: Accessible.Button
     Accessible.name: panel.orbName

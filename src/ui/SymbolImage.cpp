@@ -53,9 +53,13 @@ QImage inked(const QString& name, int pixels, const QColor& ink)
 
 QImage recording(int pixels, const QColor& discColor)
 {
+    static QHash<std::pair<int, QRgb>, QImage> cache; // the blink comes back to the same two looks
+    QImage& image = cache[{pixels, discColor.rgba()}];
+    if (!image.isNull()) return image;
     const QByteArray disc = QByteArray{"fill=\""} + discColor.name().toLatin1() + "\" fill-opacity=\"" +
                             QByteArray::number(discColor.alphaF()) + "\"";
-    return rendered(source(u"waveform.circle.fill.palette"_s).replace("fill=\"#DA3E4F\"", disc), pixels);
+    image = rendered(source(u"waveform.circle.fill.palette"_s).replace("fill=\"#DA3E4F\"", disc), pixels);
+    return image;
 }
 
 } // namespace murmeli::symbols

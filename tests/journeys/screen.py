@@ -100,15 +100,19 @@ class Screen:
                 return Rectangle(x, y, width, height)
         return None
 
-    def windows(self) -> list[tuple[str, Rectangle]]:
-        """Title and rectangle of Murmeli's visible windows, the icon left out."""
+    def windows(self) -> list[Rectangle]:
+        """Murmeli's visible windows, the icon left out."""
+        search = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "murmeli"], timeout=20,
+                                env=self._environment, capture_output=True, check=False)  # 1 where there is none
         found = []
-        for line in self._run("xdotool", "search", "--onlyvisible", "--class", "murmeli").decode().split():
-            name = self._run("xdotool", "getwindowname", line).decode().strip()
-            place = dict(part.split("=") for part in
-                         self._run("xdotool", "getwindowgeometry", "--shell", line).decode().split())
-            found.append((name, Rectangle(int(place["X"]), int(place["Y"]), int(place["WIDTH"]), int(place["HEIGHT"]))))
-        return found
+        for number in search.stdout.decode().split():
+            try:
+                told = self._run("xdotool", "getwindowgeometry", "--shell", number).decode().split()
+            except AssertionError:
+                continue  # gone in the meantime
+            place = dict(part.split("=") for part in told)
+            found.append(Rectangle(int(place["X"]), int(place["Y"]), int(place["WIDTH"]), int(place["HEIGHT"])))
+        return [window for window in found if window.width > LARGEST_ICON]
 
     def picture(self, part: Rectangle | None = None) -> Picture:
         crop = ["-crop", f"{part.width}x{part.height}+{part.x}+{part.y}", "+repage"] if part else []

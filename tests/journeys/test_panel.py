@@ -231,4 +231,4 @@ class Footer(JourneyTest):
         session.tree.wait("label", "Подключено")
         session.tree.wait_gone("push button", "Подключить")
         for url in session.opened_urls():
-            self.assertRegex(url, r"\Ahttps://")
+            self.assertRegex(url, r"\Ahttps?://[^/]+/")

@@ -2,19 +2,12 @@
 
 from __future__ import annotations
 
-import json
-
 from screen import Rectangle
 from session import JourneyTest, Session
 from waiting import stays, wait_for
 
 QUIT = "Выйти из Murmeli (снова открыть — через меню приложений)"
 WINDOW = "Murmeli"
-
-
-def windows(session: Session) -> list[Rectangle]:
-    """Visible windows other than icons."""
-    return [place for _, place in session.screen.windows() if place.width > 64]
 
 
 def window_is_active(session: Session) -> bool:
@@ -27,14 +20,14 @@ class SecondStart(JourneyTest):
         session = self.open_session(state={"status": "idle"})
         again = session.run_program()
         self.assertEqual((again.returncode, again.stdout, again.stderr), (0, b"", b""))
-        stays(lambda: session.program.poll() is None and not windows(session), "the first one, undisturbed", 1)
+        stays(lambda: session.program.poll() is None and not session.screen.windows(), "the first one, undisturbed", 1)
         session.open_panel()
 
     def test_without_a_tray_it_brings_the_window_forward(self):
         session = self.open_session(tray=False)
         wait_for(lambda: window_is_active(session), "the window")
         session.screen.key("alt+F4")
-        wait_for(lambda: not windows(session), "the window to close")
+        wait_for(lambda: not session.screen.windows(), "the window to close")
         self.assertIsNone(session.program.poll(), "closing the window does not end Murmeli")
         again = session.run_program()
         self.assertEqual((again.returncode, again.stdout, again.stderr), (0, b"", b""))
@@ -64,7 +57,7 @@ class WithoutTray(JourneyTest):
         session = self.open_session(tray=False)
         wait_for(lambda: window_is_active(session), "the window")
         session.screen.key("alt+F4")
-        wait_for(lambda: not windows(session), "the window to close")
+        wait_for(lambda: not session.screen.windows(), "the window to close")
         session.start_tray()
         session.open_panel()
         session.press_icon()
@@ -74,7 +67,7 @@ class WithoutTray(JourneyTest):
         session = self.open_session(tray=False)
         wait_for(lambda: window_is_active(session), "the window")
         session.screen.key("alt+F4")
-        wait_for(lambda: not windows(session), "the window to close")
+        wait_for(lambda: not session.screen.windows(), "the window to close")
         session.write(session.flag_file, "")
         session.tree.wait("alert message", lambda name: name.startswith("Не найден пользователь"))
 
@@ -148,23 +141,17 @@ class IconMenu(JourneyTest):
         session = self.open_session(state={"status": "idle"})
         open_menu(session)
         session.screen.key("Escape")
-        wait_for(lambda: not windows(session), "the menu to close")
+        wait_for(lambda: not session.screen.windows(), "the menu to close")
         self.assertFalse(session.command_file.exists())
         open_menu(session)
         choose(session, "Down", "Down")
         session.wait_open()
         self.assertFalse(session.command_file.exists())
 
-    def test_the_menu_closes_the_panel(self):
-        session = self.open_session()
-        session.open_panel()
-        session.press_icon(button=3)
-        session.wait_closed()
-
 
 def open_menu(session: Session) -> None:
     session.press_icon(button=3)
-    menu = wait_for(lambda: windows(session), "the menu")[0]
+    menu = wait_for(lambda: session.screen.windows(), "the menu")[0]
     screen = Rectangle(0, 0, 1280, 900)
     if not screen.contains(menu):
         raise AssertionError(f"the menu reaches off the screen: {menu}")

@@ -130,13 +130,16 @@ private slots:
         m->state.load();
         m->scheduler.advance(0ms);
         const int hidden = m->scheduler.wakeUpsWithin(10s);
-        m->panel.setWatched(true);
+        m->panel.watch();
         QCOMPARE(m->scheduler.wakeUpsWithin(10s), hidden + 10);
         QSignalSpy ticks{&m->panel, &PanelModel::timeChanged};
         m->scheduler.advance(3s);
         QVERIFY(ticks.size() >= 3);
         QCOMPARE(m->panel.time(), u"00:03"_s);
-        m->panel.setWatched(false);
+        m->panel.watch(); // a second one
+        m->panel.unwatch();
+        QCOMPARE(m->scheduler.wakeUpsWithin(10s), hidden + 10);
+        m->panel.unwatch();
         QCOMPARE(m->scheduler.wakeUpsWithin(10s), hidden);
     }
 

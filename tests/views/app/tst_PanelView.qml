@@ -213,8 +213,13 @@ TestCase {
     }
 
     function test_nothingMovesWhileClosed() {
-        verify(fixture.panel.watched);
+        fixture.reduceMotion(false);
+        const orb = named("Начать запись");
+        tryVerify(() => find(orb, item => item.turned > 0));
         panel.open = false;
-        tryVerify(() => !fixture.panel.watched);
+        tryVerify(() => !panel.onScreen);
+        const still = find(orb, item => item.turned > 0).turned;
+        wait(100);
+        compare(find(orb, item => item.turned > 0).turned, still);
     }
 }

@@ -82,6 +82,7 @@ public:
     {
         return QJsonDocument::fromJson(files::readWhole(m_paths.commandFile, 1000).value_or("{}")).object();
     }
+    Q_INVOKABLE void reduceMotion(bool reduced) { m_look.setReducedMotion(reduced); }
     Q_INVOKABLE void signIn() { m_panel->setSignedIn(true); }
     Q_INVOKABLE void offerUpdate(const QString& version, bool installing)
     {
