@@ -40,7 +40,8 @@ Button {
             ink: root.hovered || root.pressed ? Theme.text1 : Theme.text2
         }
     }
-    ToolTip.visible: hovered && help.length > 0
-    ToolTip.delay: 800
-    ToolTip.text: help
+    HelpTip {
+        visible: root.hovered && !root.pressed
+        text: root.help
+    }
 }

@@ -136,6 +136,7 @@ QtObject {
     readonly property int buttonHeight: 30
     readonly property int buttonLarge: 36
     readonly property int iconButton: 28
+    readonly property int helpWidth: 200
     readonly property real disabledOpacity: 0.42
 
     readonly property int toastWidth: 330
@@ -160,6 +161,7 @@ QtObject {
     readonly property int swap: reducedMotion ? quick : 250
     readonly property int symbolSwap: 110
     readonly property int closing: 100
+    readonly property int helpDelay: 800
     readonly property int drift: 7000
     readonly property int breathe: 2600
     readonly property int pulse: 900
