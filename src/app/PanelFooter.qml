@@ -21,9 +21,10 @@ RowLayout {
         text: L.t("panel.open_app")
         onClicked: root.panel.mainWindowRequested()
     }
-    Item { Layout.fillWidth: true }
     Label {
+        Layout.fillWidth: true
         Layout.rightMargin: Theme.gapSmall
+        horizontalAlignment: Text.AlignRight
         type: Theme.caption
         color: Theme.text3
         text: root.panel.version

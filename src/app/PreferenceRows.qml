@@ -58,7 +58,7 @@ Card {
         Layout.fillWidth: true
         text: L.t("panel.auto_record")
         hint: root.panel.autoRecord ? L.t("panel.auto_record.hint.on") : L.t("panel.auto_record.hint.off")
-        checked: root.panel.autoRecord
+        on: root.panel.autoRecord
         onChosen: on => root.panel.autoRecord = on
     }
 }

@@ -3,10 +3,12 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Murmeli.Ui
 
-// A check box as wide as its row, with a hint below its title.
-AbstractButton {
+// A check box as wide as its row, with a hint below its title. It shows what `on` says; a press only asks for a
+// change.
+CheckBox {
     id: root
 
+    required property bool on
     property string hint
 
     signal chosen(bool on)
@@ -18,7 +20,10 @@ AbstractButton {
     opacity: enabled ? 1 : Theme.disabledOpacity
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
-    onClicked: chosen(!checked)
+    checked: on
+    nextCheckState: () => checkState
+    onClicked: chosen(!on)
+    indicator: null
 
     Accessible.role: Accessible.CheckBox
     Accessible.name: text

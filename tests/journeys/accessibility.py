@@ -97,23 +97,26 @@ class Tree:
         """The name on the bus of the program that is followed; empty while it has not come."""
         if self._owner:
             return self._owner
-        for owner, _ in _call(self._bus, REGISTRY, ROOT, ACCESSIBLE, "GetChildren")[0]:
-            pid = _call(self._bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                        "GetConnectionUnixProcessID", GLib.Variant("(s)", (owner,)))[0]
-            if pid == self._pid:
-                self._owner = owner
+        try:
+            for owner, _ in _call(self._bus, REGISTRY, ROOT, ACCESSIBLE, "GetChildren")[0]:
+                pid = _call(self._bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                            "GetConnectionUnixProcessID", GLib.Variant("(s)", (owner,)))[0]
+                if pid == self._pid:
+                    self._owner = owner
+        except GLib.Error:
+            pass  # the registry is not up yet, or still lists one that has ended
         return self._owner
 
     def nodes(self) -> list[Node]:
         """All that the program tells of; what vanishes while we look is left out."""
-        try:
-            owner = self._application()
-            if not owner:
-                return []
-            return self._below(owner, ROOT)
-        except GLib.Error:
-            self._owner = ""
+        owner = self._application()
+        if not owner:
             return []
+        try:
+            return self._below(owner, ROOT)
+        except GLib.Error as error:
+            # An empty answer would look like a closed panel.
+            raise AssertionError(f"Murmeli does not answer: {error.message}") from error
 
     def _below(self, owner: str, path: str) -> list[Node]:
         found = []
@@ -156,6 +159,10 @@ class Tree:
     def focused(self) -> Node | None:
         found = [node for node in self.nodes() if node.showing and "focused" in node.states]
         return found[0] if found else None
+
+    def focus_is_on(self, name: str) -> bool:
+        node = self.focused()
+        return node is not None and node.name == name
 
     def text(self) -> str:
         """Every name on screen, for what must be nowhere."""

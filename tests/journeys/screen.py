@@ -6,6 +6,8 @@ import re
 import subprocess
 from dataclasses import dataclass
 
+from waiting import wait_for
+
 INDENT_OF_TOP_LEVEL = 5  # of a window that xwininfo lists right below the root
 LARGEST_ICON = 64
 
@@ -89,8 +91,7 @@ class Screen:
 
     def icon(self) -> Rectangle | None:
         """Murmeli's icon inside the tray, once it has been given its place there."""
-        tree = self._run("xwininfo", "-root", "-tree").decode(errors="replace")
-        for line in tree.splitlines():
+        for line in self._reliably("xwininfo", "-root", "-tree").splitlines():
             found = re.search(r'\("[^"]*" "murmeli"\)\s+(\d+)x(\d+)\+-?\d+\+-?\d+\s+\+(\d+)\+(\d+)$', line)
             if not found:
                 continue
@@ -102,17 +103,20 @@ class Screen:
 
     def windows(self) -> list[Rectangle]:
         """Murmeli's visible windows, the icon left out."""
-        search = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "murmeli"], timeout=20,
-                                env=self._environment, capture_output=True, check=False)  # 1 where there is none
-        found = []
-        for number in search.stdout.decode().split():
-            try:
-                told = self._run("xdotool", "getwindowgeometry", "--shell", number).decode().split()
-            except AssertionError:
-                continue  # gone in the meantime
-            place = dict(part.split("=") for part in told)
-            found.append(Rectangle(int(place["X"]), int(place["Y"]), int(place["WIDTH"]), int(place["HEIGHT"])))
+        told = self._reliably("xdotool", "search", "--onlyvisible", "--class", "murmeli",
+                              "getwindowgeometry", "--shell", "%@")
+        figures = [int(figure) for figure in re.findall(r"^(?:X|Y|WIDTH|HEIGHT)=(-?\d+)$", told, re.MULTILINE)]
+        found = [Rectangle(*figures[at:at + 4]) for at in range(0, len(figures), 4)]
         return [window for window in found if window.width > LARGEST_ICON]
+
+    def _reliably(self, *command: str) -> str:
+        """What the command says once no window vanishes under its hands."""
+        def said() -> list[str]:
+            done = subprocess.run(command, env=self._environment, stdin=subprocess.DEVNULL, capture_output=True,
+                                  timeout=20, check=False)
+            return [] if done.stderr else [done.stdout.decode(errors="replace")]
+
+        return wait_for(said, f"{command[0]} to see the windows")[0]
 
     def picture(self, part: Rectangle | None = None) -> Picture:
         crop = ["-crop", f"{part.width}x{part.height}+{part.x}+{part.y}", "+repage"] if part else []

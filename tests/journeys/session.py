@@ -291,7 +291,11 @@ class Session:
             subprocess.run(["import", "-window", "root", str(folder / "screen.png")], check=False,
                            env={**self.environment, "HOME": str(folder)}, timeout=20, capture_output=True)
         if hasattr(self, "tree"):
-            (folder / "tree.txt").write_text("\n".join(map(str, self.tree.nodes())), "utf-8")
+            try:
+                told = "\n".join(map(str, self.tree.nodes()))
+            except AssertionError as error:
+                told = str(error)
+            (folder / "tree.txt").write_text(told, "utf-8")
 
     def close(self) -> None:
         if self in Session.opened:

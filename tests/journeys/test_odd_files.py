@@ -33,10 +33,8 @@ ODD_FILES = {
     "broken UTF-8": lambda path: path.write_bytes(b'{"status":"rec\xff\xfeording","detail":"\xc3("}'),
     "an array": lambda path: path.write_text('["recording"]'),
     "deep brackets": lambda path: path.write_text("[" * 100_000),
-    "deep objects": lambda path: path.write_text('{"status":' * 100_000),
     "a huge number": lambda path: path.write_text('{"status":"idle","jobs":' + "9" * 5000 + ',"since":1e300}'),
     "half an object": lambda path: path.write_text('{"status":"recording","det'),
-    "nothing": Path.touch,
 }
 
 
@@ -98,7 +96,7 @@ class PreferencesFile(JourneyTest):
     def test_others(self):
         session = self.open_session(state={"status": "idle"})
         session.open_panel()
-        for label in ("a folder", "a link to itself", "2 GB of zeros", "a device", "deep brackets"):
+        for label in ("a folder", "a link to itself", "2 GB of zeros"):
             with self.case(label):
                 clear(session.prefs_file)
                 session.write(session.prefs_file, {"locale": "en"})
@@ -114,7 +112,7 @@ class FlagFile(JourneyTest):
     def test_what_is_no_file_raises_no_flag(self):
         session = self.open_session()
         session.open_panel()
-        for label in ("a folder", "a pipe", "a link to itself", "a device"):
+        for label in ("a folder", "a pipe"):
             with self.case(label):
                 ODD_FILES[label](session.flag_file)
                 stays(lambda: not session.tree.find("alert message"), "the panel without a banner", 2)

@@ -47,9 +47,9 @@ class Format(JourneyTest):
         session = self.open_session()
         session.look_away()
         session.open_panel()
-        wait_for(lambda: session.tree.focused() and session.tree.focused().name == "Начать запись", "the focus on the orb")
+        wait_for(lambda: session.tree.focus_is_on("Начать запись"), "the focus on the orb")
         session.screen.key("Tab")
-        wait_for(lambda: session.tree.focused() and session.tree.focused().name == "Формат протокола",
+        wait_for(lambda: session.tree.focus_is_on("Формат протокола"),
                  "the focus on the format")
         for key, value in (("Right", "short"), ("Left", "full"), ("Down", "short"), ("Right", "short"), ("Up", "full")):
             session.screen.key(key)
@@ -113,7 +113,7 @@ class Keyboard(JourneyTest):
         expected = ["Начать запись", "Формат протокола", AUTO_RECORD, "Подключить", "Войти в Murmeli", "Протоколы",
                     "Открыть окно", "Выйти из Murmeli (снова открыть — через меню приложений)", "Начать запись"]
         for name in expected:
-            wait_for(lambda: session.tree.focused() and session.tree.focused().name == name, f"the focus on «{name}»", 3)
+            wait_for(lambda: session.tree.focus_is_on(name), f"the focus on «{name}»", 3)
             session.screen.key("Tab")
 
     def test_space_presses_the_check_box(self):
@@ -122,7 +122,7 @@ class Keyboard(JourneyTest):
         session.open_panel()
         wait_for(session.tree.focused, "the keyboard to be ours")
         session.screen.key("Tab", "Tab")
-        wait_for(lambda: session.tree.focused() and session.tree.focused().name == AUTO_RECORD, "the focus on the box")
+        wait_for(lambda: session.tree.focus_is_on(AUTO_RECORD), "the focus on the box")
         session.screen.key("space")
         stores(session, "auto_record", False)
         session.screen.key("Return")

@@ -41,7 +41,7 @@ class RoundTrip(JourneyTest):
         for phase in (tray.is_bright_red, tray.is_dim_red, tray.is_bright_red, tray.is_dim_red):
             wait_for(lambda: phase(session), phase.__name__, 2)
         self.watch_the_time_run(session)
-        self.assertEqual(session.tree.focused().name, STOP, "a toast must not take the focus")
+        self.assertTrue(session.tree.focus_is_on(STOP), "a toast must not take the focus")
 
         session.press("push button", STOP)
         wait_for(lambda: session.status() == "processing", "the service to process")
@@ -61,10 +61,10 @@ class RoundTrip(JourneyTest):
         session = self.open_session(engine=["--processing-seconds", "0.5"])
         session.look_away()
         session.open_panel()
-        wait_for(lambda: session.tree.focused() and session.tree.focused().name == START, "the focus on the orb")
+        wait_for(lambda: session.tree.focus_is_on(START), "the focus on the orb")
         session.screen.key("Return")
         session.tree.wait("label", "Идёт запись")
-        wait_for(lambda: session.tree.focused().name == STOP, "the focus to stay on the orb")
+        wait_for(lambda: session.tree.focus_is_on(STOP), "the focus to stay on the orb")
         session.screen.key("space")
         wait_for(lambda: session.status() == "idle", "the meeting to be done")
         session.tree.wait("label", "Готов к записи")
@@ -158,7 +158,7 @@ class Commands(JourneyTest):
         session.open_panel()
         session.press("push button", START)
         session.tree.wait("label", "Идёт запись")
-        stays(lambda: session.tree.find("push button", STOP), "the recording on the panel", 4)
+        stays(lambda: session.tree.find("push button", STOP), "the recording on the panel", 3)
         self.assertEqual(session.notifications(), ["показано: Murmeli записывает встречу"])
 
 

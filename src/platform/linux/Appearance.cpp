@@ -2,6 +2,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
@@ -25,6 +26,8 @@ public:
     {
         QDBusConnection bus = QDBusConnection::sessionBus();
         if (!bus.isConnected()) return;
+        // Before anything else has used it, connect() does not know the type and refuses the slot.
+        qDBusRegisterMetaType<QDBusVariant>();
         bus.connect(portalService, portalPath, settingsInterface, u"SettingChanged"_s, this,
                     SLOT(settingChanged(QString, QString, QDBusVariant)));
         ask(u"org.freedesktop.appearance"_s, u"color-scheme"_s);
@@ -47,16 +50,18 @@ private:
         call.setArguments({space, key});
         auto* watcher = new QDBusPendingCallWatcher{QDBusConnection::sessionBus().asyncCall(call), this};
         connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, space, key] {
-            const QDBusPendingReply<QVariant> reply = *watcher;
-            if (!reply.isError()) take(space, key, reply.value());
+            const QDBusPendingReply<QDBusVariant> reply = *watcher;
+            if (!reply.isError()) take(space, key, reply.value().variant());
             watcher->deleteLater();
         });
     }
 
     void take(const QString& space, const QString& key, QVariant value)
     {
-        while (value.canConvert<QDBusVariant>())
+        // Read() wraps the value once more than the signal does.
+        while (value.metaType() == QMetaType::fromType<QDBusVariant>()) {
             value = value.value<QDBusVariant>().variant();
+        }
         if (key == "color-scheme"_L1 && space == "org.freedesktop.appearance"_L1) {
             setDark(value.toUInt() != 2); // 0 no preference, 1 dark, 2 light
         } else if (key == "reduced-motion"_L1) {
