@@ -72,6 +72,7 @@ class Session:
         self._language = language
         self._processes: list[tuple[str, subprocess.Popen]] = []
         self._logs: list = []
+        self._has_tray = False
 
     # What the journey looks at.
 
@@ -250,6 +251,7 @@ class Session:
                                    "--SetPartialStrut", "true", "--widthtype", "request", "--height", "24",
                                    "--tint", "0x15161b", "--transparent", "true", "--alpha", "0"])
         wait_for(lambda: selection_has_owner(self.display, "_NET_SYSTEM_TRAY_S0"), "the tray")
+        self._has_tray = True
         return tray
 
     def start_engine(self, *arguments: str) -> subprocess.Popen:
@@ -267,14 +269,16 @@ class Session:
         wait_for(lambda: self.tree.session_has("org.freedesktop.portal.Desktop"), "the settings portal")
         return self.portal
 
-    def start_program(self, *arguments: str, wait=True) -> subprocess.Popen:
+    def start_program(self, *arguments: str) -> subprocess.Popen:
         self.program = self.start("murmeli", [str(PROGRAM), *arguments])
         self.tree.follow(self.program.pid)
-        if wait:
-            if self._wants["tray"]:
-                self.icon()
-            wait_for(self.tree.nodes, "Murmeli's accessibility tree")
+        wait_for(lambda: self._has_started(), "Murmeli to show its icon and its accessibility tree")
         return self.program
+
+    def _has_started(self) -> bool:
+        if self.program.poll() is not None:
+            raise AssertionError(f"Murmeli has ended with {self.program.returncode} at its start")
+        return bool((self.screen.icon() or not self._has_tray) and self.tree.nodes())
 
     def run_program(self, *arguments: str, environment: dict | None = None) -> subprocess.CompletedProcess:
         """One more start, which is expected to end by itself."""

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from session import JourneyTest, Session
-from waiting import stays, wait_for
+from waiting import settles, stays, wait_for
 
 TITLE = "Не найден пользователь — авторизуйтесь"
 BODY = ("Хотел доставить протокол встречи, но не смог найти твой аккаунт. "
@@ -81,6 +81,12 @@ class AuthorisationBanner(JourneyTest):
         session.write(session.flag_file, "")
         session.start_program()
         session.tree.wait("alert message", f"{TITLE}. {BODY}")
+        settles(session.panel_is_open, "the panel")
+        first = session.tree.wait("frame", "Murmeli").extents
+        session.screen.click(300, 700)
+        session.wait_closed()
+        session.open_panel()
+        self.assertEqual(session.tree.wait("frame", "Murmeli").extents, first, "under the icon at once")
 
     def test_the_service_itself_raises_it(self):
         session = self.open_session(engine=["--processing-seconds", "0.3", "--fault", "auth"])
