@@ -46,7 +46,7 @@ int main(int argc, char* argv[])
         return 0;
     }
 
-    windowSystem::choosePlatform();
+    windowSystem::prepare();
     QApplication app{argc, argv};
     QApplication::setApplicationName(u"murmeli"_s);
     QApplication::setApplicationDisplayName(u"Murmeli"_s);

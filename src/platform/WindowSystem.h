@@ -6,8 +6,9 @@ class QWindow;
 namespace murmeli::windowSystem {
 
 /// Before the application object is made: chooses a window system that lets a program place its windows,
-/// unless the user has chosen one.
-void choosePlatform();
+/// unless the user has chosen one, and gives up a session bus that does not answer within a second, since Qt
+/// would wait for it without end.
+void prepare();
 
 /// After it is made: keeps the program out of the Dock, where there is one.
 void becomeAccessory();

@@ -1,5 +1,7 @@
 #include "WindowSystem.h"
 
+#include "SessionBus.h"
+
 #include <QGuiApplication>
 #include <QScopeGuard>
 
@@ -8,8 +10,9 @@
 
 namespace murmeli::windowSystem {
 
-void choosePlatform()
+void prepare()
 {
+    if (!sessionBus::answers()) sessionBus::giveUp();
     // Wayland lets no program place its windows, and the panel belongs under the icon.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("DISPLAY")) {
         qputenv("QT_QPA_PLATFORM", "xcb;wayland");

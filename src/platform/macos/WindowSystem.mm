@@ -6,7 +6,7 @@
 
 namespace murmeli::windowSystem {
 
-void choosePlatform() {}
+void prepare() {}
 
 void becomeAccessory() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
 
