@@ -75,6 +75,11 @@ class Screen:
     def has_window_manager(self) -> bool:
         return b"window id" in self._run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK")
 
+    def has_active_window(self) -> bool:
+        """Whether the window manager, not only the program, takes a window for the one that keys are for."""
+        told = self._run("xprop", "-root", "_NET_ACTIVE_WINDOW").decode()
+        return re.search(r"window id # 0x[1-9a-f]", told) is not None
+
     # Pointer and keys.
 
     def move(self, x: int, y: int) -> None:

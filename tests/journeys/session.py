@@ -17,7 +17,7 @@ from pathlib import Path
 
 from accessibility import Tree
 from screen import Screen
-from waiting import wait_for
+from waiting import settles, wait_for
 
 REPOSITORY = Path(__file__).resolve().parents[2]
 PROGRAM = Path(os.environ.get("MURMELI_BIN", REPOSITORY / "build/dev/bin/murmeli"))
@@ -183,6 +183,8 @@ class Session:
         self.start("accessibility", ["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"])
         self.screen = Screen(self.environment)
         wait_for(self.screen.has_window_manager, "the window manager")
+        # With the first key the display changes keyboards, and the window manager takes its shortcuts anew.
+        self.screen.key("Shift_L")
         self.start("picom", ["picom", "--backend", "xrender", "--config", "/dev/null"])
         if self._wants["tray"]:
             self.start_tray()
@@ -252,6 +254,8 @@ class Session:
                                    "--tint", "0x15161b", "--transparent", "true", "--alpha", "0"])
         wait_for(lambda: selection_has_owner(self.display, "_NET_SYSTEM_TRAY_S0"), "the tray")
         self._has_tray = True
+        if any(name == "murmeli" and process.poll() is None for name, process in self._processes):
+            self.wait_icon_at_rest()
         return tray
 
     def start_engine(self, *arguments: str) -> subprocess.Popen:
@@ -272,7 +276,9 @@ class Session:
     def start_program(self, *arguments: str) -> subprocess.Popen:
         self.program = self.start("murmeli", [str(PROGRAM), *arguments])
         self.tree.follow(self.program.pid)
-        wait_for(lambda: self._has_started(), "Murmeli to show its icon and its accessibility tree")
+        wait_for(self._has_started, "Murmeli to show its icon and its accessibility tree")
+        if self._has_tray:
+            self.wait_icon_at_rest()
         return self.program
 
     def _has_started(self) -> bool:
@@ -317,6 +323,16 @@ class Session:
     def icon(self):
         """The tray icon's rectangle."""
         return wait_for(lambda: self.screen.icon(), "the icon in the tray")
+
+    def wait_icon_at_rest(self) -> None:
+        """A tray that takes an icon in shifts it about for a moment; a press would miss it."""
+        seen = [None]
+
+        def rests() -> bool:
+            seen.append(self.screen.icon())
+            return seen[-1] is not None and seen[-1] == seen[-2]
+
+        settles(rests, "the icon in the tray", calm=0.15)
 
     def press_icon(self, button=1) -> None:
         self.screen.click(*self.icon().middle, button=button)

@@ -16,6 +16,12 @@ def window_is_active(session: Session) -> bool:
     return frame is not None and "active" in frame.states
 
 
+def close_window(session: Session) -> None:
+    wait_for(session.screen.has_active_window, "the window manager to know the window")
+    session.screen.key("alt+F4")
+    wait_for(lambda: not session.screen.windows(), "the window to close")
+
+
 class SecondStart(JourneyTest):
     def test_it_ends_at_once_and_the_first_stays(self):
         session = self.open_session(state={"status": "idle"})
@@ -27,8 +33,7 @@ class SecondStart(JourneyTest):
     def test_without_a_tray_it_brings_the_window_forward(self):
         session = self.open_session(tray=False)
         wait_for(lambda: window_is_active(session), "the window")
-        session.screen.key("alt+F4")
-        wait_for(lambda: not session.screen.windows(), "the window to close")
+        close_window(session)
         self.assertIsNone(session.program.poll(), "closing the window does not end Murmeli")
         again = session.run_program()
         self.assertEqual((again.returncode, again.stdout, again.stderr), (0, b"", b""))
@@ -57,8 +62,7 @@ class WithoutTray(JourneyTest):
     def test_a_tray_that_comes_later_gets_the_icon(self):
         session = self.open_session(tray=False)
         wait_for(lambda: window_is_active(session), "the window")
-        session.screen.key("alt+F4")
-        wait_for(lambda: not session.screen.windows(), "the window to close")
+        close_window(session)
         session.start_tray()
         session.open_panel()
         session.press_icon()
@@ -67,8 +71,7 @@ class WithoutTray(JourneyTest):
     def test_the_flag_brings_the_window_where_there_is_no_icon(self):
         session = self.open_session(tray=False)
         wait_for(lambda: window_is_active(session), "the window")
-        session.screen.key("alt+F4")
-        wait_for(lambda: not session.screen.windows(), "the window to close")
+        close_window(session)
         session.write(session.flag_file, "")
         session.tree.wait("alert message", lambda name: name.startswith("Не найден пользователь"))
 
