@@ -3,11 +3,16 @@
 #include <QProcess>
 #include <QTimer>
 
+#include <csignal>
+#include <unistd.h>
 #include <utility>
 
 namespace murmeli {
 
 namespace {
+
+constexpr int politeness = 300;   // milliseconds that an unwanted child has to end by itself
+constexpr int reapingTime = 1000; // milliseconds; a killed child ends at once
 
 /// One running child. Belongs to its context and kills the child when that goes.
 class Child final : public QObject {
@@ -20,11 +25,14 @@ public:
         m_process.setProcessEnvironment(request.environment);
         m_process.setWorkingDirectory(request.workingFolder);
         m_process.setStandardInputFile(QProcess::nullDevice());
+        // A group of its own, so that a shell's children end with the shell.
+        m_process.setChildProcessModifier([] { ::setpgid(0, 0); });
         if (request.onOutput) {
             m_process.setProcessChannelMode(QProcess::MergedChannels);
         } else {
             m_process.setStandardErrorFile(QProcess::nullDevice());
         }
+        connect(&m_process, &QProcess::started, this, [this] { m_group = pid_t(m_process.processId()); });
         connect(&m_process, &QProcess::readyReadStandardOutput, this, &Child::take);
         connect(&m_process, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
             m_result.exitCode = code;
@@ -44,7 +52,7 @@ public:
         if (request.timeout.count() > 0) {
             QTimer::singleShot(request.timeout, this, [this] {
                 m_result.outcome = ProcessResult::Outcome::TimedOut;
-                m_process.kill();
+                signalGroup(SIGKILL);
             });
         }
         m_process.start();
@@ -52,14 +60,22 @@ public:
     ~Child() override
     {
         m_process.disconnect(this);
-        if (m_process.state() != QProcess::NotRunning) {
-            m_process.kill();
-            m_process.waitForFinished(1000); // a killed child ends at once; QProcess complains otherwise
-        }
+        if (m_process.state() == QProcess::NotRunning) return;
+        if (m_group == 0) m_process.waitForStarted(reapingTime);
+        m_group = pid_t(m_process.processId());
+        signalGroup(SIGTERM);
+        m_process.waitForFinished(politeness);
+        signalGroup(SIGKILL);
+        if (m_process.state() != QProcess::NotRunning) m_process.waitForFinished(reapingTime);
     }
     Q_DISABLE_COPY_MOVE(Child)
 
 private:
+    void signalGroup(int number) const
+    {
+        if (m_group > 0) ::kill(-m_group, number);
+    }
+
     void take()
     {
         const QByteArray piece = m_process.readAllStandardOutput();
@@ -87,6 +103,7 @@ private:
     Processes::Done m_done;
     ProcessResult m_result;
     QProcess m_process;
+    pid_t m_group = 0;
 };
 
 } // namespace

@@ -39,8 +39,8 @@ public:
 
     virtual ~Processes() = default;
 
-    /// `done` runs once, on the main thread. When `context` goes first, the child is killed and `done`
-    /// dropped.
+    /// `done` runs once, on the main thread. When `context` goes first, `done` is dropped and the child is
+    /// ended with all that it started: asked first, then killed.
     virtual void run(const ProcessRequest& request, QObject* context, Done done) = 0;
 
     /// Starts a program that outlives us. \return false when it could not be started.

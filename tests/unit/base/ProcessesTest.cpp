@@ -97,6 +97,27 @@ private slots:
         QVERIFY(!wrong);
     }
 
+    void whatAChildStartedEndsWithIt_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::newRow("a pipeline") << u"(echo $BASHPID; exec sleep 60) | cat"_s;
+        QTest::newRow("deaf to the polite signal")
+            << u"trap '' TERM; (trap '' TERM; echo $BASHPID; while true; do sleep 0.1; done) & wait"_s;
+    }
+    void whatAChildStartedEndsWithIt()
+    {
+        QFETCH(QString, script);
+        auto context = std::make_unique<QObject>();
+        QByteArray grandchild;
+        m_processes.run({.program = u"/bin/bash"_s,
+                         .arguments = {u"-c"_s, script},
+                         .onOutput = [&](const QByteArray& piece) { grandchild += piece; }},
+                        context.get(), [](const ProcessResult&) {});
+        QTRY_VERIFY(grandchild.endsWith('\n'));
+        context.reset();
+        QTRY_COMPARE(::kill(grandchild.trimmed().toInt(), 0), -1);
+    }
+
 private:
     SystemProcesses m_processes;
 };

@@ -1,0 +1,18 @@
+#include "Numbers.h"
+
+#include <unicode/locid.h>
+#include <unicode/numberformatter.h>
+
+namespace murmeli::numbers {
+
+QString spokenPercent(int percent, const QString& language)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const auto format = icu::number::NumberFormatter::withLocale(icu::Locale{language.toUtf8().constData()})
+                            .unit(icu::NoUnit::percent())
+                            .unitWidth(UNUM_UNIT_WIDTH_FULL_NAME);
+    const icu::UnicodeString text = format.formatInt(percent, status).toString(status);
+    return U_FAILURE(status) ? QString::number(percent) : QString::fromUtf16(text.getBuffer(), text.length());
+}
+
+} // namespace murmeli::numbers
