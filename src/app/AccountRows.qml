@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Murmeli.Account
 import Murmeli.App
 import Murmeli.Localisation
 import Murmeli.Service
@@ -10,6 +11,7 @@ ColumnLayout {
     id: root
 
     required property PanelModel panel
+    required property AuthManager account
     required property AppState appState
 
     spacing: Theme.gapGroup
@@ -60,7 +62,7 @@ ColumnLayout {
         }
         Rectangle {
             Layout.fillWidth: true
-            visible: root.panel.signedIn
+            visible: root.account.isAuthed
             implicitHeight: Theme.hair
             color: Theme.line
         }
@@ -69,7 +71,7 @@ ColumnLayout {
             Layout.leftMargin: Theme.padPanel
             Layout.rightMargin: Theme.gapSmall
             Layout.preferredHeight: 56
-            visible: root.panel.signedIn
+            visible: root.account.isAuthed
             spacing: 10
             Symbol {
                 Layout.preferredWidth: 18
@@ -105,18 +107,23 @@ ColumnLayout {
             IconButton {
                 symbol: "rectangle.portrait.and.arrow.right"
                 help: L.t("panel.sign_out")
-                onClicked: root.panel.signOutRequested()
+                onClicked: root.account.logout()
             }
         }
     }
     PillButton {
         Layout.fillWidth: true
-        visible: !root.panel.signedIn
+        visible: !root.account.isAuthed
         kind: root.appState.authFlag ? PillButton.Primary : PillButton.Tinted
         buttonHeight: Theme.buttonLarge
         symbol: "person.crop.circle"
         symbolSize: Theme.symbolRow
         text: L.t("panel.sign_in")
-        onClicked: root.panel.signInRequested()
+        onClicked: root.account.login()
+    }
+    SignInAddress {
+        Layout.fillWidth: true
+        visible: root.account.takesAddress
+        account: root.account
     }
 }

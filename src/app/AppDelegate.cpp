@@ -40,91 +40,138 @@ QIcon iconOf(const std::function<QImage(int)>& draw)
 
 } // namespace
 
-AppDelegate::AppDelegate(const Paths& paths, Prefs& prefs, Language& language, Look& look,
-                         Scheduler& scheduler, StatusItem& statusItem, QObject* parent)
+AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
     : QObject(parent),
-      m_paths(paths),
-      m_language(language),
-      m_look(look),
-      m_scheduler(scheduler),
-      m_statusItem(statusItem),
-      m_state(paths, scheduler),
-      m_record(paths, m_state, scheduler),
-      m_panel(m_state, m_record, prefs, language, scheduler),
-      m_toasts(m_engine, scheduler,
+      m_ground(ground),
+      m_state(ground.paths, ground.scheduler),
+      m_record(ground.paths, m_state, ground.scheduler),
+      m_panel(m_state, m_record, ground.prefs, ground.language, ground.scheduler),
+      m_account({.accountSite = AppInfo::accountSite(),
+                 .accountFile = ground.paths.accountFile,
+                 .computerName = workspace::computerName()},
+                {.base = AppInfo::backend(), .anonymousKey = AppInfo::backendKey()}, ground.http,
+                ground.signInSession, ground.scheduler),
+      m_updater({.versionUrl = AppInfo::versionURL(),
+                 .script = ground.paths.updateScript,
+                 .current = AppInfo::version,
+                 .installation = ground.installation},
+                ground.http, ground.processes, ground.scheduler, [this] { return m_state.status(); }),
+      m_toasts(m_engine, ground.scheduler,
                [] {
                    const QScreen* screen = QGuiApplication::primaryScreen();
                    return screen ? screen->availableGeometry() : QRect{};
                }),
-      m_notifier(paths, prefs, language, scheduler, [this](const ToastText& toast) {
-          m_look.setCompositing(windowSystem::compositing());
-          m_toasts.show(toast);
-      })
+      m_notifier(ground.paths, ground.prefs, ground.language, ground.scheduler,
+                 [this](const ToastText& toast) {
+                     m_ground.look.setCompositing(windowSystem::compositing());
+                     m_toasts.show(toast);
+                 }),
+      m_updateWindow(m_engine, ground.language, m_updater)
 {
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
-    m_language.install(m_engine);
-    m_look.install(m_engine);
+    m_ground.language.install(m_engine);
+    m_ground.look.install(m_engine);
 
     connect(&m_state, &AppState::changed, this, &AppDelegate::followStatus);
     connect(&m_state, &AppState::authRequired, this, &AppDelegate::openPanel);
     connect(&m_state, &AppState::statusRead, this, [this](const QString& from, const QString& to) {
-        m_language.refresh(); // whoever changed the preference, it shows within one reading of the state
+        m_ground.language
+            .refresh(); // whoever changed the preference, it shows within one reading of the state
         m_notifier.recordingChanged(from, to);
     });
-    connect(&m_language, &Language::changed, this, &AppDelegate::updateTexts);
+    connect(&m_ground.language, &Language::changed, this, &AppDelegate::updateTexts);
     connect(&m_record, &RecordControl::pendingChanged, this, &AppDelegate::updateTexts);
-    connect(&m_look, &Look::changed, this, &AppDelegate::updateIcon);
-    connect(&m_statusItem, &StatusItem::pressed, this, &AppDelegate::toggle);
-    connect(&m_statusItem, &StatusItem::recordChosen, &m_record, &RecordControl::toggle);
-    connect(&m_statusItem, &StatusItem::openChosen, this, &AppDelegate::openPanel);
-    connect(&m_statusItem, &StatusItem::quitChosen, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    connect(&m_ground.look, &Look::changed, this, &AppDelegate::updateIcon);
+    connect(&m_ground.statusItem, &StatusItem::pressed, this, &AppDelegate::toggle);
+    connect(&m_ground.statusItem, &StatusItem::recordChosen, &m_record, &RecordControl::toggle);
+    connect(&m_ground.statusItem, &StatusItem::openChosen, this, &AppDelegate::openPanel);
+    connect(&m_ground.statusItem, &StatusItem::quitChosen, qApp, &QCoreApplication::quit,
+            Qt::QueuedConnection);
     connectPanel();
+    connectAccount();
 }
 
 AppDelegate::~AppDelegate()
 {
     m_floating.reset(); // before the engine and the objects that their views read
     m_window.reset();
+    m_setupWindow.reset();
 }
 
 void AppDelegate::connectPanel()
 {
     connect(&m_panel, &PanelModel::meetingsRequested, this, [this] {
         closePanel();
-        workspace::openFolder(m_paths.vaultDir);
+        workspace::openFolder(m_ground.paths.vaultDir);
     });
     connect(&m_panel, &PanelModel::mainWindowRequested, this, [this] {
         closePanel();
         showWindow();
     });
     connect(&m_panel, &PanelModel::botRequested, this, [] { workspace::openUrl(QUrl{AppInfo::botLink()}); });
-    connect(&m_panel, &PanelModel::signInRequested, this,
-            [] { workspace::openUrl(QUrl{AppInfo::accountSite()}); });
+    connect(&m_panel, &PanelModel::updateRequested, this, [this] {
+        closePanel();
+        m_updateWindow.show();
+    });
     connect(&m_panel, &PanelModel::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 
-void AppDelegate::start()
+void AppDelegate::connectAccount()
+{
+    connect(&m_account, &AuthManager::didLogin, this, [this] {
+        if (!panelIsOpen()) openPanel();
+        m_state.greet();
+    });
+}
+
+void AppDelegate::start(bool forceSetup)
 {
     updateTexts();
     updateIcon();
-    m_statusItem.show();
-    m_scheduler.after(0ms, this, [this] { floatingPanel(); });
-    m_scheduler.after(trayPatience, this, [this] {
-        if (!m_statusItem.hasTray()) showWindow();
+    m_ground.statusItem.show();
+    m_ground.scheduler.after(0ms, this, [this, forceSetup] {
+        floatingPanel();
+        if (forceSetup || SetupRunner::needed(m_ground.paths)) showSetup();
+        m_updater.startAutoCheck();
     });
+    m_ground.scheduler.after(trayPatience, this, [this] {
+        if (!m_ground.statusItem.hasTray()) showWindow();
+    });
+}
+
+void AppDelegate::showSetup()
+{
+    const QString log = workspace::stateFolder(m_ground.paths.home) + u"/setup.log"_s;
+    m_setupWindow = std::make_unique<SetupWindowController>(
+        m_ground.paths, SetupRunner::Place{.webOrigin = AppInfo::webOrigin(), .logFile = log},
+        m_ground.processes, m_ground.scheduler, m_engine, m_ground.language, m_updater);
+    connect(m_setupWindow.get(), &SetupWindowController::done, this, &AppDelegate::afterSetup);
+    m_setupWindow->show();
+}
+
+void AppDelegate::afterSetup()
+{
+    m_state.load();
+    m_updater.check();
+    openPanel();
+}
+
+bool AppDelegate::panelIsOpen() const
+{
+    return (m_floating && m_floating->isOpen()) || (m_window && m_window->isOpen());
 }
 
 KeyPanel* AppDelegate::floatingPanel()
 {
     if (m_floating) return m_floating.get();
-    m_look.setCompositing(windowSystem::compositing());
-    m_floating = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Floating, m_state, m_record, m_panel);
+    m_ground.look.setCompositing(windowSystem::compositing());
+    m_floating = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Floating, panelParts());
     connect(m_floating.get(), &KeyPanel::contentSizeChanged, this, [this] {
         if (m_floating->isOpen()) placePanel();
     });
     connect(m_floating.get(), &KeyPanel::pressedOutside, this, [this] {
         // The icon's own action will toggle.
-        if (m_statusItem.geometry().contains(QCursor::pos())) return;
+        if (m_ground.statusItem.geometry().contains(QCursor::pos())) return;
         m_closedFromOutside.start();
         closePanel();
     });
@@ -135,7 +182,7 @@ void AppDelegate::toggle()
 {
     m_pressedAt = QCursor::pos();
     // Where the icon's place is unknown, the press that closed the panel may have been on the icon itself.
-    const bool unknownPlace = m_statusItem.geometry().isEmpty();
+    const bool unknownPlace = m_ground.statusItem.geometry().isEmpty();
     if (unknownPlace && m_closedFromOutside.isValid() && m_closedFromOutside.elapsed() < samePress) return;
     if (floatingPanel()->isOpen()) {
         closePanel();
@@ -146,7 +193,7 @@ void AppDelegate::toggle()
 
 QRect AppDelegate::anchor() const
 {
-    const QRect icon = m_statusItem.geometry();
+    const QRect icon = m_ground.statusItem.geometry();
     if (!icon.isEmpty()) return icon;
     if (!m_pressedAt.isNull()) return {m_pressedAt, QSize{1, 1}};
     const QScreen* screen = QGuiApplication::primaryScreen();
@@ -155,11 +202,11 @@ QRect AppDelegate::anchor() const
 
 void AppDelegate::openPanel()
 {
-    if (!m_statusItem.hasTray()) {
+    if (!m_ground.statusItem.hasTray()) {
         showWindow();
         return;
     }
-    m_look.setCompositing(windowSystem::compositing());
+    m_ground.look.setCompositing(windowSystem::compositing());
     placePanel();
 }
 
@@ -183,15 +230,16 @@ void AppDelegate::closePanel()
 void AppDelegate::showWindow()
 {
     if (!m_window) {
-        m_window = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_state, m_record, m_panel);
+        m_window = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, panelParts());
     }
     m_window->openOrdinary();
 }
 
 void AppDelegate::told(const QString& line)
 {
+    if (m_account.handle(line)) return;
     // A second start shows nothing by itself where the icon is there to be pressed.
-    if (line == "activate"_L1 && !m_statusItem.hasTray()) showWindow();
+    if (line == "activate"_L1 && !m_ground.statusItem.hasTray()) showWindow();
 }
 
 void AppDelegate::followStatus()
@@ -204,7 +252,7 @@ void AppDelegate::followStatus()
     m_blinkBright = true;
     if (m_state.isRecording()) {
         m_blinking = std::make_unique<QObject>();
-        m_scheduler.every(blinkInterval, m_blinking.get(), [this] {
+        m_ground.scheduler.every(blinkInterval, m_blinking.get(), [this] {
             m_blinkBright = !m_blinkBright;
             updateIcon();
         });
@@ -226,21 +274,22 @@ void AppDelegate::updateIcon()
     } else {
         const bool processing = m_state.isProcessing();
         const QString symbol = processing ? u"gearshape.2.fill"_s : u"waveform.tray"_s;
-        const QColor ink = m_look.dark() ? QColor{0xff, 0xff, 0xff} : QColor{0x1b, 0x1c, 0x22};
+        const QColor ink = m_ground.look.dark() ? QColor{0xff, 0xff, 0xff} : QColor{0x1b, 0x1c, 0x22};
         look.symbolName = processing ? u"murmeli-processing-symbolic"_s : u"murmeli-idle-symbolic"_s;
         look.icon = iconOf([&](int side) { return symbols::inked(symbol, side, ink); });
     }
-    m_statusItem.setLook(look);
+    m_ground.statusItem.setLook(look);
 }
 
 void AppDelegate::updateTexts()
 {
-    m_statusItem.setName(m_language.t(u"tray.name"_s, m_panel.title()));
-    m_statusItem.setMenu({m_record.waiting() ? m_panel.line() : m_panel.title(),
-                          m_language.t(m_state.isRecording() ? u"tray.stop"_s : u"tray.start"_s),
-                          m_language.t(u"tray.open"_s),
-                          PanelModel::hasSettings() ? m_language.t(u"tray.settings"_s) : QString{},
-                          m_language.t(u"tray.quit"_s)});
+    m_ground.statusItem.setName(m_ground.language.t(u"tray.name"_s, m_panel.title()));
+    m_ground.statusItem.setMenu(
+        {m_record.waiting() ? m_panel.line() : m_panel.title(),
+         m_ground.language.t(m_state.isRecording() ? u"tray.stop"_s : u"tray.start"_s),
+         m_ground.language.t(u"tray.open"_s),
+         PanelModel::hasSettings() ? m_ground.language.t(u"tray.settings"_s) : QString{},
+         m_ground.language.t(u"tray.quit"_s)});
 }
 
 } // namespace murmeli

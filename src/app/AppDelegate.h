@@ -1,10 +1,16 @@
 #pragma once
 
+#include "KeyPanel.h"
 #include "Notifier.h"
 #include "PanelModel.h"
 #include "RecordControl.h"
+#include "SetupWindowController.h"
 #include "ToastCenter.h"
+#include "UpdateWindowController.h"
+#include "account/AuthManager.h"
+#include "platform/Installation.h"
 #include "service/AppState.h"
+#include "update/Updater.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -15,11 +21,13 @@
 
 namespace murmeli {
 
-class KeyPanel;
+class Http;
 class Language;
 class Look;
 class Prefs;
+class Processes;
 class Scheduler;
+class SignInSession;
 class StatusItem;
 
 /// Ties the status item, the panel, the toasts and the state together. Lives as long as the program.
@@ -28,13 +36,27 @@ class AppDelegate final : public QObject {
     Q_OBJECT
 
 public:
-    AppDelegate(const Paths& paths, Prefs& prefs, Language& language, Look& look, Scheduler& scheduler,
-                StatusItem& statusItem, QObject* parent = nullptr);
+    /// What the program stands on, made by main() and outliving it.
+    struct Ground {
+        const Paths& paths;
+        Prefs& prefs;
+        Language& language;
+        Look& look;
+        Scheduler& scheduler;
+        Http& http;
+        Processes& processes;
+        SignInSession& signInSession;
+        StatusItem& statusItem;
+        Installation installation;
+    };
+
+    explicit AppDelegate(const Ground& ground, QObject* parent = nullptr);
     ~AppDelegate() override;
     Q_DISABLE_COPY_MOVE(AppDelegate)
 
-    /// Shows the icon at once, and makes the panel as soon as the icon stands.
-    void start();
+    /// Shows the icon at once, and makes the panel as soon as the icon stands; the setup window too where the
+    /// engine is missing or `forceSetup` asks for it.
+    void start(bool forceSetup);
 
     void toggle();
     void openPanel();
@@ -43,31 +65,32 @@ public:
     /// A later start of the program handed over a line: an address of ours, or a wish to be seen.
     void told(const QString& line);
 
-    AppState& state() { return m_state; }
-    PanelModel& panel() { return m_panel; }
-    RecordControl& record() { return m_record; }
-
 private:
     void connectPanel();
+    void connectAccount();
+    void showSetup();
+    void afterSetup();
     void followStatus();
     void updateIcon();
     void updateTexts();
     void placePanel();
     void showWindow();
     KeyPanel* floatingPanel();
+    KeyPanel::Parts panelParts() { return {m_state, m_record, m_panel, m_account, m_updater}; }
+    [[nodiscard]] bool panelIsOpen() const;
     [[nodiscard]] QRect anchor() const;
 
-    const Paths& m_paths;
-    Language& m_language;
-    Look& m_look;
-    Scheduler& m_scheduler;
-    StatusItem& m_statusItem;
+    Ground m_ground;
     AppState m_state;
     RecordControl m_record;
     PanelModel m_panel;
+    AuthManager m_account;
+    Updater m_updater;
     QQmlEngine m_engine;
     ToastCenter m_toasts;
     Notifier m_notifier;
+    UpdateWindowController m_updateWindow;
+    std::unique_ptr<SetupWindowController> m_setupWindow;
     std::unique_ptr<KeyPanel> m_floating;
     std::unique_ptr<KeyPanel> m_window;  ///< the panel in an ordinary window
     std::unique_ptr<QObject> m_blinking; ///< while it lives, the icon blinks

@@ -1,8 +1,10 @@
 #include "KeyPanel.h"
 
 #include "PanelModel.h"
+#include "account/AuthManager.h"
 #include "platform/ClickOutside.h"
 #include "platform/WindowSystem.h"
+#include "update/Updater.h"
 
 #include <QKeyEvent>
 #include <QQuickItem>
@@ -18,8 +20,8 @@ constexpr Qt::WindowFlags floatingFlags =
 
 } // namespace
 
-KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, AppState& state, RecordControl& record, PanelModel& panel)
-    : QQuickView(&engine, nullptr), m_kind(kind), m_state(state)
+KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
+    : QQuickView(&engine, nullptr), m_kind(kind), m_state(parts.state)
 {
     const bool floating = kind == Kind::Floating;
     if (floating) {
@@ -28,9 +30,11 @@ KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, AppState& state, RecordControl
     }
     setTitle(u"Murmeli"_s);
     setResizeMode(floating ? QQuickView::SizeRootObjectToView : QQuickView::SizeViewToRootObject);
-    setInitialProperties({{u"appState"_s, QVariant::fromValue(&state)},
-                          {u"record"_s, QVariant::fromValue(&record)},
-                          {u"panel"_s, QVariant::fromValue(&panel)},
+    setInitialProperties({{u"appState"_s, QVariant::fromValue(&parts.state)},
+                          {u"record"_s, QVariant::fromValue(&parts.record)},
+                          {u"panel"_s, QVariant::fromValue(&parts.panel)},
+                          {u"account"_s, QVariant::fromValue(&parts.account)},
+                          {u"updater"_s, QVariant::fromValue(&parts.updater)},
                           {u"floating"_s, floating}});
     setSource(QUrl{u"qrc:/qt/qml/Murmeli/App/PanelView.qml"_s});
     if (QQuickItem* root = rootObject()) {

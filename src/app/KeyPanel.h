@@ -7,9 +7,11 @@
 namespace murmeli {
 
 class AppState;
+class AuthManager;
 class ClickOutside;
 class PanelModel;
 class RecordControl;
+class Updater;
 
 /// A window that holds the panel view: floating under the status item, or an ordinary window where the
 /// desktop has no tray. Takes the keyboard although the program is not the active one. Main thread only.
@@ -19,7 +21,16 @@ class KeyPanel final : public QQuickView {
 public:
     enum class Kind { Floating, Ordinary };
 
-    KeyPanel(QQmlEngine& engine, Kind kind, AppState& state, RecordControl& record, PanelModel& panel);
+    /// What the panel shows; all of it outlives the panel.
+    struct Parts {
+        AppState& state;
+        RecordControl& record;
+        PanelModel& panel;
+        AuthManager& account;
+        Updater& updater;
+    };
+
+    KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts);
     ~KeyPanel() override;
     Q_DISABLE_COPY_MOVE(KeyPanel)
 

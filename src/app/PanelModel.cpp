@@ -209,17 +209,4 @@ void PanelModel::runClock()
     m_scheduler.every(clockInterval, m_clock.get(), [this] { emit timeChanged(); });
 }
 
-void PanelModel::setSignedIn(bool signedIn)
-{
-    if (std::exchange(m_signedIn, signedIn) != signedIn) emit changed();
-}
-
-void PanelModel::setUpdate(const QString& version, bool installing)
-{
-    if (m_updateVersion == version && m_updateInstalling == installing) return;
-    m_updateVersion = version;
-    m_updateInstalling = installing;
-    emit changed();
-}
-
 } // namespace murmeli

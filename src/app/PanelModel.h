@@ -32,9 +32,6 @@ class PanelModel final : public QObject {
     Q_PROPERTY(QString time READ time NOTIFY timeChanged FINAL) ///< of the running recording, as "24:31"
     Q_PROPERTY(QString spokenTime READ spokenTime NOTIFY timeChanged FINAL)
     Q_PROPERTY(bool hoverOrb READ hoverOrb WRITE setHoverOrb NOTIFY changed FINAL)
-    Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed FINAL)
-    Q_PROPERTY(QString updateVersion READ updateVersion NOTIFY changed FINAL) ///< empty when there is none
-    Q_PROPERTY(bool updateInstalling READ updateInstalling NOTIFY changed FINAL)
     Q_PROPERTY(bool hasSettings READ hasSettings CONSTANT FINAL)
     Q_PROPERTY(QString version READ version CONSTANT FINAL)
 
@@ -62,9 +59,6 @@ public:
     [[nodiscard]] QString time() const;
     [[nodiscard]] QString spokenTime() const;
     [[nodiscard]] bool hoverOrb() const { return m_hoverOrb; }
-    [[nodiscard]] bool signedIn() const { return m_signedIn; }
-    [[nodiscard]] QString updateVersion() const { return m_updateVersion; }
-    [[nodiscard]] bool updateInstalling() const { return m_updateInstalling; }
     [[nodiscard]] static bool hasSettings() { return false; }
     [[nodiscard]] static QString version();
 
@@ -75,8 +69,6 @@ public:
     void setFormat(const QString& format);
     void setAutoRecord(bool on);
     void setHoverOrb(bool over);
-    void setSignedIn(bool signedIn);
-    void setUpdate(const QString& version, bool installing);
 
 signals:
     void changed();
@@ -88,8 +80,6 @@ signals:
     void meetingsRequested();
     void settingsRequested();
     void botRequested();
-    void signInRequested();
-    void signOutRequested();
     void updateRequested();
     void quitRequested();
 
@@ -107,10 +97,7 @@ private:
     QString m_format;
     bool m_autoRecord = true;
     bool m_hoverOrb = false;
-    int m_watchers = 0; ///< panels on screen
-    bool m_signedIn = false;
-    bool m_updateInstalling = false;
-    QString m_updateVersion;
+    int m_watchers = 0;               ///< panels on screen
     std::unique_ptr<QObject> m_clock; ///< while it lives, the time is told once a second
 };
 

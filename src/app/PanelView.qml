@@ -1,10 +1,12 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Window
+import Murmeli.Account
 import Murmeli.App
 import Murmeli.Localisation
 import Murmeli.Service
 import Murmeli.Ui
+import Murmeli.Update
 
 // The everyday face of Murmeli: what the service is doing, the record button, two preferences, delivery.
 Item {
@@ -13,6 +15,8 @@ Item {
     required property AppState appState
     required property RecordControl record
     required property PanelModel panel
+    required property AuthManager account
+    required property Updater updater
     property bool floating: true
     property bool open: false
 
@@ -145,16 +149,16 @@ Item {
                 }
                 Banner {
                     Layout.fillWidth: true
-                    shown: root.panel.updateVersion.length > 0
+                    shown: root.updater.available
                     accent: Theme.violet
                     ink: Theme.inkViolet
                     symbol: "arrow.down.circle.fill"
-                    title: L.t("update.subtitle.available", root.panel.updateVersion)
+                    title: L.t("update.subtitle.available", root.updater.latest)
                     action: PillButton {
-                        kind: root.panel.updateInstalling ? PillButton.Tinted : PillButton.Primary
-                        busy: root.panel.updateInstalling
-                        enabled: !root.panel.updateInstalling
-                        text: root.panel.updateInstalling ? L.t("update.action.installing") : L.t("update.action.install")
+                        kind: root.updater.busy ? PillButton.Tinted : PillButton.Primary
+                        busy: root.updater.busy
+                        enabled: !root.updater.busy
+                        text: root.updater.busy ? L.t("update.action.installing") : L.t("update.action.install")
                         onClicked: root.panel.updateRequested()
                     }
                 }
@@ -242,6 +246,7 @@ Item {
                     Layout.rightMargin: Theme.padPanel
                     Layout.bottomMargin: Theme.gapGroup
                     panel: root.panel
+                    account: root.account
                     appState: root.appState
                 }
                 PanelFooter {

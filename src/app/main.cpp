@@ -1,7 +1,12 @@
+#include "account/SignInAddress.h"
 #include "app/AppDelegate.h"
+#include "base/Http.h"
+#include "base/Processes.h"
 #include "base/Scheduler.h"
 #include "localisation/Language.h"
 #include "platform/Appearance.h"
+#include "platform/Installation.h"
+#include "platform/SignInSession.h"
 #include "platform/SingleInstance.h"
 #include "platform/StatusItem.h"
 #include "platform/WindowSystem.h"
@@ -15,6 +20,7 @@
 #include <QStandardPaths>
 
 #include <cstdio>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 using namespace murmeli;
@@ -29,6 +35,25 @@ QString runtimeFolder()
                                     : QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
 }
 
+struct Start {
+    bool forceSetup = false;
+    QString address; ///< of ours, with which a browser starts us; may hold tokens
+};
+
+/// Reads the arguments and wipes an address of ours from where the system shows them to others.
+Start startOf(int argc, char** argv)
+{
+    Start start;
+    for (int i = 1; i < argc; ++i) {
+        const QString argument = QString::fromLocal8Bit(argv[i]);
+        if (argument == "--setup"_L1) start.forceSetup = true;
+        if (!argument.startsWith(signIn::scheme + u':', Qt::CaseInsensitive)) continue;
+        start.address = argument;
+        std::memset(argv[i], 'x', std::strlen(argv[i]));
+    }
+    return start;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -39,10 +64,11 @@ int main(int argc, char* argv[])
         return 1;
     }
 
+    const Start start = startOf(argc, argv);
     SingleInstance instance{runtimeFolder()};
     if (!instance.isFirst()) {
         const QCoreApplication app{argc, argv};
-        instance.tellFirst(u"activate"_s);
+        instance.tellFirst(start.address.isEmpty() ? u"activate"_s : start.address);
         return 0;
     }
 
@@ -60,9 +86,21 @@ int main(int argc, char* argv[])
     SystemScheduler scheduler;
     Language language{prefs, workspace::preferredLanguages};
     Look look{nullptr};
+    NetworkHttp http;
+    SystemProcesses processes;
+    const auto signInSession = makeSignInSession();
     const auto statusItem = makeStatusItem();
-    AppDelegate delegate{paths, prefs, language, look, scheduler, *statusItem};
-    delegate.start();
+    AppDelegate delegate{{.paths = paths,
+                          .prefs = prefs,
+                          .language = language,
+                          .look = look,
+                          .scheduler = scheduler,
+                          .http = http,
+                          .processes = processes,
+                          .signInSession = *signInSession,
+                          .statusItem = *statusItem,
+                          .installation = installationOf(QCoreApplication::applicationFilePath())}};
+    delegate.start(start.forceSetup);
 
     // The icon stands; what follows may ask the desktop.
     const auto appearance = makeAppearance();

@@ -10,4 +10,7 @@ QtObject {
         return argument === undefined ? Language.text(language, key)
                                       : Language.text(language, key, String(argument));
     }
+    function spokenPercent(percent: int): string {
+        return Language.spokenPercent(language, percent);
+    }
 }

@@ -1,6 +1,7 @@
 #include "Language.h"
 
 #include "Texts.h"
+#include "base/Numbers.h"
 #include "service/Prefs.h"
 
 #include <QHash>
@@ -17,26 +18,26 @@ namespace {
 using Table = QHash<QString, QString>;
 
 template <std::size_t shared, std::size_t own>
-Table makeTable(const std::array<texts::Text, shared>& all, const std::array<texts::Text, own>& panel)
+Table makeTable(const std::array<texts::Text, shared>& all, const std::array<texts::Text, own>& screens)
 {
     Table table;
     table.reserve(qsizetype(shared + own));
     for (const auto& row : all)
         table.insert(QString::fromLatin1(row.key), QString::fromUtf16(row.text));
-    for (const auto& row : panel)
+    for (const auto& row : screens)
         table.insert(QString::fromLatin1(row.key), QString::fromUtf16(row.text));
     return table;
 }
 
 const Table& russianTable()
 {
-    static const Table table = makeTable(texts::russian, texts::russianPanel);
+    static const Table table = makeTable(texts::russian, texts::russianOwn);
     return table;
 }
 
 const Table& englishTable()
 {
-    static const Table table = makeTable(texts::english, texts::englishPanel);
+    static const Table table = makeTable(texts::english, texts::englishOwn);
     return table;
 }
 
@@ -77,6 +78,11 @@ QString Language::text(const QString& language, const QString& key)
 QString Language::text(const QString& language, const QString& key, const QString& argument)
 {
     return text(language, key).replace("%@"_L1, argument);
+}
+
+QString Language::spokenPercent(const QString& language, int percent)
+{
+    return numbers::spokenPercent(percent, language);
 }
 
 void Language::install(QQmlEngine& engine) { engine.setProperty(engineProperty, QVariant::fromValue(this)); }

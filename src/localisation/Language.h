@@ -49,6 +49,9 @@ public:
     /// Every "%@" is replaced by `argument`, which is taken literally.
     Q_INVOKABLE static QString text(const QString& language, const QString& key, const QString& argument);
 
+    /// As it is read out: "42 процента".
+    Q_INVOKABLE static QString spokenPercent(const QString& language, int percent);
+
     /// Hands this object to the views of `engine`, which must not outlive it.
     void install(QQmlEngine& engine);
     static Language* create(QQmlEngine* engine, QJSEngine*);

@@ -5,8 +5,8 @@
 namespace murmeli::texts {
 
 // The texts of the interface, in Russian and English: the 211 texts shared by all screens,
-// and beside them a second small table of the panel's and the tray's own texts, so that
-// the panel is English throughout too.
+// and beside them a second table of what single screens say, and of names that only
+// assistive technology reads.
 struct Text {
     const char* key;
     const char16_t* text;
@@ -14,7 +14,7 @@ struct Text {
 
 extern const std::array<Text, 211> russian, english;
 
-inline constexpr int panelTextCount = 49;
-extern const std::array<Text, panelTextCount> russianPanel, englishPanel;
+inline constexpr int ownTextCount = 69;
+extern const std::array<Text, ownTextCount> russianOwn, englishOwn;
 
 } // namespace murmeli::texts

@@ -24,6 +24,7 @@ struct Paths {
     QString accountFile;
     QString updateScript;
     QString python;
+    QString recorderScript; ///< the recorder's answers about permissions
     QString notificationsLog;
     QString appAgentFile;
 

@@ -12,6 +12,7 @@ Button {
     property real symbolSize: Theme.symbolRow
     property int side: Theme.iconButton
     property bool round: false
+    property bool filled: false
 
     implicitWidth: side
     implicitHeight: side
@@ -29,7 +30,8 @@ Button {
 
     background: Rectangle {
         radius: root.round ? height / 2 : Theme.rField
-        color: root.pressed ? Theme.press : root.hovered ? Theme.hover : Theme.clear
+        color: root.pressed ? Theme.press : root.filled ? (root.hovered ? Theme.fillHover : Theme.fill)
+            : root.hovered ? Theme.hover : Theme.clear
         FocusRing { shown: root.visualFocus; corner: parent.radius }
     }
     contentItem: Item {

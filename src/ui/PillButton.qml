@@ -13,7 +13,9 @@ Button {
     property string symbol
     property real symbolSize: Theme.symbolText
     property string help
+    property string spokenName: text // where the text alone does not say of what
     property bool busy: false
+    property bool strong: primary
     property int buttonHeight: Theme.buttonSmall
     readonly property bool primary: kind === PillButton.Primary
     readonly property color ink: primary ? Theme.white
@@ -31,7 +33,7 @@ Button {
     focusPolicy: Qt.TabFocus
 
     Accessible.role: Accessible.Button
-    Accessible.name: text
+    Accessible.name: spokenName
     Accessible.description: help
     Accessible.onPressAction: if (root.enabled) root.clicked()
     Keys.onReturnPressed: if (root.enabled) root.clicked()
@@ -81,9 +83,9 @@ Button {
             ink: root.ink
         }
         Label {
-            type: root.buttonHeight >= Theme.buttonLarge ? (root.primary ? Theme.buttonLargeStrong : Theme.buttonLargeType)
-                : root.buttonHeight <= Theme.buttonSmall ? (root.primary ? Theme.buttonSmallStrong : Theme.buttonSmallType)
-                : root.primary ? Theme.buttonStrong : Theme.button
+            type: root.buttonHeight >= Theme.buttonLarge ? (root.strong ? Theme.buttonLargeStrong : Theme.buttonLargeType)
+                : root.buttonHeight <= Theme.buttonSmall ? (root.strong ? Theme.buttonSmallStrong : Theme.buttonSmallType)
+                : root.strong ? Theme.buttonStrong : Theme.button
             text: root.text
             color: root.ink
             Accessible.ignored: true

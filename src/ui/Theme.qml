@@ -38,6 +38,8 @@ QtObject {
     readonly property color primaryHoverTo: "#4F75F0"
     readonly property color primaryPressedFrom: "#5F41DB"
     readonly property color primaryPressedTo: "#3B5DD2"
+    readonly property color badgeFrom: "#8467FF"
+    readonly property color badgeTo: "#4A72F3"
     readonly property color topLight: alpha(white, 0.28)
 
     // Surfaces.
@@ -46,6 +48,7 @@ QtObject {
     readonly property color bgPanel: dark ? "#16171D" : "#FBFBFC"
     readonly property color bgCard: dark ? "#191A21" : "#F5F5F8"
     readonly property color bgPanelCard: dark ? bgCard : "#FFFFFF"
+    readonly property color bgField: dark ? "#0D0E13" : "#FFFFFF"
     readonly property color bgPop: dark ? "#22242D" : "#FFFFFF"
     readonly property color segThumb: dark ? "#2C2E38" : "#FFFFFF"
 
@@ -57,6 +60,8 @@ QtObject {
     readonly property color fillHover: alpha(shade, dark ? 0.115 : 0.10)
     readonly property color line: alpha(shade, dark ? 0.065 : 0.08)
     readonly property color lineField: alpha(shade, dark ? 0.11 : 0.13)
+    readonly property color lineStrong: alpha(shade, dark ? 0.18 : 0.22)
+    readonly property color track: alpha(shade, 0.09)
     readonly property color segEdge: dark ? clear : alpha(shade, 0.12)
 
     readonly property color text1: dark ? "#F3F4F8" : "#17181F"
@@ -77,6 +82,12 @@ QtObject {
     function tintPressed(accent: color): color {
         return alpha(accent, dark ? 0.24 : 0.21);
     }
+    function tintSoft(accent: color): color {
+        return alpha(accent, dark ? 0.09 : 0.07);
+    }
+    function tintRow(accent: color): color {
+        return alpha(accent, 0.07);
+    }
     function tintBanner(accent: color): color {
         return alpha(accent, 0.10);
     }
@@ -87,6 +98,15 @@ QtObject {
     // Type: size and line in pixels, tracking in pixels.
     readonly property string family: "Inter"
     readonly property var panelTitle: ({ size: 18, line: 24, weight: Font.DemiBold, tracking: -0.3 })
+    readonly property var title: ({ size: 21, line: 27, weight: Font.Bold, tracking: -0.4 })
+    readonly property var head: ({ size: 15, line: 20, weight: Font.DemiBold, tracking: -0.15 })
+    readonly property var setting: ({ size: 13.5, line: 19, weight: Font.Medium, tracking: 0 })
+    readonly property var detail: ({ size: 12, line: 16, weight: Font.Normal, tracking: 0 })
+    readonly property var running: ({ size: 13.5, line: 20, weight: Font.Normal, tracking: 0 })
+    readonly property var lead: ({ size: 13, line: 18, weight: Font.Normal, tracking: -0.07 })
+    readonly property var subLoose: ({ size: 12.5, line: 18, weight: Font.Normal, tracking: 0 })
+    readonly property var granted: ({ size: 12.5, line: 17, weight: Font.Medium, tracking: 0 })
+    readonly property var fixedPitch: ({ size: 11, line: 14, weight: Font.Normal, tracking: 0, family: "DejaVu Sans Mono" })
     readonly property var timer: ({ size: 22, line: 26, weight: Font.DemiBold, tracking: -0.2 })
     readonly property var toastTitle: ({ size: 14, line: 19, weight: Font.DemiBold, tracking: -0.15 })
     readonly property var label: ({ size: 13, line: 18, weight: Font.Medium, tracking: -0.07 })
@@ -111,13 +131,24 @@ QtObject {
     readonly property int hair: 1
 
     // Shape.
+    readonly property int rLine: 3
     readonly property int rSmall: 8
+    readonly property int rTile: 14
     readonly property int rField: 9
     readonly property int rCard: 13
     readonly property int rToast: 16
     readonly property int rPanel: 18
     readonly property int focusWidth: 2
     readonly property int focusGap: 2
+
+    // Windows. Where the system draws their frame, nothing of it lies over the content.
+    readonly property int chromeInset: Qt.platform.os === "osx" ? 20 : 0
+    readonly property int padWindow: 28
+    readonly property int padUpdate: 26
+    readonly property int padCard: 14
+    readonly property int rowHeight: 56
+    readonly property int iconTile: 28
+    readonly property int scrollThumb: 6
 
     // The panel and its parts.
     readonly property int panelWidth: 340
@@ -169,6 +200,10 @@ QtObject {
     readonly property int pulseSlow: 1400
     readonly property int comet: 1100
     readonly property int spin: 900
+    readonly property int progress: reducedMotion ? quick : 400
+    readonly property int spring: 260
+    readonly property real springOvershoot: 1.95
+    readonly property int sink: reducedMotion ? 0 : 2
     readonly property int drop: reducedMotion ? 0 : 6
 
     // The orb's faces. Colours as [position, colour] stops.

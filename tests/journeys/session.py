@@ -12,6 +12,7 @@ import signal
 import subprocess
 import tempfile
 import unittest
+import urllib.request
 from contextlib import contextmanager
 from pathlib import Path
 
@@ -66,9 +67,10 @@ class Session:
 
     def __init__(self, *, tray=True, engine: list[str] | None = None, notes=True, language="ru",
                  prefs: dict | None = None, state: dict | None = None, portal: list[str] | None = None,
-                 program=True):
-        self._wants = {"tray": tray, "engine": engine, "portal": portal, "program": program}
-        self._makes = {"notes": notes, "prefs": prefs, "state": state}
+                 program=True, installed: bool | None = None, web: list[str] | None = None, keyring=False):
+        self._wants = {"tray": tray, "engine": engine, "portal": portal, "program": program, "web": web,
+                       "keyring": keyring}
+        self._makes = {"notes": notes, "prefs": prefs, "state": state, "installed": notes if installed is None else installed}
         self._language = language
         self._processes: list[tuple[str, subprocess.Popen]] = []
         self._logs: list = []
@@ -144,6 +146,8 @@ class Session:
         recorder.chmod(0o700)
         if self._makes["notes"]:
             self.logs.mkdir(parents=True)
+        if self._makes["installed"]:
+            self.pretend_installed()
         if self._makes["prefs"] is not None:
             self.write(self.prefs_file, self._makes["prefs"])
         if self._makes["state"] is not None:
@@ -173,6 +177,7 @@ class Session:
             "QT_QPA_PLATFORM": "xcb",
             "QT_QUICK_BACKEND": "software",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+            **self._addresses("http://127.0.0.1:9"),  # nobody is there until a web service is
         }
         self._start_display()
         configuration = self._folder / "bus.conf"
@@ -194,8 +199,17 @@ class Session:
             self.start_engine(*self._wants["engine"])
         if self._wants["portal"] is not None:
             self.start_portal(*self._wants["portal"])
+        if self._wants["keyring"]:
+            self.start_keyring()
+        if self._wants["web"] is not None:
+            self.start_web(*self._wants["web"])
         if self._wants["program"]:
             self.start_program()
+
+    @staticmethod
+    def _addresses(origin: str) -> dict[str, str]:
+        return {"MURMELI_WEB_ORIGIN": origin, "MURMELI_ACCOUNT_SITE": origin + "/account",
+                "MURMELI_BACKEND": origin, "MURMELI_BOT_LINK": origin + "/bot"}
 
     def _start_display(self) -> None:
         ours, theirs = os.pipe()
@@ -266,6 +280,40 @@ class Session:
                                  environment=environment)
         wait_for(self.state_file.exists, "the service's state")
         return self.engine
+
+    def start_web(self, *arguments: str) -> subprocess.Popen:
+        """The web service, the account site and the backend; the program's addresses lead there."""
+        environment = {**self.environment, "HOME": str(self._folder / "service"), "PYTHONUNBUFFERED": "1"}
+        log = self._folder / "web.log"
+        self.web = self.start("web", [PYTHON, str(REPOSITORY / "sandbox" / "web.py"), "--home", str(self.home),
+                                      "--port", "0", "--pace", "0.05", *arguments], environment=environment)
+        said = wait_for(lambda: re.search(r"ready at (http://\S+)", log.read_text("utf-8")), "the web service")
+        self.origin = said[1]
+        self.environment.update(self._addresses(self.origin))
+        return self.web
+
+    def ask_web(self, path: str, body: dict | None = None):
+        """What the sandbox's control answers; with a body it is told something."""
+        data = None if body is None else json.dumps(body).encode()
+        request = urllib.request.Request(self.origin + path, data, {"Content-Type": "application/json"})
+        with urllib.request.urlopen(request, timeout=10) as answer:
+            return json.loads(answer.read() or b"null")
+
+    def start_keyring(self) -> subprocess.Popen:
+        """A secret store that is open, on this session's bus."""
+        keyring = self.start("keyring", ["gnome-keyring-daemon", "--foreground", "--unlock", "--components=secrets"],
+                             stdin=subprocess.PIPE)
+        keyring.stdin.write(b"sandbox")
+        keyring.stdin.close()
+        wait_for(lambda: self.tree.session_has("org.freedesktop.secrets"), "the secret store")
+        return keyring
+
+    def pretend_installed(self) -> None:
+        """The files by which the program knows that an engine is there."""
+        python = self.notes / ".venv/bin/python"
+        python.parent.mkdir(parents=True)
+        python.symlink_to(PYTHON)
+        (self.home / ".cache/huggingface/hub").mkdir(parents=True)
 
     def start_portal(self, *arguments: str) -> subprocess.Popen:
         self.portal = self.start("portal", [PYTHON, str(Path(__file__).with_name("settings_portal.py")), *arguments],

@@ -4,6 +4,9 @@ set(MURMELI_PLATFORM_SOURCES
     linux/Appearance.cpp
     linux/ClickOutside.cpp
     linux/SessionBus.cpp linux/SessionBus.h
+    linux/SignInSession.cpp
     linux/StatusItem.cpp
-    linux/WindowSystem.cpp)
+    linux/SystemSettings.cpp
+    linux/WindowSystem.cpp
+    linux/Workspace.cpp)
 set(MURMELI_PLATFORM_LIBRARIES Qt6::DBus PkgConfig::XCB)

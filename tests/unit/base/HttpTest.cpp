@@ -1,9 +1,8 @@
 #include "base/Http.h"
 
 #include "registeredTests.h"
+#include "support/Server.h"
 
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
 
@@ -12,39 +11,6 @@
 using namespace Qt::StringLiterals;
 using namespace murmeli;
 using namespace std::chrono_literals;
-
-namespace {
-
-/// A loopback server that misbehaves on request and remembers what it was told.
-class Server : public QTcpServer {
-public:
-    Server()
-    {
-        listen(QHostAddress::LocalHost);
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            QTcpSocket* socket = nextPendingConnection();
-            connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
-                received += socket->readAll();
-                if (received.contains("\r\n\r\n")) reply(socket);
-            });
-        });
-    }
-    [[nodiscard]] QUrl url(const QString& path = u"/"_s) const
-    {
-        return QUrl{u"http://127.0.0.1:%1%2"_s.arg(serverPort()).arg(path)};
-    }
-
-    QByteArray received;
-    std::function<void(QTcpSocket*)> reply = [](QTcpSocket*) {};
-};
-
-QByteArray answer(int status, const QByteArray& body, const QByteArray& headers = {})
-{
-    return "HTTP/1.1 " + QByteArray::number(status) +
-           " X\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n" + headers + "\r\n" + body;
-}
-
-} // namespace
 
 class HttpTest : public QObject {
     Q_OBJECT
@@ -55,7 +21,9 @@ private slots:
     void sendsWhatItIsGivenAndNothingElse()
     {
         Server server;
-        server.reply = [](QTcpSocket* s) { s->write(answer(200, "{}", "Set-Cookie: a=b\r\n")); };
+        server.reply = [](QTcpSocket* s, const auto&) {
+            s->write(Server::answer(200, "{}", "Set-Cookie: a=b\r\n"));
+        };
         send({.method = "PATCH",
               .url = server.url(u"/x?y=1"_s),
               .headers = {{"Prefer", "return=minimal"}},
@@ -64,23 +32,24 @@ private slots:
         QTRY_VERIFY(m_answer);
         QVERIFY(m_answer->ok());
         QCOMPARE(m_answer->body, "{}"_ba);
-        QVERIFY(server.received.startsWith("PATCH /x?y=1 HTTP/1.1\r\n"));
-        QVERIFY(server.received.contains("Prefer: return=minimal\r\n"));
-        QVERIFY(server.received.contains("Authorization: Bearer token\r\n"));
-        QVERIFY(server.received.endsWith("{\"a\":1}"));
+        const Server::Request request = server.requests.takeFirst();
+        QCOMPARE(request.method, "PATCH"_ba);
+        QCOMPARE(request.path, "/x?y=1"_ba);
+        QCOMPARE(request.header("Prefer"), "return=minimal"_ba);
+        QCOMPARE(request.header("Authorization"), "Bearer token"_ba);
+        QCOMPARE(request.body, "{\"a\":1}"_ba);
 
-        server.received.clear();
         m_answer.reset();
         send({.url = server.url()});
         QTRY_VERIFY(m_answer);
-        QVERIFY(!server.received.contains("Cookie"));
-        QVERIFY(!server.received.contains("Authorization"));
+        QVERIFY(!server.requests.constFirst().head.contains("Cookie"));
+        QVERIFY(!server.requests.constFirst().head.contains("Authorization"));
     }
 
     void errorStatusesAreAnswers()
     {
         Server server;
-        server.reply = [](QTcpSocket* s) { s->write(answer(500, "{\"why\":1}")); };
+        server.reply = [](QTcpSocket* s, const auto&) { s->write(Server::answer(500, "{\"why\":1}")); };
         send({.url = server.url()});
         QTRY_VERIFY(m_answer);
         QCOMPARE(m_answer->failure, HttpAnswer::Failure::None);
@@ -92,19 +61,18 @@ private slots:
     void aTokenNeverLeavesItsOrigin()
     {
         Server other;
-        other.reply = [](QTcpSocket* s) { s->write(answer(200, "{}")); };
+        other.reply = [](QTcpSocket* s, const auto&) { s->write(Server::answer(200, "{}")); };
         Server server;
-        server.reply = [&](QTcpSocket* s) {
-            s->write(answer(302, "", "Location: " + other.url().toEncoded() + "\r\n"));
+        server.reply = [&](QTcpSocket* s, const auto&) {
+            s->write(Server::answer(302, "", "Location: " + other.url().toEncoded() + "\r\n"));
         };
         send({.url = server.url(), .bearer = "token"});
         QTRY_VERIFY(m_answer);
         QCOMPARE(m_answer->failure, HttpAnswer::Failure::Redirect);
-        QVERIFY(other.received.isEmpty());
+        QVERIFY(other.requests.isEmpty());
         QVERIFY(!m_answer->errorText.contains(u"token"_s));
 
         m_answer.reset();
-        server.received.clear();
         send({.url = server.url()}); // without a token there is nothing to lose
         QTRY_VERIFY(m_answer);
         QVERIFY(m_answer->ok());
@@ -125,7 +93,7 @@ private slots:
         QFETCH(QString, fault);
         Server server;
         QTimer feed;
-        server.reply = [&](QTcpSocket* s) {
+        server.reply = [&](QTcpSocket* s, const auto&) {
             if (fault == u"reset"_s) s->abort();
             if (fault != u"trickle"_s && fault != u"endless"_s) return;
             s->write("HTTP/1.1 200 OK\r\nContent-Length: 10000000000\r\n\r\n");
@@ -147,7 +115,7 @@ private slots:
         auto context = std::make_unique<QObject>();
         bool gone = false;
         bool wrong = false;
-        server.reply = [&](QTcpSocket* s) {
+        server.reply = [&](QTcpSocket* s, const auto&) {
             connect(s, &QTcpSocket::disconnected, this, [&] { gone = true; });
             context.reset();
         };

@@ -76,7 +76,7 @@ private slots:
     void bothTablesHoldTheSameKeysAndPlaceholders()
     {
         compareTables(texts::russian, texts::english);
-        compareTables(texts::russianPanel, texts::englishPanel);
+        compareTables(texts::russianOwn, texts::englishOwn);
     }
 
 private:

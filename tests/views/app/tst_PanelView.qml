@@ -20,6 +20,8 @@ TestCase {
             appState: fixture.appState
             record: fixture.record
             panel: fixture.panel
+            account: fixture.account
+            updater: fixture.updater
             open: true
         }
     }
@@ -65,13 +67,13 @@ TestCase {
             { tag: "signed out", state: "{}", shown: ["Войти в Murmeli"], hidden: ["аккаунт Murmeli", "Выйти из аккаунта Murmeli"] },
             { tag: "signed in", state: idle, signedIn: true, shown: ["аккаунт Murmeli", "Выйти из аккаунта Murmeli", "Телеграм: подключён"], hidden: ["Войти в Murmeli"] },
             { tag: "signed in without Telegram", state: "{}", signedIn: true, shown: ["аккаунт Murmeli"], hidden: ["Телеграм: подключён"] },
-            { tag: "update", state: "{}", update: "0.9.0", shown: ["Доступна новая версия (0.9.0)", "Обновить"], hidden: [] }
+            { tag: "update", state: recording, update: "0.9.0", shown: ["Доступна новая версия (0.9.0)", "Обновить"], hidden: [] }
         ];
     }
     function test_states(data) {
         if (data.signedIn) fixture.signIn();
-        if (data.update) fixture.offerUpdate(data.update, false);
         fixture.serviceWrites(data.state);
+        if (data.update) fixture.publishRelease(data.update); // a running recording keeps it from being installed
         for (const name of data.shown) tryVerify(() => shows(name), 2000, name);
         for (const name of data.hidden) tryVerify(() => !shows(name), 2000, name);
     }
@@ -164,7 +166,8 @@ TestCase {
     }
 
     function test_updateBusyCannotBePressedTwice() {
-        fixture.offerUpdate("0.9.0", false);
+        fixture.serviceWrites('{"status":"recording"}');
+        fixture.publishRelease("0.9.0");
         let asked = 0;
         const count = () => ++asked;
         fixture.panel.updateRequested.connect(count);
@@ -173,10 +176,12 @@ TestCase {
         tryCompare(banner, "unfolded", 1);
         mouseClick(named("Обновить"));
         compare(asked, 1);
-        fixture.offerUpdate("0.9.0", true);
+        fixture.updater.runUpdate();
         const button = named("Устанавливаем…");
         mouseClick(button);
         compare(asked, 1);
+        fixture.advance(90000);
+        tryVerify(() => !shows("Устанавливаем…"));
         fixture.panel.updateRequested.disconnect(count);
     }
 

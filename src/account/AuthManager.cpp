@@ -1,0 +1,178 @@
+#include "AuthManager.h"
+
+#include "Keychain.h"
+#include "SignInAddress.h"
+#include "base/Background.h"
+#include "base/Scheduler.h"
+#include "base/Text.h"
+#include "platform/SignInSession.h"
+#include "platform/Workspace.h"
+
+#include <memory>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+const QString accessKey = u"murmeli_access_token"_s;
+const QString refreshKey = u"murmeli_refresh_token"_s;
+const QString emailKey = u"murmeli_email"_s;
+
+constexpr auto storePatience = 3s;
+constexpr auto attemptTime = 15min;
+
+} // namespace
+
+AuthManager::AuthManager(Place place, Backend backend, Http& http, SignInSession& session,
+                         Scheduler& scheduler, QObject* parent)
+    : QObject(parent),
+      m_place(std::move(place)),
+      m_backend(std::move(backend)),
+      m_http(http),
+      m_signInSession(session),
+      m_scheduler(scheduler)
+{
+    m_writer.setMaxThreadCount(1);
+    m_scheduler.after(0ms, this, [this] { restore(); });
+}
+
+AuthManager::~AuthManager() = default;
+
+bool AuthManager::takesAddress() const { return signingIn() && m_signInSession.usesBrowser(); }
+
+void AuthManager::restore()
+{
+    const auto found = std::make_shared<accountFile::Session>();
+    keychain::load(refreshKey, this,
+                   [found](const auto& value) { found->refreshToken = value.value_or(QString{}); });
+    keychain::load(emailKey, this, [found](const auto& value) { found->email = value.value_or(QString{}); });
+    keychain::load(accessKey, this, [this, found](const auto& value) {
+        // Also when a locked store was opened long after the start.
+        if (m_decided) return;
+        found->accessToken = value.value_or(QString{});
+        if (found->accessToken.isEmpty()) {
+            importFromFile();
+        } else {
+            adopt(*found, accountFile::Tokens::FromFile);
+        }
+    });
+    m_scheduler.after(storePatience, this, [this] { importFromFile(); });
+}
+
+void AuthManager::importFromFile()
+{
+    const auto read = [path = m_place.accountFile] { return accountFile::session(accountFile::read(path)); };
+    inBackground(this, read, [this](const std::optional<accountFile::Session>& session) {
+        if (m_decided || !session) return;
+        keep(*session);
+        adopt(*session, accountFile::Tokens::FromFile);
+    });
+}
+
+void AuthManager::keep(const accountFile::Session& session)
+{
+    keychain::save(accessKey, session.accessToken);
+    keychain::save(refreshKey, session.refreshToken);
+    keychain::save(emailKey, session.email);
+}
+
+void AuthManager::adopt(const accountFile::Session& session, accountFile::Tokens tokens)
+{
+    m_decided = true;
+    m_session = session;
+    registerDevice();
+    syncAccount(tokens);
+    emit changed();
+}
+
+void AuthManager::login()
+{
+    const QUrl page{m_place.accountSite + u"?flow=app"_s};
+    if (!page.isValid()) return;
+    m_attempt = ++m_lastAttempt;
+    m_addressRefused = false;
+    m_scheduler.after(attemptTime, this, [this, attempt = m_attempt] {
+        if (attempt == m_attempt) cancelLogin();
+    });
+    m_signInSession.start(page, signIn::scheme, [this](const QString& address) { handle(address); });
+    emit changed();
+}
+
+void AuthManager::cancelLogin()
+{
+    m_attempt = 0;
+    m_addressRefused = false;
+    emit changed();
+}
+
+bool AuthManager::handle(const QString& address)
+{
+    if (!signingIn()) return false;
+    const auto values = signIn::values(address);
+    const accountFile::Session session =
+        values ? accountFile::Session{values->value(u"access_token"_s), values->value(u"refresh_token"_s),
+                                      values->value(u"email"_s)}
+               : accountFile::Session{};
+    if (session.accessToken.isEmpty()) return false;
+    m_attempt = 0;
+    m_addressRefused = false;
+    keep(session);
+    adopt(session, accountFile::Tokens::FromSession);
+    emit didLogin();
+    return true;
+}
+
+void AuthManager::paste(const QString& text)
+{
+    if (handle(text::trimmed(text))) return;
+    m_addressRefused = signingIn();
+    emit changed();
+}
+
+void AuthManager::logout()
+{
+    keychain::remove(accessKey);
+    keychain::remove(refreshKey);
+    keychain::remove(emailKey);
+    m_decided = true;
+    m_session = {};
+    ++m_sync; // an answer that is still on its way belongs to nobody now
+    emit changed();
+}
+
+void AuthManager::openAccount() const { workspace::openUrl(QUrl{m_place.accountSite}); }
+
+void AuthManager::registerDevice()
+{
+    const QString name = m_place.computerName.isEmpty() ? u"Mac"_s : m_place.computerName;
+    m_http.send(m_backend.request("POST", u"/rest/v1/rpc/register_device"_s, m_session.accessToken,
+                                  {{u"p_name"_s, name}}),
+                this, [](const HttpAnswer&) {}); // tried again at the next start
+}
+
+void AuthManager::syncAccount(accountFile::Tokens tokens)
+{
+    const auto accountId = signIn::subject(m_session.accessToken);
+    if (!accountId) return;
+    const quint64 sync = ++m_sync;
+    // A new session reaches the service at once: the answer may take a minute, and the store may be missing.
+    if (tokens == accountFile::Tokens::FromSession) writeFile(*accountId, {}, tokens);
+    m_http.send(m_backend.request("GET", u"/rest/v1/telegram_links?select=chat_id"_s, m_session.accessToken),
+                this, [this, sync, tokens, id = *accountId](const HttpAnswer& answer) {
+                    if (sync == m_sync) writeFile(id, accountFile::chatIn(answer.body), tokens);
+                });
+}
+
+void AuthManager::writeFile(const QString& accountId, const accountFile::Chat& chat,
+                            accountFile::Tokens tokens)
+{
+    std::ignore = QtConcurrent::run(&m_writer, [=, path = m_place.accountFile, session = m_session] {
+        return accountFile::update(path, session, accountId, chat, tokens);
+    });
+}
+
+} // namespace murmeli

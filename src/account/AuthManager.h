@@ -1,0 +1,98 @@
+#pragma once
+
+#include "AccountFile.h"
+#include "Backend.h"
+
+#include <QObject>
+#include <QThreadPool>
+#include <QtQml/qqmlregistration.h>
+
+namespace murmeli {
+
+class Http;
+class Scheduler;
+class SignInSession;
+
+/// The one account session: signs in through the account site, keeps the tokens in the secret store, and
+/// hands them on to the recording service in account.json. Failures are silent; what was known stays. Tokens
+/// are renewed by the service alone. Main thread only.
+class AuthManager final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to each view")
+    Q_PROPERTY(bool isAuthed READ isAuthed NOTIFY changed FINAL)
+    Q_PROPERTY(QString email READ email NOTIFY changed FINAL)
+    Q_PROPERTY(bool signingIn READ signingIn NOTIFY changed FINAL) ///< the browser has been sent to the site
+    Q_PROPERTY(bool takesAddress READ takesAddress NOTIFY changed FINAL) ///< an address may be pasted
+    Q_PROPERTY(bool addressRefused READ addressRefused NOTIFY changed FINAL)
+
+public:
+    struct Place {
+        QString accountSite; ///< address of the account site
+        QString accountFile; ///< path of account.json
+        QString computerName;
+    };
+
+    /// Restores the last session from the event loop: from the secret store, else from account.json, also
+    /// when the store does not answer within three seconds.
+    AuthManager(Place place, Backend backend, Http& http, SignInSession& session, Scheduler& scheduler,
+                QObject* parent = nullptr);
+    ~AuthManager() override;
+    Q_DISABLE_COPY_MOVE(AuthManager)
+
+    [[nodiscard]] bool isAuthed() const { return !m_session.accessToken.isEmpty(); }
+    [[nodiscard]] QString email() const { return m_session.email; }
+    [[nodiscard]] bool signingIn() const { return m_attempt != 0; }
+    [[nodiscard]] bool takesAddress() const;
+    [[nodiscard]] bool addressRefused() const { return m_addressRefused; }
+
+    /// For requests to the backend; empty when signed out. Never for a log, an argument or an error text.
+    [[nodiscard]] QString accessToken() const { return m_session.accessToken; }
+    [[nodiscard]] const Backend& backend() const { return m_backend; }
+
+    /// Opens the sign-in page. The attempt ends with the address that comes back, or after a quarter of an
+    /// hour.
+    Q_INVOKABLE void login();
+    Q_INVOKABLE void cancelLogin();
+
+    /// Takes the address that ends a sign-in. \return false, with nothing changed, when no sign-in is under
+    /// way (any web page may send such an address) or when it carries no access token.
+    bool handle(const QString& address);
+
+    /// The same for an address that the user pastes; says when it is refused.
+    Q_INVOKABLE void paste(const QString& text);
+
+    /// Forgets the session here. account.json stays, so that the service can still deliver.
+    Q_INVOKABLE void logout();
+
+    /// The account site in the default browser.
+    Q_INVOKABLE void openAccount() const;
+
+signals:
+    void changed();
+    void didLogin(); ///< after a completed sign-in, not after a restored one
+
+private:
+    void restore();
+    void importFromFile();
+    void adopt(const accountFile::Session& session, accountFile::Tokens tokens);
+    void keep(const accountFile::Session& session);
+    void registerDevice();
+    void syncAccount(accountFile::Tokens tokens);
+    void writeFile(const QString& accountId, const accountFile::Chat& chat, accountFile::Tokens tokens);
+
+    Place m_place;
+    Backend m_backend;
+    Http& m_http;
+    SignInSession& m_signInSession;
+    Scheduler& m_scheduler;
+    accountFile::Session m_session;
+    quint64 m_lastAttempt = 0;
+    quint64 m_attempt = 0; ///< the sign-in under way; 0: none
+    quint64 m_sync = 0;    ///< the latest; an older one's answer is dropped
+    bool m_addressRefused = false;
+    bool m_decided = false; ///< the user has signed in or out, or a session was restored
+    QThreadPool m_writer;   ///< one thread, so that files are written in the order of the calls
+};
+
+} // namespace murmeli

@@ -1,0 +1,57 @@
+#include "SetupWindowController.h"
+
+#include "AppWindow.h"
+#include "update/Updater.h"
+
+#include <QQuickItem>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+SetupWindowController::SetupWindowController(const Paths& paths, SetupRunner::Place place,
+                                             Processes& processes, Scheduler& scheduler, QQmlEngine& engine,
+                                             Language& language, Updater& updater)
+    : m_runner(std::move(place), processes, scheduler),
+      m_permissions(paths, processes),
+      m_updater(updater),
+      m_needed(SetupRunner::needed(paths)),
+      m_window(std::make_unique<AppWindow>(
+          engine, language,
+          AppWindow::View{.url = u"qrc:/qt/qml/Murmeli/Setup/SetupView.qml"_s,
+                          .properties = {{u"runner"_s, QVariant::fromValue(&m_runner)},
+                                         {u"perms"_s, QVariant::fromValue(&m_permissions)},
+                                         {u"updater"_s, QVariant::fromValue(&updater)}},
+                          .titleKey = u"setup.title"_s,
+                          .size = {560, 720}}))
+{
+    if (QQuickItem* view = m_window->rootObject()) connect(view, SIGNAL(done()), this, SLOT(finish()));
+    connect(&m_runner, &SetupRunner::changed, this, [this, wasRunning = false]() mutable {
+        const bool ended = std::exchange(wasRunning, m_runner.isRunning()) && !m_runner.isRunning();
+        if (!ended) return;
+        m_permissions.refresh(); // only now is there anyone to ask
+        m_window->present();
+    });
+}
+
+SetupWindowController::~SetupWindowController() = default;
+
+void SetupWindowController::show()
+{
+    if (!m_updater.runningFromDiskImage()) {
+        if (m_needed) {
+            m_runner.start();
+        } else {
+            m_runner.markReady();
+        }
+    }
+    m_window->present();
+}
+
+void SetupWindowController::finish()
+{
+    m_window->close();
+    emit done();
+}
+
+} // namespace murmeli

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+
+namespace murmeli {
+
+class Processes;
+struct Paths;
+
+/// Whether the recorder may use the microphone and record the screen. The system ties both to the process
+/// that records, so its own script is asked, and never while it records. Main thread only.
+class PermissionsModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to each view")
+    Q_PROPERTY(State microphone READ microphone NOTIFY changed FINAL)
+    Q_PROPERTY(State screen READ screen NOTIFY changed FINAL)
+    Q_PROPERTY(bool askingMicrophone READ askingMicrophone NOTIFY changed FINAL)
+    Q_PROPERTY(bool askingScreen READ askingScreen NOTIFY changed FINAL)
+    Q_PROPERTY(bool screenLooksStale READ screenLooksStale NOTIFY changed FINAL)
+    Q_PROPERTY(bool settingsMissing READ settingsMissing NOTIFY changed FINAL)
+    Q_PROPERTY(bool allGranted READ allGranted NOTIFY changed FINAL)
+    Q_PROPERTY(QStringList missingTitleKeys READ missingTitleKeys NOTIFY changed FINAL)
+
+public:
+    enum class Kind { Microphone, Screen };
+    Q_ENUM(Kind)
+    enum class State { Granted, Denied, NotAsked, Unknown };
+    Q_ENUM(State)
+
+    /// Shows the desktop's page for a permission; false where there is none.
+    using OpenSettings = std::function<bool(Kind)>;
+
+    /// Asks for the state now and whenever the program becomes the active one.
+    PermissionsModel(const Paths& paths, Processes& processes, OpenSettings openSettings = openSystemSettings,
+                     QObject* parent = nullptr);
+
+    [[nodiscard]] State microphone() const { return m_microphone; }
+    [[nodiscard]] State screen() const { return m_screen; }
+    [[nodiscard]] bool askingMicrophone() const { return m_asking == Asking::Microphone; }
+    [[nodiscard]] bool askingScreen() const { return m_asking == Asking::Screen; }
+    /// A request for the screen ended without a grant: the system's entry is likely that of an earlier build.
+    [[nodiscard]] bool screenLooksStale() const { return m_screenLooksStale; }
+    /// The desktop had no page to show.
+    [[nodiscard]] bool settingsMissing() const { return m_settingsMissing; }
+    [[nodiscard]] bool allGranted() const;
+    [[nodiscard]] QStringList missingTitleKeys() const;
+
+    Q_INVOKABLE void refresh();
+
+    /// Has the system ask the user; where it would not ask again, or after a refusal, shows its settings.
+    Q_INVOKABLE void request(murmeli::PermissionsModel::Kind kind);
+
+    Q_INVOKABLE void openSettings(murmeli::PermissionsModel::Kind kind);
+
+signals:
+    void changed();
+
+private:
+    enum class Asking { Nothing, Microphone, Screen };
+
+    static bool openSystemSettings(Kind kind);
+    void run(const QString& flag, bool userDecides, std::function<void(const QByteArray&)> done);
+    void apply(const QByteArray& output);
+    [[nodiscard]] bool recordingNow() const;
+    [[nodiscard]] State stateOf(Kind kind) const;
+
+    QString m_python;
+    QString m_script;
+    QString m_stateFile;
+    Processes& m_processes;
+    OpenSettings m_openSettings;
+    State m_microphone = State::Unknown; ///< also before the first answer
+    State m_screen = State::Unknown;
+    Asking m_asking = Asking::Nothing;
+    bool m_screenLooksStale = false;
+    bool m_settingsMissing = false;
+};
+
+} // namespace murmeli

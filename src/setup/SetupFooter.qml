@@ -1,0 +1,105 @@
+import QtQuick
+import Murmeli.Localisation
+import Murmeli.Permissions
+import Murmeli.Setup
+import Murmeli.Ui
+
+// What can be done now.
+Item {
+    id: root
+
+    required property SetupRunner runner
+    required property PermissionsModel perms
+    required property bool diskImage
+
+    signal done()
+
+    readonly property bool failed: !diskImage && !runner.finished && runner.failed
+    readonly property bool finished: !diskImage && runner.finished
+
+    function focusFirst(): void {
+        if (failed) retry.forceActiveFocus(Qt.OtherFocusReason);
+        else if (finished) start.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
+    implicitHeight: 64
+    onFailedChanged: if (failed) focusFirst()
+    onFinishedChanged: if (finished) focusFirst()
+
+    Rectangle {
+        width: parent.width
+        height: Theme.hair
+        color: Theme.line
+    }
+    Label {
+        anchors { left: parent.left; leftMargin: Theme.padWindow; right: parent.right; rightMargin: Theme.padWindow }
+        anchors.verticalCenter: parent.verticalCenter
+        visible: root.diskImage
+        type: Theme.sub
+        color: Theme.text3
+        text: L.t("setup.footer.dmg")
+    }
+    Row {
+        anchors { left: parent.left; leftMargin: Theme.padWindow; verticalCenter: parent.verticalCenter }
+        visible: !root.diskImage && !root.failed && !root.finished
+        spacing: 9
+        Spinner { anchors.verticalCenter: parent.verticalCenter }
+        Label {
+            type: Theme.sub
+            color: Theme.text2
+            text: L.t("setup.footer.wait")
+        }
+    }
+    Row {
+        id: failure
+        anchors { left: parent.left; leftMargin: Theme.padWindow; verticalCenter: parent.verticalCenter }
+        visible: root.failed
+        spacing: Theme.gapGroup
+        PillButton {
+            id: retry
+            kind: PillButton.Primary
+            buttonHeight: Theme.buttonLarge
+            text: L.t("setup.action.retry")
+            onClicked: root.runner.start()
+        }
+        PillButton {
+            buttonHeight: Theme.buttonLarge
+            text: L.t("setup.action.log")
+            onClicked: root.runner.openLog()
+        }
+    }
+    Label {
+        anchors { left: failure.right; leftMargin: 16; right: parent.right; rightMargin: Theme.padWindow }
+        anchors.verticalCenter: parent.verticalCenter
+        visible: root.failed
+        type: Theme.fixedPitch
+        color: Theme.text3
+        text: root.runner.tail
+        Accessible.role: Accessible.AlertMessage
+    }
+    Row {
+        anchors { left: parent.left; leftMargin: Theme.padWindow; verticalCenter: parent.verticalCenter }
+        visible: root.finished && !root.perms.allGranted
+        spacing: Theme.gapIcon
+        Symbol {
+            anchors.verticalCenter: parent.verticalCenter
+            size: Theme.symbolText
+            name: "exclamationmark.triangle"
+            ink: Theme.inkPink
+        }
+        Label {
+            type: Theme.sub
+            color: Theme.inkPink
+            text: L.t("permissions.subtitle.missing", root.perms.missingTitleKeys.map(key => L.t(key)).join(", "))
+        }
+    }
+    PillButton {
+        id: start
+        anchors { right: parent.right; rightMargin: Theme.padWindow; verticalCenter: parent.verticalCenter }
+        visible: root.finished
+        kind: PillButton.Primary
+        buttonHeight: Theme.buttonLarge
+        text: root.perms.allGranted ? L.t("setup.action.start") : L.t("setup.action.start_anyway")
+        onClicked: root.done()
+    }
+}

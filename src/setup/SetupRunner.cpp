@@ -1,0 +1,221 @@
+#include "SetupRunner.h"
+
+#include "base/Files.h"
+#include "base/Processes.h"
+#include "base/Scheduler.h"
+#include "base/Text.h"
+#include "platform/Workspace.h"
+#include "service/Paths.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QStringDecoder>
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr auto publishInterval = 16ms;
+constexpr qsizetype tailLength = 90; // characters
+const QString marker = u"@@"_s;
+
+/// A whole number with an optional sign, and nothing else.
+std::optional<int> wholeNumber(const QString& text)
+{
+    const bool plain =
+        std::ranges::all_of(text, [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'-' || c == u'+'; });
+    bool good = false;
+    const int number = text.toInt(&good);
+    return plain && good ? std::optional{number} : std::nullopt;
+}
+
+} // namespace
+
+SetupRunner::SetupRunner(Place place, Processes& processes, Scheduler& scheduler, QObject* parent)
+    : QAbstractListModel(parent), m_place(std::move(place)), m_processes(processes), m_scheduler(scheduler)
+{
+}
+
+SetupRunner::~SetupRunner() = default;
+
+bool SetupRunner::needed(const Paths& paths)
+{
+    return !QFileInfo::exists(paths.python) || !QFileInfo::exists(paths.modelsMarker);
+}
+
+QString SetupRunner::installCommand(const QString& webOrigin)
+{
+    return u"set -o pipefail; curl -fsSL %1/app/install.sh | MURMELI_UI=1 bash"_s.arg(webOrigin);
+}
+
+QString SetupRunner::strip(const QString& line)
+{
+    static const QRegularExpression terminalCodes{u"\x1b\\[[0-9;]*[A-Za-z]"_s};
+    QString plain = line;
+    return text::trimmed(plain.remove(terminalCodes).remove(u'\r'));
+}
+
+double SetupRunner::overallPercent() const
+{
+    double sum = 0;
+    for (const StepState& state : m_states) {
+        if (state.kind == StepState::Done) sum += 1;
+        if (state.kind == StepState::Running) sum += state.percent.value_or(0) / 100.0;
+    }
+    return std::min(sum / double(m_states.size()), 1.0);
+}
+
+void SetupRunner::start()
+{
+    if (isRunning()) return;
+    m_finished = false;
+    m_failed = false;
+    m_failedStep.reset();
+    m_states.fill({});
+    m_task = std::make_unique<QObject>();
+    QDir{}.mkpath(QFileInfo{m_place.logFile}.path());
+    QFile::remove(m_place.logFile);
+    m_processes.run({.program = u"/bin/bash"_s,
+                     .arguments = {u"-c"_s, installCommand(m_place.webOrigin)},
+                     .onOutput = [this](const QByteArray& chunk) { read(chunk); }},
+                    m_task.get(), [this](const ProcessResult& result) {
+                        if (result.outcome == ProcessResult::Outcome::NotStarted)
+                            m_failedStep = SetupStep::System;
+                        m_task.release()->deleteLater(); // it is this very call's context
+                        ended(result.ok());
+                    });
+    publish();
+}
+
+void SetupRunner::cancel()
+{
+    if (!isRunning()) return;
+    m_task.reset();
+    ended(false);
+}
+
+void SetupRunner::markReady()
+{
+    if (isRunning() || m_finished) return;
+    m_states.fill({.kind = StepState::Done});
+    m_finished = true;
+    m_failed = false;
+    m_failedStep.reset();
+    publish();
+}
+
+void SetupRunner::openLog() const { workspace::openUrl(QUrl::fromLocalFile(m_place.logFile)); }
+
+void SetupRunner::read(const QByteArray& chunk)
+{
+    std::ignore = files::append(m_place.logFile, chunk); // a log that cannot be written stops no installation
+    QStringDecoder decoder{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
+    const QString text = decoder(chunk);
+    if (decoder.hasError()) return;
+    // Reads are not joined, so that a line without its end is shown as soon as it is there.
+    for (const QString& line : text.split(u'\n', Qt::SkipEmptyParts))
+        handle(line);
+    publishSoon();
+}
+
+void SetupRunner::handle(const QString& line)
+{
+    if (line.startsWith(marker)) {
+        handleMarker(line.mid(marker.size()).split(u'|'));
+        return;
+    }
+    const QString plain = strip(line);
+    if (!plain.isEmpty()) m_tail = text::first(plain, tailLength);
+}
+
+void SetupRunner::handleMarker(const QStringList& fields)
+{
+    if (fields.size() < 2) return;
+    const auto step = setupSteps::byRawValue(fields[1]);
+    if (!step) return;
+    StepState& state = m_states.at(size_t(*step));
+    if (fields[0] == "start"_L1) {
+        state = {.kind = StepState::Running};
+    } else if (fields[0] == "progress"_L1) {
+        state = {.kind = StepState::Running, .percent = wholeNumber(fields.value(2))};
+    } else if (fields[0] == "done"_L1) {
+        state = {.kind = StepState::Done};
+    } else if (fields[0] == "fail"_L1) {
+        state = {.kind = StepState::Failed};
+        m_failedStep = step;
+    }
+}
+
+void SetupRunner::ended(bool success)
+{
+    if (success) {
+        m_states.fill({.kind = StepState::Done});
+        m_finished = true;
+    } else {
+        m_failed = true;
+        const auto* const blamed = std::ranges::find_if(
+            allSetupSteps, [this](SetupStep step) { return state(step).kind != StepState::Done; });
+        if (!m_failedStep && blamed != allSetupSteps.end()) m_failedStep = *blamed;
+    }
+    publish();
+}
+
+void SetupRunner::publishSoon()
+{
+    if (std::exchange(m_publishing, true)) return;
+    m_scheduler.after(publishInterval, this, [this] {
+        if (m_publishing) publish();
+    });
+}
+
+void SetupRunner::publish()
+{
+    m_publishing = false;
+    emit dataChanged(index(0), index(rowCount() - 1));
+    emit changed();
+}
+
+StepState::Kind SetupRunner::shownKind(SetupStep step) const
+{
+    const StepState::Kind kind = state(step).kind;
+    if (m_failed && step == m_failedStep) return StepState::Failed;
+    return kind == StepState::Running && !isRunning() ? StepState::Waiting : kind;
+}
+
+int SetupRunner::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : int(allSetupSteps.size());
+}
+
+QVariant SetupRunner::data(const QModelIndex& index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    const SetupStep step = allSetupSteps.at(size_t(index.row()));
+    switch (role) {
+    case LabelKeyRole:
+        return setupSteps::labelKey(step);
+    case SymbolRole:
+        return setupSteps::symbol(step);
+    case KindRole:
+        return int(shownKind(step));
+    case PercentRole:
+        return state(step).percent.value_or(-1);
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> SetupRunner::roleNames() const
+{
+    return {{LabelKeyRole, "labelKey"}, {SymbolRole, "symbol"}, {KindRole, "kind"}, {PercentRole, "percent"}};
+}
+
+} // namespace murmeli

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "SetupStep.h"
+
+#include <QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
+
+#include <memory>
+
+namespace murmeli {
+
+class Processes;
+class Scheduler;
+struct Paths;
+
+/// Installs the local engine: runs the service's installer in a shell and follows its marker lines. As a list
+/// it holds the steps and how each goes. Main thread only; views are told of changes some 60 times a second
+/// at most, however fast the installer talks.
+class SetupRunner final : public QAbstractListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to the setup window")
+    Q_PROPERTY(bool running READ isRunning NOTIFY changed FINAL)
+    Q_PROPERTY(bool finished READ isFinished NOTIFY changed FINAL)
+    Q_PROPERTY(bool failed READ hasFailed NOTIFY changed FINAL)
+    Q_PROPERTY(QString tail READ tail NOTIFY changed FINAL) ///< the last plain line of output
+    Q_PROPERTY(double overallPercent READ overallPercent NOTIFY changed FINAL) ///< 0 … 1
+
+public:
+    enum Role { LabelKeyRole = Qt::UserRole, SymbolRole, KindRole, PercentRole };
+    /// As StepState::Kind, for views.
+    enum class Kind { Waiting = StepState::Waiting, Running, Done, Failed };
+    Q_ENUM(Kind)
+
+    struct Place {
+        QString webOrigin; ///< where the installer is fetched from
+        QString logFile;   ///< holds the whole output of the latest run; its folder is made
+    };
+
+    SetupRunner(Place place, Processes& processes, Scheduler& scheduler, QObject* parent = nullptr);
+    ~SetupRunner() override;
+    Q_DISABLE_COPY_MOVE(SetupRunner)
+
+    /// Whether the engine or its models are missing.
+    static bool needed(const Paths& paths);
+
+    /// What the shell runs. When fetching the installer fails, so does the whole.
+    static QString installCommand(const QString& webOrigin);
+
+    /// Without terminal codes, carriage returns and white space at both ends.
+    static QString strip(const QString& line);
+
+    [[nodiscard]] StepState state(SetupStep step) const { return m_states.at(size_t(step)); }
+    [[nodiscard]] bool isRunning() const { return bool(m_task); }
+    [[nodiscard]] bool isFinished() const { return m_finished; }
+    [[nodiscard]] std::optional<SetupStep> failedStep() const { return m_failedStep; }
+    /// The run ended without success, whether or not a step is to blame.
+    [[nodiscard]] bool hasFailed() const { return m_failed; }
+    [[nodiscard]] QString tail() const { return m_tail; }
+    [[nodiscard]] double overallPercent() const;
+    [[nodiscard]] QString logFile() const { return m_place.logFile; }
+
+    /// Runs the installer from its beginning; it skips by itself what is done. Nothing while it runs.
+    Q_INVOKABLE void start();
+
+    /// Ends the installer and all that it started; the step at work is then the failed one.
+    void cancel();
+
+    /// Everything counts as done, unless an installation runs or has succeeded.
+    void markReady();
+
+    Q_INVOKABLE void openLog() const;
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+signals:
+    void changed();
+
+private:
+    void read(const QByteArray& chunk);
+    void handle(const QString& line);
+    void handleMarker(const QStringList& fields);
+    void ended(bool success);
+    /// After a failure nothing turns any more, and the step to blame is shown as such.
+    [[nodiscard]] StepState::Kind shownKind(SetupStep step) const;
+    void publish();
+    void publishSoon();
+
+    Place m_place;
+    Processes& m_processes;
+    Scheduler& m_scheduler;
+    std::array<StepState, allSetupSteps.size()> m_states;
+    bool m_finished = false;
+    bool m_failed = false;
+    std::optional<SetupStep> m_failedStep;
+    QString m_tail;
+    std::unique_ptr<QObject> m_task; ///< the run under way; the installer ends with it
+    bool m_publishing = false;
+};
+
+} // namespace murmeli

@@ -1,0 +1,171 @@
+#include "Updater.h"
+
+#include "base/Dates.h"
+#include "base/Http.h"
+#include "base/Json.h"
+#include "base/Processes.h"
+#include "base/Scheduler.h"
+#include "base/Text.h"
+#include "platform/Workspace.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr auto firstCheck = 30s;
+constexpr auto checkInterval = 1h;
+constexpr auto installTime = 90s;
+constexpr qint64 recordLimit = 256 * 1024; // bytes; a release record has a few thousand
+
+/// The components of a version; what is no whole number counts as 0.
+QList<qint64> components(const QString& version)
+{
+    QList<qint64> numbers;
+    for (const QString& piece : version.split(u'.', Qt::SkipEmptyParts)) {
+        // Only digits with a sign: toLongLong() would take white space too.
+        const bool plain = std::ranges::all_of(
+            piece, [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'-' || c == u'+'; });
+        numbers.append(plain ? piece.toLongLong() : 0);
+    }
+    return numbers;
+}
+
+} // namespace
+
+Updater::Updater(Place place, Http& http, Processes& processes, Scheduler& scheduler, StatusProvider status,
+                 QObject* parent)
+    : QObject(parent),
+      m_place(std::move(place)),
+      m_http(http),
+      m_processes(processes),
+      m_scheduler(scheduler),
+      m_status(std::move(status))
+{
+}
+
+bool Updater::isNewer(const QString& a, const QString& b)
+{
+    const QList<qint64> left = components(a);
+    const QList<qint64> right = components(b);
+    for (qsizetype at = 0; at < std::max(left.size(), right.size()); ++at) {
+        if (left.value(at) != right.value(at)) return left.value(at) > right.value(at);
+    }
+    return false;
+}
+
+QStringList Updater::paragraphs() const
+{
+    QStringList paragraphs;
+    for (const QString& line : m_notes.split(u'\n', Qt::SkipEmptyParts)) {
+        if (const QString paragraph = text::trimmed(line); !paragraph.isEmpty()) paragraphs.append(paragraph);
+    }
+    return paragraphs;
+}
+
+QString Updater::titleKey() const
+{
+    switch (m_phase) {
+    case Phase::UpToDate:
+        return u"update.title.uptodate"_s;
+    case Phase::Available:
+    case Phase::Installing:
+        return u"update.title.available"_s;
+    case Phase::Failed:
+        return u"update.title.failed"_s;
+    case Phase::Idle:
+    case Phase::Checking:
+        break;
+    }
+    return u"update.title.checking"_s;
+}
+
+QString Updater::subtitleKey() const
+{
+    switch (m_phase) {
+    case Phase::UpToDate:
+        return u"update.subtitle.uptodate"_s;
+    case Phase::Available:
+        return u"update.subtitle.available"_s;
+    case Phase::Installing:
+        return u"update.subtitle.installing"_s;
+    case Phase::Failed:
+        return u"update.subtitle.failed"_s;
+    case Phase::Idle:
+    case Phase::Checking:
+        break;
+    }
+    return u"update.subtitle.checking"_s;
+}
+
+QString Updater::subtitleVersion() const { return m_phase == Phase::UpToDate ? current() : m_latest; }
+
+QString Updater::timeText(const QDateTime& moment, const QString& language)
+{
+    return dates::bySkeleton(moment, language, u"Hm"_s);
+}
+
+void Updater::setPhase(Phase phase)
+{
+    if (!m_busy) m_phase = phase;
+    emit changed();
+}
+
+void Updater::check()
+{
+    const QUrl url{m_place.versionUrl};
+    if (!url.isValid()) return;
+    m_scheduler.after(0ms, this, [this] { setPhase(Phase::Checking); });
+    m_http.send({.url = url, .timeout = 60s, .answerLimit = recordLimit}, this,
+                [this](const HttpAnswer& answer) { take(answer.body); });
+}
+
+void Updater::take(const QByteArray& record)
+{
+    const auto object = json::object(record);
+    const auto version = object ? json::optionalText(*object, "version"_L1) : std::nullopt;
+    if (!version) {
+        setPhase(Phase::Failed);
+        return;
+    }
+    m_latest = *version;
+    m_available = isNewer(*version, current());
+    m_notes = json::text(*object, "notes"_L1);
+    m_released = json::text(*object, "released"_L1);
+    m_lastChecked = QDateTime::fromMSecsSinceEpoch(qint64(m_scheduler.now() * 1000));
+    setPhase(m_available ? Phase::Available : Phase::UpToDate);
+    if (m_available && replaceable() && m_status() != "recording"_L1) runUpdate();
+}
+
+void Updater::runUpdate()
+{
+    if (m_busy || !replaceable()) return;
+    m_phase = Phase::Installing;
+    m_busy = true;
+    // A missing script fails into its log; there is nobody to wait for either way.
+    m_processes.startDetached(
+        u"/bin/bash"_s,
+        {u"-c"_s, u"nohup bash \"%1\" >/tmp/murmeli-update.log 2>&1 &"_s.arg(m_place.script)});
+    m_scheduler.after(installTime, this, [this] {
+        if (!std::exchange(m_busy, false)) return;
+        m_available = false;
+        setPhase(Phase::UpToDate);
+    });
+    emit changed();
+}
+
+void Updater::reveal() const { workspace::reveal(bundlePath(), u"/Applications"_s); }
+
+void Updater::startAutoCheck()
+{
+    m_scheduler.after(firstCheck, this, [this] { check(); });
+    m_autoTimer = std::make_unique<QObject>();
+    m_scheduler.every(checkInterval, m_autoTimer.get(), [this] { check(); });
+}
+
+} // namespace murmeli

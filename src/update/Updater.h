@@ -1,0 +1,120 @@
+#pragma once
+
+#include "platform/Installation.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QStringList>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+#include <memory>
+
+namespace murmeli {
+
+class Http;
+class Processes;
+class Scheduler;
+
+/// Finds out whether a newer release is published, and has it installed by the shared script, which outlives
+/// the program. Main thread only.
+class Updater final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to each view")
+    Q_PROPERTY(Phase phase READ phase NOTIFY changed FINAL)
+    Q_PROPERTY(bool available READ available NOTIFY changed FINAL)
+    Q_PROPERTY(QString latest READ latest NOTIFY changed FINAL)
+    Q_PROPERTY(bool busy READ busy NOTIFY changed FINAL)
+    Q_PROPERTY(QStringList paragraphs READ paragraphs NOTIFY changed FINAL) ///< of the release notes
+    Q_PROPERTY(QString released READ released NOTIFY changed FINAL)
+    Q_PROPERTY(
+        QDateTime lastChecked READ lastChecked NOTIFY changed FINAL) ///< invalid until a check succeeds
+    Q_PROPERTY(QString titleKey READ titleKey NOTIFY changed FINAL)
+    Q_PROPERTY(QString subtitleKey READ subtitleKey NOTIFY changed FINAL)
+    Q_PROPERTY(QString subtitleVersion READ subtitleVersion NOTIFY changed FINAL) ///< the version it names
+    Q_PROPERTY(bool canInstall READ canInstall NOTIFY changed FINAL)
+    Q_PROPERTY(QString current READ current CONSTANT FINAL)
+    Q_PROPERTY(QString bundlePath READ bundlePath CONSTANT FINAL)
+    Q_PROPERTY(bool runningFromDiskImage READ runningFromDiskImage CONSTANT FINAL)
+    Q_PROPERTY(bool packageManaged READ packageManaged CONSTANT FINAL)
+
+public:
+    enum class Phase { Idle, Checking, UpToDate, Available, Installing, Failed };
+    Q_ENUM(Phase)
+
+    struct Place {
+        QString versionUrl; ///< address of the release record
+        QString script;     ///< path of the installer
+        QString current;    ///< the running version
+        Installation installation;
+    };
+    /// The service's status at this moment, which may be "recording".
+    using StatusProvider = std::function<QString()>;
+
+    Updater(
+        Place place, Http& http, Processes& processes, Scheduler& scheduler,
+        StatusProvider status = [] { return QStringLiteral("idle"); }, QObject* parent = nullptr);
+
+    /// Whether `a` is a higher version than `b`: decimal components joined by dots, missing ones count as 0
+    /// and so do pieces that are no number.
+    static bool isNewer(const QString& a, const QString& b);
+
+    [[nodiscard]] Phase phase() const { return m_phase; }
+    [[nodiscard]] bool available() const { return m_available; }
+    [[nodiscard]] QString latest() const { return m_latest; }
+    [[nodiscard]] bool busy() const { return m_busy; }
+    [[nodiscard]] QString notes() const { return m_notes; }
+    [[nodiscard]] QStringList paragraphs() const;
+    [[nodiscard]] QString released() const { return m_released; }
+    [[nodiscard]] QDateTime lastChecked() const { return m_lastChecked; }
+    [[nodiscard]] QString current() const { return m_place.current; }
+    [[nodiscard]] QString bundlePath() const { return m_place.installation.bundlePath; }
+    [[nodiscard]] bool runningFromDiskImage() const { return m_place.installation.fromDiskImage; }
+    [[nodiscard]] bool packageManaged() const { return m_place.installation.packageManaged; }
+    [[nodiscard]] QString titleKey() const;
+    [[nodiscard]] QString subtitleKey() const;
+    [[nodiscard]] QString subtitleVersion() const;
+    /// Whether there is something to install and it is ours to replace.
+    [[nodiscard]] bool canInstall() const { return m_available && replaceable(); }
+
+    /// "14:05", as `language` writes it.
+    Q_INVOKABLE static QString timeText(const QDateTime& moment, const QString& language);
+
+    /// Asks for the release record. A newer version is installed at once, unless a recording runs or the
+    /// program's files are not ours to replace.
+    Q_INVOKABLE void check();
+
+    /// Starts the installer once; after 90 s it is no longer waited for.
+    Q_INVOKABLE void runUpdate();
+
+    /// Selects the program in the file browser.
+    Q_INVOKABLE void reveal() const;
+
+    /// Checks half a minute from now and then every hour. To be called once.
+    void startAutoCheck();
+
+signals:
+    void changed();
+
+private:
+    [[nodiscard]] bool replaceable() const { return !runningFromDiskImage() && !packageManaged(); }
+    void take(const QByteArray& record);
+    void setPhase(Phase phase);
+
+    Place m_place;
+    Http& m_http;
+    Processes& m_processes;
+    Scheduler& m_scheduler;
+    StatusProvider m_status;
+    Phase m_phase = Phase::Idle;
+    bool m_available = false;
+    QString m_latest;
+    bool m_busy = false;
+    QString m_notes;
+    QString m_released;
+    QDateTime m_lastChecked;
+    std::unique_ptr<QObject> m_autoTimer; ///< while it lives, the hourly check repeats
+};
+
+} // namespace murmeli

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "account/AuthManager.h"
+#include "app/KeyPanel.h"
+#include "app/PanelModel.h"
+#include "base/Files.h"
+#include "base/Http.h"
+#include "base/ManualScheduler.h"
+#include "base/Processes.h"
+#include "localisation/Language.h"
+#include "permissions/PermissionsModel.h"
+#include "platform/SignInSession.h"
+#include "service/Prefs.h"
+#include "setup/SetupRunner.h"
+#include "support/Desktop.h"
+#include "support/Server.h"
+#include "ui/Look.h"
+#include "update/Updater.h"
+
+#include <QDir>
+#include <QQmlEngine>
+#include <QTemporaryDir>
+
+namespace murmeli {
+
+/// The state objects of the whole program in a home of their own. The clock stands still until a test moves
+/// it; nothing here touches the desktop, its secret store or the network beyond the loopback.
+struct Program {
+    explicit Program(
+        const Installation& installation = {.bundlePath = QStringLiteral("/opt/murmeli/bin/murmeli")})
+        : updater({.versionUrl = server.origin() + QStringLiteral("/app/version.json"),
+                   .script = paths.updateScript,
+                   .current = QStringLiteral("0.8.0"),
+                   .installation = installation},
+                  http, processes, scheduler, [this] { return state.status(); })
+    {
+        scheduler.advance(std::chrono::milliseconds{0});
+    }
+
+    void write(const QString& path, const QByteArray& content) const
+    {
+        QDir{}.mkpath(QFileInfo{path}.path());
+        if (!files::writeAtomic(path, content)) qFatal("The temporary home cannot be written");
+    }
+
+    /// What the update server says from now on; the next check reads it.
+    void publish(const QByteArray& record)
+    {
+        server.reply = [record](QTcpSocket* socket, const Server::Request&) {
+            socket->write(Server::answer(200, record));
+        };
+    }
+
+    void signIn()
+    {
+        account.login();
+        account.handle(QStringLiteral("murmeli://auth#access_token=a&email=anna%40example.org"));
+    }
+
+    void install(QQmlEngine& engine)
+    {
+        engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+        language.install(engine);
+        look.install(engine);
+    }
+
+    KeyPanel::Parts panelParts() { return {state, record, panel, account, updater}; }
+
+    bool noBus = qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    Desktop desktop;
+    Server server;
+    QTemporaryDir home;
+    Paths paths{home.path()};
+    bool made = QDir{}.mkpath(paths.logs);
+    ManualScheduler scheduler;
+    Prefs prefs{paths.prefsFile};
+    Language language{prefs, [] { return QStringList{}; }};
+    Look look{nullptr};
+    NetworkHttp http;
+    SystemProcesses processes;
+    std::unique_ptr<SignInSession> signInSession = makeSignInSession();
+    AppState state{paths, scheduler};
+    RecordControl record{paths, state, scheduler};
+    PanelModel panel{state, record, prefs, language, scheduler};
+    AuthManager account{
+        {.accountSite = QStringLiteral("http://127.0.0.1:1/account"), .accountFile = paths.accountFile},
+        {.base = QStringLiteral("http://127.0.0.1:1")},
+        http,
+        *signInSession,
+        scheduler};
+    Updater updater;
+};
+
+} // namespace murmeli
