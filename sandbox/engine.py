@@ -232,13 +232,16 @@ def main() -> int:
     except homes.Refused as refusal:
         print(f"sandbox: refused: {refusal}", file=sys.stderr, flush=True)
         return 1
-    with open(home.root / ".sandbox-engine.lock", "w") as lock:
+    with open(home.root / ".sandbox-engine.lock", "a") as lock:
         # Two services in one home would each handle the same command.
         try:
             fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
         except OSError:
             print(f"sandbox: refused: another engine runs in {home.folder}", file=sys.stderr, flush=True)
             return 1
+        lock.truncate(0)
+        lock.write(str(os.getpid()))
+        lock.flush()
         engine = Engine(home, arguments.processing_seconds, max(arguments.poll_seconds, 0.01),
                         arguments.seed, not arguments.no_telegram, faults)
         for number in (signal.SIGTERM, signal.SIGINT):

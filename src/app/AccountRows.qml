@@ -121,9 +121,10 @@ ColumnLayout {
         text: L.t("panel.sign_in")
         onClicked: root.account.login()
     }
-    SignInAddress {
+    Loader { // few sign in twice
         Layout.fillWidth: true
-        visible: root.account.takesAddress
-        account: root.account
+        active: root.account.takesAddress
+        visible: active
+        sourceComponent: SignInAddress { account: root.account }
     }
 }

@@ -152,6 +152,7 @@ QString PanelModel::time() const
 
 QString PanelModel::spokenTime() const
 {
+    if (!m_state.isRecording()) return {}; // nobody reads it, and saying numbers takes megabytes
     return m_language.t(u"panel.timer.spoken"_s,
                         dates::spokenDuration(elapsedSeconds(), m_language.current()));
 }

@@ -42,8 +42,12 @@ Button {
             ink: root.hovered || root.pressed ? Theme.text1 : Theme.text2
         }
     }
-    HelpTip {
-        visible: root.hovered && !root.pressed
-        text: root.help
+    Loader { // a pop-up is large, and most are never seen
+        anchors.fill: parent
+        active: root.hovered
+        sourceComponent: HelpTip {
+            visible: root.hovered && !root.pressed
+            text: root.help
+        }
     }
 }

@@ -92,6 +92,9 @@ class Screen:
     def key(self, *keys: str) -> None:
         self._run("xdotool", "key", *keys)
 
+    def type(self, text: str) -> None:
+        self._run("xdotool", "type", "--delay", "4", text)
+
     # Windows and pixels.
 
     def icon(self) -> Rectangle | None:

@@ -44,6 +44,14 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus
 OPENED_RECORDER = '#!/bin/sh\nprintf "%s\\n" "$1" >> "{file}"\n'
 
 
+def command_line(pid: int) -> str:
+    """As everybody on the machine may read it; empty once the process has ended."""
+    try:
+        return Path(f"/proc/{pid}/cmdline").read_bytes().replace(b"\0", b" ").decode("utf-8", "replace").strip()
+    except OSError:
+        return ""
+
+
 def selection_has_owner(display: str, name: str) -> bool:
     """Whether a compositor or a tray has announced itself on the display."""
     x11 = ctypes.CDLL("libX11.so.6")
@@ -77,6 +85,11 @@ class Session:
         self._has_tray = False
 
     # What the journey looks at.
+
+    @property
+    def folder(self) -> Path:
+        """The session's own; the home is one of the folders in it."""
+        return self._folder
 
     @property
     def notes(self) -> Path:
@@ -115,6 +128,20 @@ class Session:
 
     def status(self) -> str:
         return self.state()["status"]
+
+    def processes_in_home(self) -> dict[int, str]:
+        """What lives in this session's home, by process number, and how it was called."""
+        found = {}
+        for folder in Path("/proc").glob("[0-9]*"):
+            try:
+                if f"HOME={self.home}".encode() in (folder / "environ").read_bytes().split(b"\0"):
+                    found[int(folder.name)] = command_line(int(folder.name))
+            except OSError:
+                continue  # it has ended meanwhile, or is somebody else's
+        return found
+
+    def program_log(self) -> str:
+        return (self._folder / "murmeli.log").read_text("utf-8")
 
     def opened_urls(self) -> list[str]:
         return self._opened_file.read_text("utf-8").splitlines() if self._opened_file.exists() else []
@@ -285,10 +312,11 @@ class Session:
         """The web service, the account site and the backend; the program's addresses lead there."""
         environment = {**self.environment, "HOME": str(self._folder / "service"), "PYTHONUNBUFFERED": "1"}
         log = self._folder / "web.log"
+        said_before = log.stat().st_size if log.exists() else 0
         self.web = self.start("web", [PYTHON, str(REPOSITORY / "sandbox" / "web.py"), "--home", str(self.home),
                                       "--port", "0", "--pace", "0.05", *arguments], environment=environment)
-        said = wait_for(lambda: re.search(r"ready at (http://\S+)", log.read_text("utf-8")), "the web service")
-        self.origin = said[1]
+        said = wait_for(lambda: re.search(rb"ready at (http://\S+)", log.read_bytes()[said_before:]), "the web service")
+        self.origin = said[1].decode()
         self.environment.update(self._addresses(self.origin))
         return self.web
 
@@ -406,6 +434,18 @@ class Session:
     def look_away(self) -> None:
         """Takes the pointer off the panel, so that nothing is hovered."""
         self.screen.move(300, 700)
+
+    def put_in_clipboard(self, text: str) -> None:
+        owner = self.start("clipboard", ["xclip", "-quiet", "-selection", "clipboard", "-in"], stdin=subprocess.PIPE)
+        owner.stdin.write(text.encode())
+        owner.stdin.close()
+
+        def holds() -> bool:
+            told = subprocess.run(["xclip", "-selection", "clipboard", "-out"], env=self.environment, timeout=10,
+                                  stdin=subprocess.DEVNULL, capture_output=True, check=False)
+            return told.stdout == text.encode()
+
+        wait_for(holds, "the clipboard to hold the text")
 
     def press(self, role: str, name) -> None:
         self.screen.click(*self.tree.wait(role, name).extents.middle)

@@ -38,18 +38,32 @@ class Tour:
         print(f"The sandbox holds {len(summaries)} sample meetings. The icon stands in the tray.", flush=True)
         subprocess.run(["xsetroot", "-solid", "#23242C"], env=session.environment, check=True)
 
+        self.step("The setup installs the engine from the sandbox, step by step.")
+        session.tree.wait("push button", "Всё равно начать", 60)
+        self.picture("setup")
+        session.press("push button", "Разрешить: Микрофон")
+        session.tree.wait("panel", "Микрофон, доступ есть")
+        session.press("push button", "Разрешить: Запись экрана")
+        session.tree.wait("push button", "Начать")
+        self.picture("permissions")
+        session.press("push button", "Начать")
+        session.wait_open()
+        session.press_icon()
+        session.wait_closed()
+
         self.step("A click on the icon opens the panel.")
         session.open_panel()
         self.tell(session.state_file)
         self.picture("panel")
 
         self.step("A press on the orb asks the service to record.")
-        os.kill(session.engine.pid, signal.SIGSTOP)  # so that the request can be seen before it is taken
+        engine = int((session.notes / ".sandbox-engine.lock").read_text())
+        os.kill(engine, signal.SIGSTOP)  # so that the request can be seen before it is taken
         session.press("push button", "Начать запись")
         wait_for(session.command_file.exists, "the request")
         self.tell(session.command_file)
         self.picture("starting")
-        os.kill(session.engine.pid, signal.SIGCONT)
+        os.kill(engine, signal.SIGCONT)
         wait_for(lambda: session.status() == "recording", "the service to record")
         wait_for(lambda: tray.is_bright_red(session), "the red icon")
         wait_for(lambda: tray.is_dim_red(session), "the icon to blink")
@@ -85,11 +99,11 @@ class Tour:
 def main() -> int:
     folder = Path(sys.argv[1] if len(sys.argv) > 1 else "build/tour")
     folder.mkdir(parents=True, exist_ok=True)
-    with Session(program=False) as session:
+    arguments = "--engine-arguments=--poll-seconds 0.05 --processing-seconds 4"
+    with Session(program=False, installed=False, keyring=True, web=[arguments]) as session:
         subprocess.run([PYTHON, str(REPOSITORY / "sandbox" / "library.py"), "--home", str(session.home)],
                        env={**session.environment, "HOME": str(session.home.parent)}, check=True,
                        stdout=subprocess.DEVNULL)
-        session.start_engine("--processing-seconds", "4")
         session.start_program()
         Tour(session, folder).play()
     print(f"\nThat was the tour. The pictures are in {folder}.")
