@@ -27,14 +27,13 @@ class User:
     id: str
     email: str
     name: str
-    glossary: tuple[str, ...]
+    glossary: str | None  # one rule or term a line
 
 
 USERS = (
     User("5a1e6c1e-0b52-4f0e-9d5c-6f0f5a3c7a01", "anna@example.org", "Анна Кузнецова",
-         ("Квен -> Qwen", "кубер -> Kubernetes", "Вектор", "ФОТ")),
-    User("b7c0d9f4-3e1a-4c57-8a66-21d4e8b95f02", "pavel@example.org", "Павел Орлов",
-         ("эс эл эй -> SLA", "постгрес -> PostgreSQL", "Северный склад")),
+         "Квен → Qwen\nкубер → Kubernetes\nВектор\nФОТ"),
+    User("b7c0d9f4-3e1a-4c57-8a66-21d4e8b95f02", "pavel@example.org", "Павел Орлов", None),
 )
 
 
@@ -110,11 +109,15 @@ class Accounts:
         self.lock = threading.Lock()
         saved = homes.read_object(file) or {}
         self.users = {user.email: self.fresh(user) | saved.get(user.email, {}) for user in USERS}
+        for kept in self.users.values():
+            profile = kept["profile"]
+            if isinstance(profile["glossary"], list):  # a home that was kept before the column became a text
+                profile["glossary"] = "\n".join(profile["glossary"]).replace(" -> ", " → ") or None
 
     @staticmethod
     def fresh(user: User) -> dict:
         profile = {"id": user.id, "email": user.email, "full_name": user.name,
-                   "glossary": list(user.glossary), "locale": "ru", "updated_at": now_text()}
+                   "glossary": user.glossary, "locale": "ru", "updated_at": now_text()}
         return {"profile": profile, "chat_id": None, "devices": {}}
 
     def get(self, user: User, member: str):

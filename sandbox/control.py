@@ -73,6 +73,7 @@ class Control:
             "release": lambda: self.releases.release,
             "telegram": lambda: {user.email: self.kept.get(user, "chat_id") for user in accounts.USERS},
             "devices": lambda: {user.email: self.kept.get(user, "devices") for user in accounts.USERS},
+            "glossary": lambda: {user.email: self.kept.get(user, "profile")["glossary"] for user in accounts.USERS},
             "permissions": lambda: native_rec.read(self.home),
             "faults": self.faults.shown,
             "install": lambda: {"fail_at": self.scripts.fail_at},
@@ -84,6 +85,7 @@ class Control:
         return {
             "release": self.change_release,
             "telegram": self.change_telegram,
+            "glossary": self.change_glossary,
             "permissions": lambda body: permissions.change(self.home, body),
             "faults": self.change_fault,
             "install": self.change_install,
@@ -101,6 +103,13 @@ class Control:
             raise ValueError(f"{chat_id!r} is no chat")
         self.kept.bind(named_user(body), chat_id)
         return self.shown()["telegram"]()
+
+    def change_glossary(self, body: dict) -> dict:
+        glossary = body.get("glossary")
+        if not isinstance(glossary, str | None):
+            raise ValueError("a glossary is a text")
+        self.kept.change_profile(named_user(body), {"glossary": glossary})
+        return self.shown()["glossary"]()
 
     def change_fault(self, body: dict) -> dict:
         path, fault = body.get("path"), body.get("fault")
@@ -136,6 +145,7 @@ class Control:
             "<h2>Published release</h2>", release_form(shown["release"]),
             "<h2>Telegram</h2>", *(telegram_form(email, chat) for email, chat in shown["telegram"].items()),
             devices_line(shown["devices"]),
+            "<h2>Glossaries</h2>", *(glossary_form(email, text) for email, text in shown["glossary"].items()),
             "<h2>Permissions</h2>", permissions_form(shown["permissions"]),
             "<h2>Faults</h2>", *(fault_form(path, fault) for path, fault in shown["faults"].items()), NEW_FAULT,
             "<h2>Installation</h2>", install_form(shown["install"]["fail_at"]),
@@ -187,6 +197,12 @@ def telegram_form(email: str, chat_id: int | None) -> str:
 def devices_line(devices: dict) -> str:
     known = [f"{email}: {', '.join(names)}" for email, names in devices.items() if names]
     return f"<p>Devices: {escape('; '.join(known) or 'none')}</p>"
+
+
+def glossary_form(email: str, glossary: str | None) -> str:
+    return form("glossary", f'<input type="hidden" name="email" value="{escape(email)}"><label '
+                f'style="flex-basis: 100%">{escape(email)}<textarea name="glossary" data-json rows="2">'
+                f'{json_text(glossary)}</textarea></label>')
 
 
 def permissions_form(state: dict) -> str:

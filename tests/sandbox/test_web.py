@@ -159,10 +159,10 @@ class Backend(WebCase):
             ("PATCH", own, "[" * 90000, 400, "PGRST102"),
             ("PATCH", own, "", 400, "PGRST102"),
             ("PATCH", own, '{"shoe_size":4}', 400, "PGRST204"),
-            ("PATCH", own, '{"glossary":"Qwen"}', 400, "22P02"),
-            ("PATCH", own, '{"glossary":[1]}', 400, "22P02"),
+            ("PATCH", own, '{"glossary":["Qwen"]}', 400, "22P02"),
+            ("PATCH", own, '{"full_name":7}', 400, "22P02"),
             ("PATCH", own, f'{{"id":"{PAVEL.id}"}}', 403, "42501"),
-            ("PATCH", "/rest/v1/profiles", '{"glossary":[]}', 400, "21000"),
+            ("PATCH", "/rest/v1/profiles", '{"glossary":{}}', 400, "22P02"),
         )
         for method, path, body, status, code in cases:
             with self.subTest(method, path=path, body=(body or "")[:30]):
@@ -179,10 +179,10 @@ class Backend(WebCase):
             self.assertEqual(list(row), ["glossary", "id"])
             return row["glossary"]
 
-        others = glossary(pavel)
-        self.assertIn("Квен -> Qwen", glossary(anna))
+        self.assertIn("Квен → Qwen\n", glossary(anna))
+        self.assertIsNone(glossary(pavel))
         minimal = {"Prefer": "return=minimal"}
-        new = ["Квен -> Qwen", "кавычки \" и \\", "😀"]
+        new = "Квен → Qwen\nкавычки \" и \\\n😀"
         path = f"/rest/v1/profiles?id=eq.{ANNA.id}"
         reply = web.ask("PATCH", path, json.dumps({"glossary": new}), anna | minimal)
         self.assertEqual((reply.status, reply.body, reply.headers["Content-Length"]), (204, b"", None))
@@ -190,11 +190,34 @@ class Backend(WebCase):
 
         reply = web.ask("PATCH", path + "&select=full_name,glossary", '{"full_name":"Анна"}', anna)
         self.assertEqual((reply.status, reply.json()), (200, [{"full_name": "Анна", "glossary": new}]))
-        reply = web.ask("PATCH", path, '{"glossary":[]}', pavel)
+        reply = web.ask("PATCH", path, '{"glossary":"x"}', pavel)
         self.assertEqual((reply.status, reply.json()), (200, []))
-        self.assertEqual((glossary(anna), glossary(pavel)), (new, others))
+        self.assertEqual(web.shown("glossary"), {ANNA.email: new, PAVEL.email: None})
         single = web.ask("GET", path, headers=anna | {"Accept": "application/vnd.pgrst.object+json"}).json()
         self.assertEqual((single["id"], single["full_name"]), (ANNA.id, "Анна"))
+
+    def test_which_row_a_change_reaches(self):
+        web = self.web()
+        headers = web.as_user(PAVEL) | {"Prefer": "return=minimal"}
+        annas = web.shown("glossary")[ANNA.email]
+        for number, (query, changed) in enumerate((
+                ("", True), (f"?id=eq.{PAVEL.id}", True), (f"?email=eq.{PAVEL.email}&locale=eq.ru", True),
+                (f"?id=eq.{ANNA.id}", False), (f"?id=eq.{PAVEL.id}&locale=eq.en", False))):
+            for value in (f"термин {number}", None):
+                with self.subTest(query, value=value):
+                    web.control("glossary", email=PAVEL.email, glossary="прежний")
+                    reply = web.ask("PATCH", f"/rest/v1/profiles{query}", json.dumps({"glossary": value}), headers)
+                    self.assertEqual((reply.status, reply.body), (204, b""))
+                    self.assertEqual(web.shown("glossary"),
+                                     {ANNA.email: annas, PAVEL.email: value if changed else "прежний"})
+
+    def test_a_home_from_before_the_glossary_was_a_text(self):
+        self.web().end()
+        profile = {"id": ANNA.id, "email": ANNA.email, "full_name": "", "locale": "ru", "updated_at": ""}
+        (self.home / ".sandbox-web.json").write_text(json.dumps(
+            {ANNA.email: {"profile": profile | {"glossary": ["Квен -> Qwen", "ФОТ"]}},
+             PAVEL.email: {"profile": profile | {"glossary": []}}}))
+        self.assertEqual(self.web().shown("glossary"), {ANNA.email: "Квен → Qwen\nФОТ", PAVEL.email: None})
 
     def test_a_restart_forgets_nothing(self):
         web = self.web()
@@ -210,7 +233,7 @@ class Backend(WebCase):
         again = web.shown("devices")[ANNA.email]["ноутбук"]
         self.assertEqual(again["first_seen"], first["first_seen"])
         self.assertGreater(again["last_seen"], first["last_seen"])
-        web.ask("PATCH", path, '{"glossary":["новое"]}', anna)
+        web.ask("PATCH", path, '{"glossary":"новое"}', anna)
         web.control("telegram", email=ANNA.email, chat_id=123456789)
         before = {name: web.shown(name) for name in ("devices", "telegram")}
         self.assertEqual(before["devices"][PAVEL.email], {})
@@ -221,7 +244,7 @@ class Backend(WebCase):
         web = self.web()
         self.assertEqual({name: web.shown(name) for name in before}, before)
         self.assertEqual(web.ask("GET", LINKS, headers=anna).json(), [{"chat_id": 123456789}])
-        self.assertEqual(web.ask("GET", path, headers=anna).json()[0]["glossary"], ["новое"])
+        self.assertEqual(web.ask("GET", path, headers=anna).json()[0]["glossary"], "новое")
         self.assertEqual(register("стенд"), ids[1])
 
 
@@ -276,12 +299,13 @@ class Control(WebCase):
     def test_wrong_orders_are_refused(self):
         web = self.web()
         orders = (("release", '{"size":1}'), ("telegram", '{"email":"x"}'), ("install", '{"fail_at":"lunch"}'),
-                  ("telegram", f'{{"email":"{ANNA.email}","chat_id":"5"}}'), ("faults", '{"path":"/","fault":"rain"}'),
+                  ("telegram", f'{{"email":"{ANNA.email}","chat_id":"5"}}'), ("glossary", '{"email":"x"}'),
+                  ("glossary", f'{{"email":"{ANNA.email}","glossary":[]}}'), ("faults", '{"path":"/","fault":"rain"}'),
                   ("faults", '{"path":"rest","fault":"hang"}'), ("permissions", '{"microphone":"maybe"}'),
                   ("permissions", '{"screen":1}'), ("tokens", f'{{"email":"{ANNA.email}","expires_in":true}}'),
                   ("tokens", "[]"), ("tokens", "{"))
         def everything():
-            return [web.shown(name) for name in ("release", "telegram", "install", "faults", "permissions")]
+            return [web.shown(name) for name in ("release", "telegram", "glossary", "install", "faults", "permissions")]
 
         before = everything()
         for name, body in orders:
