@@ -53,6 +53,15 @@ class Node:
         on_screen = GLib.Variant("(u)", (0,))
         return Rectangle(*_call(self.bus, self.owner, self.path, COMPONENT, "GetExtents", on_screen)[0])
 
+    def name_now(self) -> str:
+        return self._property("Name")
+
+    def names_below(self) -> list[str]:
+        """Of its children, now; far faster than a look at the whole tree."""
+        children = _call(self.bus, self.owner, self.path, ACCESSIBLE, "GetChildren")[0]
+        return [_call(self.bus, owner, path, "org.freedesktop.DBus.Properties", "Get",
+                      GLib.Variant("(ss)", (ACCESSIBLE, "Name")))[0] for owner, path in children]
+
     def _property(self, name: str):
         return _call(self.bus, self.owner, self.path, "org.freedesktop.DBus.Properties", "Get",
                      GLib.Variant("(ss)", (ACCESSIBLE, name)))[0]
@@ -107,23 +116,29 @@ class Tree:
             pass  # the registry is not up yet, or still lists one that has ended
         return self._owner
 
-    def nodes(self) -> list[Node]:
+    def nodes(self, *, of_hidden_windows=True) -> list[Node]:
         """All that the program tells of; what vanishes while we look is left out."""
         owner = self._application()
         if not owner:
             return []
         try:
-            return self._below(owner, ROOT)
+            return self._below(owner, ROOT, of_hidden_windows)
         except GLib.Error as error:
             # An empty answer would look like a closed panel.
             raise AssertionError(f"Murmeli does not answer: {error.message}") from error
 
-    def _below(self, owner: str, path: str) -> list[Node]:
+    def _in_windows(self) -> list[Node]:
+        """A look at a window that nobody sees takes as long as one at a window that all see."""
+        return self.nodes(of_hidden_windows=False)
+
+    def _below(self, owner: str, path: str, of_hidden: bool) -> list[Node]:
         found = []
         for child_owner, child in _call(self._bus, owner, path, ACCESSIBLE, "GetChildren")[0]:
             try:
-                found.append(self._node(child_owner, child))
-                found += self._below(child_owner, child)
+                node = self._node(child_owner, child)
+                found.append(node)
+                if of_hidden or node.showing or path != ROOT:
+                    found += self._below(child_owner, child, of_hidden)
             except GLib.Error:
                 continue
         return found
@@ -144,7 +159,7 @@ class Tree:
                 return name in (None, found)
             return name(found) if callable(name) else found in name
 
-        return [node for node in self.nodes() if node.showing and role in (None, node.role) and fits(node.name)]
+        return [node for node in self._in_windows() if node.showing and role in (None, node.role) and fits(node.name)]
 
     def find(self, role: str | None, name=None) -> Node | None:
         found = self.all(role, name)
@@ -157,7 +172,7 @@ class Tree:
         wait_for(lambda: not self.find(role, name), f"{role or 'something'} «{name}» to vanish", seconds)
 
     def focused(self) -> Node | None:
-        found = [node for node in self.nodes() if node.showing and "focused" in node.states]
+        found = [node for node in self._in_windows() if node.showing and "focused" in node.states]
         return found[0] if found else None
 
     def focus_is_on(self, name: str) -> bool:
@@ -166,4 +181,4 @@ class Tree:
 
     def text(self) -> str:
         """Every name on screen, for what must be nowhere."""
-        return "\n".join(node.name for node in self.nodes() if node.showing)
+        return "\n".join(node.name for node in self._in_windows() if node.showing)

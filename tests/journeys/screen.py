@@ -80,6 +80,10 @@ class Screen:
         told = self._run("xprop", "-root", "_NET_ACTIVE_WINDOW").decode()
         return re.search(r"window id # 0x[1-9a-f]", told) is not None
 
+    def has_window(self, title: str) -> bool:
+        """Of whichever program."""
+        return f'"{title}"' in self._reliably("xwininfo", "-root", "-tree")
+
     # Pointer and keys.
 
     def move(self, x: int, y: int) -> None:

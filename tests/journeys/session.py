@@ -130,7 +130,7 @@ class Session:
         return self.state()["status"]
 
     def processes_in_home(self) -> dict[int, str]:
-        """What lives in this session's home, by process number, and how it was called."""
+        """What the session's home is the home of, by process number, and how each was called."""
         found = {}
         for folder in Path("/proc").glob("[0-9]*"):
             try:
@@ -138,7 +138,8 @@ class Session:
                     found[int(folder.name)] = command_line(int(folder.name))
             except OSError:
                 continue  # it has ended meanwhile, or is somebody else's
-        return found
+        # The desktop starts its registry when first somebody tells of himself, whoever that is.
+        return {pid: line for pid, line in found.items() if "at-spi2-registryd" not in line}
 
     def program_log(self) -> str:
         return (self._folder / "murmeli.log").read_text("utf-8")
@@ -327,14 +328,14 @@ class Session:
         with urllib.request.urlopen(request, timeout=10) as answer:
             return json.loads(answer.read() or b"null")
 
-    def start_keyring(self) -> subprocess.Popen:
-        """A secret store that is open, on this session's bus."""
-        keyring = self.start("keyring", ["gnome-keyring-daemon", "--foreground", "--unlock", "--components=secrets"],
-                             stdin=subprocess.PIPE)
-        keyring.stdin.write(b"sandbox")
-        keyring.stdin.close()
+    def start_keyring(self, *, locked=False) -> subprocess.Popen:
+        """A secret store on this session's bus; what an open one has stored, a locked one keeps to itself."""
+        command = ["gnome-keyring-daemon", "--foreground", "--components=secrets"]
+        self.keyring = self.start("keyring", command if locked else [*command, "--unlock"], stdin=subprocess.PIPE)
+        self.keyring.stdin.write(b"" if locked else b"sandbox")
+        self.keyring.stdin.close()
         wait_for(lambda: self.tree.session_has("org.freedesktop.secrets"), "the secret store")
-        return keyring
+        return self.keyring
 
     def pretend_installed(self) -> None:
         """The files by which the program knows that an engine is there."""
@@ -434,6 +435,18 @@ class Session:
     def look_away(self) -> None:
         """Takes the pointer off the panel, so that nothing is hovered."""
         self.screen.move(300, 700)
+
+    def tab_to(self, name: str) -> None:
+        """Goes there by the keyboard alone, once around at the most."""
+        where = None
+        for _ in range(20):
+            if self.tree.focus_is_on(name):
+                return
+            was = self.tree.focused()
+            self.screen.key("Tab")
+            where = wait_for(lambda: (now := self.tree.focused()) and now.path != (was and was.path) and now,
+                             "the focus to move")
+        raise AssertionError(f"the keyboard does not reach «{name}», but {where}")
 
     def put_in_clipboard(self, text: str) -> None:
         owner = self.start("clipboard", ["xclip", "-quiet", "-selection", "clipboard", "-in"], stdin=subprocess.PIPE)
