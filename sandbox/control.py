@@ -21,6 +21,7 @@ from service import Service
 PREFIX = "/sandbox/"
 LATEST = 500
 SHOWN = 30
+LONGEST_BODY = 400
 
 # A form's fields become one JSON object; those marked with data-json hold JSON, and null when empty.
 SCRIPT = """
@@ -236,8 +237,13 @@ def service_form(running: bool) -> str:
                                                           "Start")
 
 
+def body_text(body) -> str:
+    text = json.dumps(body, ensure_ascii=False)  # a transcript would bury everything else on the page
+    return escape(text if len(text) <= LONGEST_BODY else text[:LONGEST_BODY] + " …")
+
+
 def requests_table(seen: list[dict]) -> str:
     names = ("method", "path", "query", "apikey", "bearer", "body")
-    rows = "".join("<tr>" + "".join(f"<td>{escape(request[name]) if name != 'body' else json_text(request[name])}</td>"
+    rows = "".join("<tr>" + "".join(f"<td>{escape(request[name]) if name != 'body' else body_text(request[name])}</td>"
                                     for name in names) + "</tr>" for request in seen[:-SHOWN - 1:-1])
     return f"<table><tr>{''.join(f'<th>{name}</th>' for name in names)}</tr>{rows}</table>"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Stands in for everything on the network: the account site, the backend, the web service."""
+"""Stands in for everything on the network: the account site, the backend, the web service, the assistant."""
 
 from __future__ import annotations
 
@@ -13,12 +13,14 @@ import threading
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from urllib.parse import unquote, urlsplit
 
+import assist
 import backend
 import exchange
 import homes
 import pages
 from account_site import AccountSite
 from accounts import Accounts
+from assist import Assist
 from backend import Backend
 from control import PREFIX as CONTROL, Control
 from engine import seconds
@@ -47,6 +49,7 @@ class Server(ThreadingHTTPServer):
         self.accounts, self.backend = AccountSite(kept), Backend(kept)
         self.releases = Releases(arguments.release)
         self.scripts = Scripts(home.folder, self.origin, arguments.pace, arguments.fail_install)
+        self.assist = Assist(arguments.assist_seconds, self.stopping)
         self.faults = faults
         self.control = Control(home.folder, kept, self.releases, self.scripts, faults, self.service)
 
@@ -54,6 +57,8 @@ class Server(ThreadingHTTPServer):
         path = request.path
         if path.startswith(backend.PREFIX):
             return self.backend.answer(request)
+        if path.startswith(assist.PREFIX):
+            return self.assist.answer(request)
         answer = None
         if path == "/account":
             answer = self.accounts.answer(request)
@@ -190,6 +195,8 @@ def arguments_given() -> tuple[argparse.Namespace, Faults]:
     parser.add_argument("--port", type=int, default=8460, help="0: any that is free")
     parser.add_argument("--release", default="0.8.0", metavar="VERSION", help="the published one")
     parser.add_argument("--pace", type=seconds, default=0.5, metavar="S", help="how long a step of the installer takes")
+    parser.add_argument("--assist-seconds", type=seconds, default=1.2, metavar="S",
+                        help="how long a remark takes; an analysis takes three times as long")
     parser.add_argument("--fail-install", metavar="STEP")
     parser.add_argument("--engine-arguments", default="", metavar="TEXT")
     parser.add_argument("--fault", action="append", default=[], metavar="PATH=FAULT")
