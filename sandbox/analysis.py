@@ -242,7 +242,9 @@ class Analysis:
             answers = [one for one in self.after(line) if one.who != line.who]
             cons = [one for answer in answers if (one := answer.sentence(self.ways.bad))]
             pros = [one for answer in answers if (one := answer.sentence(self.ways.good)) and one not in cons]
-            whole = idea if len(idea.split()) > 4 else " ".join(sentences(line.text)[:3])
+            parts = sentences(line.text)
+            start = parts.index(idea)  # “I have an idea.” alone says nothing
+            whole = idea if len(idea.split()) > 3 else " ".join(parts[start:start + 3])
             found.append({"idea": whole.rstrip(".!… "), "pros": pros, "cons": cons, "at": line.stamp})
             end = line.place + 2
         return found[:MOST // 2]

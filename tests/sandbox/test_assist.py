@@ -128,11 +128,12 @@ class Remarks(unittest.TestCase):
                     self.assertEqual((found.get("section"), found.get("index")), (section, index))
 
     def test_what_is_not_understood_changes_nothing(self):
-        for rows, remarks in ((RUSSIAN, ("сделай красивее", "замени Козлова на Петрова", "удали третью задачу", "замени",
-                                         "в девятой задаче замени смету на план", "замени Иванова на Иванова", "срок",
-                                         "замени Ивана на Петра в десятом риске", "убери", "«»", "не, а", "→")),
-                              (ENGLISH, ("make it nicer", "replace Brown with Jones", "remove", "in the ninth task remove "
-                                         "the report", "change the deadline to something", "replace 50 with 7"))):
+        russian = ("сделай красивее", "замени Козлова на Петрова", "удали третью задачу", "замени", "срок", "убери",
+                   "в девятой задаче замени смету на план", "замени Иванова на Иванова", "«»", "не, а", "→",
+                   "замени Ивана на Петра в десятом риске")
+        english = ("make it nicer", "replace Brown with Jones", "remove", "in the ninth task remove the report",
+                   "change the deadline to something", "replace 50 with 7")
+        for rows, remarks in ((RUSSIAN, russian), (ENGLISH, english)):
             for remark in remarks:
                 with self.subTest(remark):
                     self.assertEqual(edits.edit(remark, items(rows)), {"found": False})
@@ -220,7 +221,7 @@ class Reports(unittest.TestCase):
             "[00:00:40] Олег Дуб: Я не согласен, что этого хватит. Ждём цены от завода.",
             "[00:01:00] Вера Лис: Давайте спросим двоих.",
             "[00:01:20] Олег Дуб: Постараюсь и пришлю расчёт к среде, чтобы все успели прочесть.",
-            "[00:01:50] Вера Лис: Теперь ремонт. Предлагаю красить самим.",
+            "[00:01:50] Вера Лис: Теперь ремонт. Предлагаю стены красить самим.",
             "[00:02:10] Олег Дуб: Выйдет дешевле.",
             "[00:02:20] Вера Лис: Не успеваем: отпуск. В следующий раз.",
             "не строка", "[00:99:00] Никто: Пришлю к среде.", "")))
@@ -234,7 +235,7 @@ class Reports(unittest.TestCase):
         self.assertEqual([topic["status"] for topic in report["agenda_coverage"]],
                          ["пройдена полностью", "частично", "не дошли"])
         self.assertEqual([(one["idea"], one["pros"], one["cons"]) for one in report["concepts"]],
-                         [("Предлагаю красить самим", ["Выйдет дешевле."], [])])
+                         [("Предлагаю стены красить самим", ["Выйдет дешевле."], [])])
 
     def test_what_has_no_lines(self):
         for text in ("", "\n\n", "просто текст", "[00:00:01] без двоеточия"):
@@ -268,7 +269,8 @@ class Serving(WebCase):
         told = {"transcript": "", "meeting_date": "", "duration_min": 1}
         cases = [(path, headers, body, 401) for path, body in ((edit, fine), (report, told))
                  for headers in ({}, expired, {"Authorization": "Bearer x"},
-                                 {"Authorization": f"Bearer {accounts.ANONYMOUS_KEY}"}, {"apikey": accounts.ANONYMOUS_KEY})]
+                                 {"Authorization": f"Bearer {accounts.ANONYMOUS_KEY}"},
+                                 {"apikey": accounts.ANONYMOUS_KEY})]
         cases += [(edit, good, body, 400) for body in (
             [], "x", fine | {"remark": " "}, fine | {"remark": 7}, fine | {"remark": "x" * 2001}, fine | {"items": {}},
             fine | {"items": [{"section": "risks", "index": "0", "text": ""}]},
