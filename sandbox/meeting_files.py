@@ -15,7 +15,16 @@ from compose import Meeting, compose
 from homes import Home
 
 RUSSIAN, ENGLISH = scenarios_ru.LANGUAGE, scenarios_en.LANGUAGE
+LANGUAGES = {language.code: language for language in (RUSSIAN, ENGLISH)}
 TRANSCRIPT = "Транскрипт"  # the interface finds the transcript by this word, in any language
+
+# Members that no client knows: whoever changes a summary must leave them as they are.
+UNKNOWN = {
+    "engine": {
+        "name": "sandbox 🐿️", "build": 98765432109876543210, "share": 0.1, "settled": None, "steps": [[], [{}], [True]],
+        "spelling": {"и\u0306": "й", "e\u0301": "é", "👩‍👩‍👧": "\u2028", "": ""},
+    },
+}
 
 
 def recorded_meeting(seed: int, number: int, started: datetime) -> Meeting:
@@ -73,6 +82,13 @@ def summary_object(meeting: Meeting, protocol: Path, exact: bool | None) -> dict
     }
     if exact is not None:
         meta["analytics"] = meeting.analytics(exact)
+    tasks = [item | {"trace": {"id": 2 ** 64 + place, "mark": "🧭"}} for place, item in enumerate(meeting.action_items)]
+    if len(tasks) > 1:
+        tasks[-1] = row_text(tasks[-1])  # the service writes a task in either form
+    return outcome(meeting) | {"action_items": tasks} | UNKNOWN | {"_meta": meta}
+
+
+def outcome(meeting: Meeting) -> dict:
     return {
         "title": meeting.title,
         "tldr": meeting.tldr,
@@ -84,32 +100,52 @@ def summary_object(meeting: Meeting, protocol: Path, exact: bool | None) -> dict
         "open_questions": meeting.open_questions,
         "risks": meeting.risks,
         "language": meeting.language.code,
-        "_meta": meta,
     }
+
+
+def one_line(value) -> str:
+    return " ".join(value.split()) if isinstance(value, str) else ""
+
+
+def row_text(item) -> str:
+    """An element of a section in one line, in whichever form it was written; empty when it says nothing."""
+    if not isinstance(item, dict):
+        return one_line(item)
+    said = one_line(item.get("task")) or one_line(item.get("text"))
+    return " — ".join(filter(None, (said, one_line(item.get("owner")), one_line(item.get("due"))))) if said else ""
+
+
+def rows(summary: dict, section: str) -> list[str]:
+    elements = summary.get(section)
+    return list(filter(None, map(row_text, elements if isinstance(elements, list) else [elements])))
 
 
 def protocol_markdown(meeting: Meeting, short: bool = False) -> str:
     words = meeting.language.words
-    out = [f"# {meeting.title}", "",
-           f"**{words['date']}:** {meeting.started:%d.%m.%Y, %H:%M}  ",
-           f"**{words['people']}:** {', '.join(meeting.people)}", "",
-           f"> {meeting.tldr}", ""]
+    head = outcome_markdown(outcome(meeting), words, f"{meeting.started:%d.%m.%Y, %H:%M}", short)
+    talk = [f"> {turn.stamp} {turn.speaker}: {turn.text}" for turn in meeting.turns]
+    return head + "\n".join([f"## {words['transcript']}", "", *talk]) + "\n"
 
-    def section(heading: str, rows: list[str], mark: str = "-") -> None:
-        if rows:
-            out.extend([f"## {words[heading]}", "", *(f"{mark} {row}" for row in rows), ""])
+
+def outcome_markdown(summary: dict, words: dict[str, str], date: str, short: bool) -> str:
+    """Everything before the transcript."""
+    out = [f"# {one_line(summary.get('title'))}", "",
+           f"**{words['date']}:** {date}  ",
+           f"**{words['people']}:** {', '.join(rows(summary, 'participants'))}", "",
+           f"> {one_line(summary.get('tldr'))}", ""]
+
+    def section(heading: str, name: str, mark: str = "-") -> None:
+        if found := rows(summary, name):
+            out.extend([f"## {words[heading]}", "", *(f"{mark} {row}" for row in found), ""])
 
     if not short:
-        out.extend([f"## {words['summary']}", "", meeting.summary, ""])
-    section("decisions", meeting.decisions)
-    section("tasks", [" — ".join(filter(None, (item["task"], item["owner"], item["due"])))
-                      for item in meeting.action_items], "- [ ]")
+        out.extend([f"## {words['summary']}", "", one_line(summary.get("summary")), ""])
+    section("decisions", "decisions")
+    section("tasks", "action_items", "- [ ]")
     if not short:
-        section("steps", meeting.next_steps)
-        section("questions", meeting.open_questions)
-        section("risks", meeting.risks)
-    out.extend([f"## {words['transcript']}", ""])
-    out.extend(f"> {turn.stamp} {turn.speaker}: {turn.text}" for turn in meeting.turns)
+        section("steps", "next_steps")
+        section("questions", "open_questions")
+        section("risks", "risks")
     return "\n".join(out) + "\n"
 
 

@@ -41,6 +41,8 @@ class RoundTrip(SandboxCase):
         self.assertEqual(path.name, started.astimezone().strftime("%Y-%m-%d %H-%M-%S") + ".protocol.json")
         self.assertGreater(meta["duration_min"], 0)
         self.assertTrue(summary["title"] and summary["tldr"] and summary["decisions"] and summary["action_items"])
+        self.assertEqual({type(item) for item in summary["action_items"]}, {dict, str})
+        self.assertGreater(summary["engine"]["build"], 2 ** 64)
         protocol = Path(meta["protocol_md"])
         self.assertEqual(protocol.parent, (self.home / VAULT).resolve())
         self.assertIn(summary["title"], protocol.name)
