@@ -9,7 +9,8 @@ from exchange import Answer, as_json, as_text
 
 HERE = Path(__file__).resolve().parent
 ENGINE_FILES = ("engine.py", "homes.py", "meeting_files.py", "compose.py", "scene.py", "scenarios_ru.py",
-                "scenarios_en.py", "native_rec.py")
+                "scenarios_en.py", "native_rec.py", "protocol_pdf.py", "pdf_writer.py", "reprotocol.py",
+                "script_faults.py")
 STEPS = ("system", "app", "venv", "engine", "asr", "models", "service")
 NOTES = """Запись теперь начинается вдвое быстрее, а значок в трее сразу показывает, что она идёт.
 

@@ -52,6 +52,15 @@ class Installing(WebCase):
             self.assertEqual(file.read_bytes(), (SANDBOX / file.name).read_bytes())
         self.assertIs(json.loads((self.root / "state.json").read_text())["telegram_connected"], False)
 
+        # They run on what is installed beside them, and take their faults from this home.
+        summary = self.folder / "summary.json"
+        summary.write_text('{"title": "Смета"}')
+        for script, arguments in (("protocol_pdf.py", [self.folder / "a.pdf", "--plain"]), ("reprotocol.py", [])):
+            (self.root / ".sandbox-engine-faults.json").write_text('{"pdf": "fail", "reprotocol": "fail"}')
+            result = subprocess.run([python, self.root / "pipeline" / script, summary, *arguments],
+                                    env=self.environment(), capture_output=True, text=True, timeout=15)
+            self.assertEqual((result.returncode, result.stderr), (1, "sandbox: this failure was asked for\n"))
+
         self.assertEqual(web.end(), 0)
         log = web.output.read_text()
         self.assertEqual((log.count("sandbox: ready in"), log.count("sandbox: finished\n")), (1, 2))
