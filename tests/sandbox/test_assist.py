@@ -205,6 +205,13 @@ class Reports(unittest.TestCase):
                     self.assertIn(topic["status"], ("пройдена полностью", "частично", "не дошли"))
                     self.assertIn(topic["topic"].lower(), text.lower())
                     self.assertIn(topic["at"], lines)
+                following = dict(zip(lines, list(lines)[1:]))
+                for insight in report["insights"]:
+                    for stamp in insight["at"]:
+                        if stamp not in lines:
+                            opened = insight["at"][0]
+                            self.assertLess(seconds(opened), seconds(stamp))
+                            self.assertLess(seconds(stamp), seconds(following[opened]))
                 titles = " ".join(insight["kind"] for insight in report["insights"])
                 self.assertEqual(bool(re.search("[а-я]", titles)), meeting.language.code == "ru")
                 self.assertEqual(analysis.analyse(text), report)

@@ -298,6 +298,9 @@ class Reprotocol(Case):
                     self.assertEqual("## Кратко" in head or "## Summary" in head, not short)
                     self.assertEqual("## Кратко" in above or "## Summary" in above, not short)
                     self.assertNotIn("## Рис", above)
+                    # The word stands above the transcript now.
+                    self.assertEqual(self.run_script("reprotocol.py", file).returncode, 0)
+                    self.assertEqual(protocol.read_bytes().decode(), new)
 
     def test_what_it_leaves_alone(self):
         [(protocol, file, summary)] = self.meetings(1)
