@@ -44,6 +44,12 @@ AuthManager::~AuthManager() = default;
 
 bool AuthManager::takesAddress() const { return signingIn() && m_signInSession.usesBrowser(); }
 
+QString AuthManager::freshToken() const
+{
+    const auto session = accountFile::session(accountFile::read(m_place.accountFile));
+    return session ? session->accessToken : m_session.accessToken;
+}
+
 void AuthManager::restore()
 {
     const auto found = std::make_shared<accountFile::Session>();

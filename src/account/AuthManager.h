@@ -48,6 +48,8 @@ public:
 
     /// For requests to the backend; empty when signed out. Never for a log, an argument or an error text.
     [[nodiscard]] QString accessToken() const { return m_session.accessToken; }
+    /// The same, but as account.json has it when it has one: the service may have renewed it there.
+    [[nodiscard]] QString freshToken() const;
     [[nodiscard]] const Backend& backend() const { return m_backend; }
 
     /// Opens the sign-in page. The attempt ends with the address that comes back, or after a quarter of an

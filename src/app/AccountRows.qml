@@ -121,10 +121,12 @@ ColumnLayout {
         text: L.t("panel.sign_in")
         onClicked: root.account.login()
     }
+    // qmllint disable unqualified
     Loader { // few sign in twice
         Layout.fillWidth: true
         active: root.account.takesAddress
         visible: active
         sourceComponent: SignInAddress { account: root.account }
     }
+    // qmllint enable unqualified
 }

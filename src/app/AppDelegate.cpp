@@ -66,7 +66,17 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
                      m_ground.look.setCompositing(windowSystem::compositing());
                      m_toasts.show(toast);
                  }),
-      m_updateWindow(m_engine, ground.language, m_updater)
+      m_updateWindow(m_engine, ground.language, m_updater),
+      m_mainWindow(m_engine,
+                   {.paths = ground.paths,
+                    .prefs = ground.prefs,
+                    .account = m_account,
+                    .http = ground.http,
+                    .processes = ground.processes,
+                    .language = ground.language,
+                    .scheduler = ground.scheduler,
+                    .webOrigin = AppInfo::webOrigin()},
+                   m_state, m_record, workspace::stateFolder(ground.paths.home) + u"/window.ini"_s)
 {
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
     m_ground.language.install(m_engine);
@@ -106,7 +116,7 @@ void AppDelegate::connectPanel()
     });
     connect(&m_panel, &PanelModel::mainWindowRequested, this, [this] {
         closePanel();
-        showWindow();
+        m_mainWindow.show();
     });
     connect(&m_panel, &PanelModel::botRequested, this, [] { workspace::openUrl(QUrl{AppInfo::botLink()}); });
     connect(&m_panel, &PanelModel::updateRequested, this, [this] {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KeyPanel.h"
+#include "MainWindowController.h"
 #include "Notifier.h"
 #include "PanelModel.h"
 #include "RecordControl.h"
@@ -90,6 +91,7 @@ private:
     ToastCenter m_toasts;
     Notifier m_notifier;
     UpdateWindowController m_updateWindow;
+    MainWindowController m_mainWindow;
     std::unique_ptr<SetupWindowController> m_setupWindow;
     std::unique_ptr<KeyPanel> m_floating;
     std::unique_ptr<KeyPanel> m_window;  ///< the panel in an ordinary window

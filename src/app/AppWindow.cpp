@@ -2,31 +2,73 @@
 
 #include "localisation/Language.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
+#include <QSettings>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
+namespace {
+
+const QString placeKey = u"place"_s;
+
+} // namespace
+
 AppWindow::AppWindow(QQmlEngine& engine, const Language& language, const View& view)
-    : QQuickView(&engine, nullptr)
+    : QQuickView(&engine, nullptr), m_placeFile(view.placeFile), m_escapeCloses(view.escapeCloses)
 {
     const auto retitle = [this, &language, key = view.titleKey] { setTitle(language.t(key)); };
     connect(&language, &Language::changed, this, retitle);
     retitle();
     setResizeMode(QQuickView::SizeRootObjectToView);
     resize(view.size);
-    setMinimumSize(view.size);
+    setMinimumSize(view.least.isValid() ? view.least : view.size);
     if (!view.resizable) setMaximumSize(view.size);
     setInitialProperties(view.properties);
     setSource(QUrl{view.url});
 }
 
+AppWindow::~AppWindow()
+{
+    if (isVisible()) rememberPlace();
+}
+
+void AppWindow::restorePlace()
+{
+    const QRect available = screen() ? screen()->availableGeometry() : QRect{};
+    setPosition(available.center() - QPoint{width() / 2, height() / 2});
+    if (m_placeFile.isEmpty()) return;
+    const QRect known = QSettings{m_placeFile, QSettings::IniFormat}.value(placeKey).toRect();
+    // Only where a screen still shows enough of it to be taken hold of.
+    const bool seen = std::ranges::any_of(QGuiApplication::screens(), [&](const QScreen* screen) {
+        const QRect part = screen->availableGeometry() & known;
+        return part.width() >= 200 && part.height() >= 200;
+    });
+    if (seen) setGeometry(known);
+}
+
+void AppWindow::rememberPlace() const
+{
+    if (m_placeFile.isEmpty() || windowStates() != Qt::WindowNoState) return;
+    QSettings{m_placeFile, QSettings::IniFormat}.setValue(placeKey, geometry());
+}
+
+void AppWindow::hideEvent(QHideEvent* event)
+{
+    rememberPlace();
+    QQuickView::hideEvent(event);
+}
+
 void AppWindow::present()
 {
-    if (!m_placed && screen()) {
+    if (!m_placed) {
         m_placed = true;
-        const QRect available = screen()->availableGeometry();
-        setPosition(available.center() - QPoint{width() / 2, height() / 2});
+        restorePlace();
     }
     show();
     raise();
@@ -36,7 +78,7 @@ void AppWindow::present()
 void AppWindow::keyPressEvent(QKeyEvent* event)
 {
     QQuickView::keyPressEvent(event);
-    if (!event->isAccepted() && event->key() == Qt::Key_Escape) close();
+    if (m_escapeCloses && !event->isAccepted() && event->key() == Qt::Key_Escape) close();
 }
 
 } // namespace murmeli

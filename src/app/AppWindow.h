@@ -17,18 +17,29 @@ public:
         QVariantMap properties; ///< the view's required ones
         QString titleKey;
         QSize size;            ///< device-independent pixels
-        bool resizable = true; ///< from `size` upwards
+        QSize least = {};      ///< when smaller than `size`
+        bool resizable = true; ///< from `least` upwards
+        bool escapeCloses = false;
+        QString placeFile = {}; ///< where size and place are remembered, if they are
     };
 
     AppWindow(QQmlEngine& engine, const Language& language, const View& view);
+    ~AppWindow() override;
+    Q_DISABLE_COPY_MOVE(AppWindow)
 
     /// Shows the window, in the middle of the screen the first time, and brings it forward.
     void present();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
+    void restorePlace();
+    void rememberPlace() const;
+
+    QString m_placeFile;
+    bool m_escapeCloses;
     bool m_placed = false;
 };
 

@@ -26,7 +26,8 @@ void UpdateWindowController::show()
                             .properties = {{u"updater"_s, QVariant::fromValue(&m_updater)}},
                             .titleKey = u"update.title.available"_s,
                             .size = {520, 560},
-                            .resizable = false});
+                            .resizable = false,
+                            .escapeCloses = true});
         if (QQuickItem* view = m_window->rootObject()) {
             QObject::connect(view, SIGNAL(closed()), m_window.get(), SLOT(close()));
         }

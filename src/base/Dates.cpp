@@ -2,6 +2,7 @@
 
 #include <QTimeZone>
 
+#include <map>
 #include <memory>
 #include <unicode/dtptngen.h>
 #include <unicode/measfmt.h>
@@ -25,23 +26,35 @@ QString fromIcu(const icu::UnicodeString& text)
     return QString::fromUtf16(text.getBuffer(), text.length());
 }
 
+std::unique_ptr<icu::SimpleDateFormat> makeFormat(const QString& language, const QString& skeleton)
+{
+    const icu::Locale locale{language.toUtf8().constData()};
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::DateTimePatternGenerator> patterns{
+        icu::DateTimePatternGenerator::createInstance(locale, status)};
+    if (U_FAILURE(status)) return nullptr;
+    const icu::UnicodeString pattern = patterns->getBestPattern(toIcu(skeleton), status);
+    auto format = std::make_unique<icu::SimpleDateFormat>(pattern, locale, status);
+    return U_FAILURE(status) ? nullptr : std::move(format);
+}
+
 } // namespace
 
 QString bySkeleton(const QDateTime& moment, const QString& language, const QString& skeleton)
 {
     if (!moment.isValid()) return {};
-    const icu::Locale locale{language.toUtf8().constData()};
-    UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::DateTimePatternGenerator> patterns{
-        icu::DateTimePatternGenerator::createInstance(locale, status)};
-    if (U_FAILURE(status)) return {};
-    const icu::UnicodeString pattern = patterns->getBestPattern(toIcu(skeleton), status);
-    icu::SimpleDateFormat format{pattern, locale, status};
-    if (U_FAILURE(status)) return {};
-    format.adoptTimeZone(
-        icu::TimeZone::createTimeZone(toIcu(QString::fromLatin1(QTimeZone::systemTimeZoneId()))));
+    // Making one takes a millisecond, and a list has many dates. ICU's formats are not for several threads.
+    thread_local std::map<std::pair<QString, QString>, std::unique_ptr<icu::SimpleDateFormat>> formats;
+    auto [found, isNew] = formats.try_emplace({language, skeleton});
+    if (isNew) found->second = makeFormat(language, skeleton);
+    if (!found->second) return {};
+    const icu::UnicodeString zone = toIcu(QString::fromLatin1(QTimeZone::systemTimeZoneId()));
+    icu::UnicodeString known;
+    if (found->second->getTimeZone().getID(known) != zone) { // the traveller's has changed
+        found->second->adoptTimeZone(icu::TimeZone::createTimeZone(zone));
+    }
     icu::UnicodeString result;
-    format.format(UDate(moment.toMSecsSinceEpoch()), result);
+    found->second->format(UDate(moment.toMSecsSinceEpoch()), result);
     return fromIcu(result);
 }
 

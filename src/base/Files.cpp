@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -111,9 +112,24 @@ bool isReadable(const QString& path)
     return regularAt(name) && ::access(name.constData(), R_OK) == 0;
 }
 
-Identity identity(const QString& path)
+Identity identity(const QString& path) { return identity(encoded(path)); }
+
+QList<QByteArray> namesIn(const QByteArray& nativeFolder)
 {
-    const auto info = regularAt(encoded(path));
+    QList<QByteArray> names;
+    DIR* folder = ::opendir(nativeFolder.constData());
+    if (!folder) return names;
+    while (const dirent* entry = ::readdir(folder)) {
+        if (qstrcmp(entry->d_name, ".") != 0 && qstrcmp(entry->d_name, "..") != 0)
+            names.append(entry->d_name);
+    }
+    ::closedir(folder);
+    return names;
+}
+
+Identity identity(const QByteArray& nativePath)
+{
+    const auto info = regularAt(nativePath);
     if (!info) return {};
 #ifdef __APPLE__
     const auto& modified = info->st_mtimespec;

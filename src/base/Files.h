@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 #include <optional>
@@ -26,6 +27,11 @@ struct Identity {
     bool operator==(const Identity&) const = default;
 };
 Identity identity(const QString& path);
+Identity identity(const QByteArray& nativePath); ///< as the file system spells it
+
+/// The names in a folder as the file system spells and orders them, without those of the folder itself and of
+/// the one above; empty when it cannot be listed.
+QList<QByteArray> namesIn(const QByteArray& nativeFolder);
 
 /// Whether an equal identity means equal content. File systems tell time in ticks, so a file changed a moment
 /// ago may change again without a trace.

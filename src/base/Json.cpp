@@ -5,6 +5,8 @@
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace murmeli::json {
 
 namespace {
@@ -24,12 +26,14 @@ QByteArray compact(const QJsonValue& value)
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-/// Splits an object that a parser has accepted already, so every bracket and quotation mark has its partner.
+/// Splits an object or an array that a parser has accepted already, so every bracket and quotation mark has
+/// its partner. The elements of an array are values without a key.
 QList<Member> membersOf(const QByteArray& bytes)
 {
     QList<Member> members;
     Member current;
     bool inString = false;
+    bool isObject = false;
     bool inValue = false;
     int depth = 0;
     for (qsizetype i = 0; i < bytes.size(); ++i) {
@@ -38,13 +42,17 @@ QList<Member> membersOf(const QByteArray& bytes)
             if (isSpace(c)) continue;
             if ((c == '}' || c == ']') && --depth == 0) break;
             if (c == '{' || c == '[') {
-                if (depth++ == 0) continue;
+                if (depth++ == 0) {
+                    isObject = c == '{';
+                    inValue = !isObject;
+                    continue;
+                }
             } else if (depth == 1 && c == ':') {
                 inValue = true;
                 continue;
             } else if (depth == 1 && c == ',') {
                 members.append(std::exchange(current, {}));
-                inValue = false;
+                inValue = !isObject;
                 continue;
             }
         }
@@ -56,8 +64,19 @@ QList<Member> membersOf(const QByteArray& bytes)
             inString = !inString;
         }
     }
-    if (!current.key.isEmpty()) members.append(current);
+    if (!current.key.isEmpty() || !current.value.isEmpty()) members.append(current);
     return members;
+}
+
+QByteArray joined(const QList<Member>& members, bool isObject)
+{
+    QByteArray result{isObject ? "{" : "["};
+    for (const Member& member : members) {
+        if (result.size() > 1) result += ',';
+        if (isObject) result += member.key + ':';
+        result += member.value;
+    }
+    return result + (isObject ? '}' : ']');
 }
 
 QString decodedKey(const Member& member)
@@ -127,20 +146,41 @@ QList<QJsonObject> objects(const QJsonObject& object, QLatin1StringView key)
 
 QByteArray withMember(const QByteArray& bytes, const QString& key, const QJsonValue& value)
 {
-    QList<Member> members;
-    if (object(bytes)) {
-        for (Member& member : membersOf(bytes)) {
-            if (decodedKey(member) != key) members.append(std::move(member));
-        }
-    }
-    members.append({compact(key), compact(value)});
+    return withValueAt(object(bytes) ? bytes : "{}"_ba, {key}, value).value_or(QByteArray{});
+}
 
-    QByteArray result{"{"};
-    for (const Member& member : members) {
-        if (result.size() > 1) result += ',';
-        result += member.key + ':' + member.value;
+std::optional<QByteArray> withValueAt(const QByteArray& bytes, const QList<Step>& path,
+                                      const QJsonValue& value)
+{
+    if (path.isEmpty()) return compact(value);
+    const QByteArray text = bytes.trimmed();
+    const bool isObject = text.startsWith('{');
+    const auto* const key = std::get_if<QString>(&path.constFirst());
+    if (isObject != (key != nullptr) || (!isObject && !text.startsWith('['))) return std::nullopt;
+
+    QList<Member> members = membersOf(text);
+    qsizetype at = -1;
+    if (key) { // of equal keys the last one counts for readers, so that one stays
+        for (qsizetype i = members.size() - 1; i >= 0; --i) {
+            if (decodedKey(members[i]) != *key) continue;
+            if (at >= 0) {
+                members.removeAt(i);
+                --at;
+            } else {
+                at = i;
+            }
+        }
+        if (at < 0 && path.size() > 1) return std::nullopt;
+        if (at < 0) members.append({compact(*key), {}});
+    } else {
+        at = std::get<qsizetype>(path.constFirst());
+        if (at < 0 || at >= members.size()) return std::nullopt;
     }
-    return result + '}';
+    Member& member = at < 0 ? members.last() : members[at];
+    auto inner = withValueAt(member.value, path.mid(1), value);
+    if (!inner) return std::nullopt;
+    member.value = *std::move(inner);
+    return joined(members, isObject);
 }
 
 } // namespace murmeli::json

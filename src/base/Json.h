@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <optional>
+#include <variant>
 
 /// Lenient reading: a member of the wrong type is an absent member. The typing table:
 ///   boolean  true, false                  string   a JSON string
@@ -28,5 +29,13 @@ QList<QJsonObject> objects(const QJsonObject& object, QLatin1StringView key);
 /// `bytes` (a JSON object; anything else counts as {}) as compact JSON with `value` under `key`. All other
 /// members keep the very digits and letters they were written with, so large numbers survive.
 QByteArray withMember(const QByteArray& bytes, const QString& key, const QJsonValue& value);
+
+/// One step into a document: the key of a member, or the position of an element.
+using Step = std::variant<QString, qsizetype>;
+
+/// `bytes` (JSON) with `value` at the end of `path`, and everything else as it was written. The last key may
+/// be a new one. \return nothing when the path leads nowhere.
+std::optional<QByteArray> withValueAt(const QByteArray& bytes, const QList<Step>& path,
+                                      const QJsonValue& value);
 
 } // namespace murmeli::json

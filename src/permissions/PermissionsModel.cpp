@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Json.h"
 #include "base/Processes.h"
+#include "localisation/Language.h"
 #include "platform/SystemSettings.h"
 #include "service/Paths.h"
 
@@ -62,6 +63,14 @@ QStringList PermissionsModel::missingTitleKeys() const
     if (m_microphone != State::Granted) keys.append(u"perm.microphone.title"_s);
     if (m_screen != State::Granted) keys.append(u"perm.screen.title"_s);
     return keys;
+}
+
+QString PermissionsModel::names(const QStringList& titleKeys, const QString& language)
+{
+    QStringList names;
+    for (const QString& key : titleKeys)
+        names.append(Language::text(language, key));
+    return names.join(u", "_s);
 }
 
 bool PermissionsModel::recordingNow() const

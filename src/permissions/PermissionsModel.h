@@ -50,6 +50,9 @@ public:
     [[nodiscard]] bool allGranted() const;
     [[nodiscard]] QStringList missingTitleKeys() const;
 
+    /// The texts of several keys in one line.
+    Q_INVOKABLE static QString names(const QStringList& titleKeys, const QString& language);
+
     Q_INVOKABLE void refresh();
 
     /// Has the system ask the user; where it would not ask again, or after a refusal, shows its settings.

@@ -1,8 +1,13 @@
 #include "Workspace.h"
 
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QLocale>
+#include <QMimeData>
+
+using namespace Qt::StringLiterals;
 
 namespace murmeli::workspace {
 
@@ -14,6 +19,16 @@ void openFolder(const QString& path)
     while (!folder.isDir() && !folder.isRoot())
         folder.setFile(folder.absolutePath());
     openUrl(QUrl::fromLocalFile(folder.absoluteFilePath()));
+}
+
+void copyFile(const QString& path)
+{
+    const QUrl url = QUrl::fromLocalFile(path);
+    auto* data = new QMimeData;
+    data->setUrls({url});
+    data->setText(path);
+    data->setData(u"x-special/gnome-copied-files"_s, "copy\n" + url.toEncoded());
+    QGuiApplication::clipboard()->setMimeData(data);
 }
 
 QStringList preferredLanguages() { return QLocale::system().uiLanguages(); }

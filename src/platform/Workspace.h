@@ -16,6 +16,9 @@ void openFolder(const QString& path);
 /// Selects the file in the file browser. On systems whose browser can, the window is rooted at `root`.
 void reveal(const QString& path, const QString& root = {});
 
+/// Puts a file on the clipboard, for programs that take files and for those that take text.
+void copyFile(const QString& path);
+
 /// The computer's name as its owner reads it; empty when it has none.
 QString computerName();
 

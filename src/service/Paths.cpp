@@ -20,6 +20,8 @@ Paths::Paths(const QString& homeFolder)
       accountFile(root + u"/account.json"_s),
       updateScript(root + u"/update.sh"_s),
       python(root + u"/.venv/bin/python"_s),
+      pdfScript(root + u"/pipeline/protocol_pdf.py"_s),
+      rebuildScript(root + u"/pipeline/reprotocol.py"_s),
       recorderScript(root + u"/pipeline/native_rec.py"_s),
       notificationsLog(logs + u"/notifications.log"_s),
       appAgentFile(home + u"/Library/LaunchAgents/"_s + QLatin1StringView{appAgentLabel} + u".plist"_s)

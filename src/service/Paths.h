@@ -24,6 +24,8 @@ struct Paths {
     QString accountFile;
     QString updateScript;
     QString python;
+    QString pdfScript;      ///< makes a PDF of a summary file
+    QString rebuildScript;  ///< renders the protocol anew from its summary file
     QString recorderScript; ///< the recorder's answers about permissions
     QString notificationsLog;
     QString appAgentFile;

@@ -90,7 +90,7 @@ Item {
         Label {
             type: Theme.sub
             color: Theme.inkPink
-            text: L.t("permissions.subtitle.missing", root.perms.missingTitleKeys.map(key => L.t(key)).join(", "))
+            text: L.t("permissions.subtitle.missing", root.perms.names(root.perms.missingTitleKeys, L.language))
         }
     }
     PillButton {

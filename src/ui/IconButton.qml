@@ -42,6 +42,7 @@ Button {
             ink: root.hovered || root.pressed ? Theme.text1 : Theme.text2
         }
     }
+    // qmllint disable unqualified
     Loader { // a pop-up is large, and most are never seen
         anchors.fill: parent
         active: root.hovered
@@ -50,4 +51,5 @@ Button {
             text: root.help
         }
     }
+    // qmllint enable unqualified
 }

@@ -38,6 +38,9 @@ QtObject {
     readonly property color primaryHoverTo: "#4F75F0"
     readonly property color primaryPressedFrom: "#5F41DB"
     readonly property color primaryPressedTo: "#3B5DD2"
+    readonly property color recordingFrom: "#DA3D52"
+    readonly property color recordingTo: "#C4417E"
+    readonly property color mark: alpha(violet, 0.30)
     readonly property color badgeFrom: "#8467FF"
     readonly property color badgeTo: "#4A72F3"
     readonly property color topLight: alpha(white, 0.28)
@@ -45,6 +48,7 @@ QtObject {
     // Surfaces.
     readonly property color desk: dark ? "#23242C" : "#D9DAE1"
     readonly property color bgWindow: dark ? "#121318" : "#FCFCFD"
+    readonly property color bgSide: dark ? "#0D0E12" : "#F3F3F6"
     readonly property color bgPanel: dark ? "#16171D" : "#FBFBFC"
     readonly property color bgCard: dark ? "#191A21" : "#F5F5F8"
     readonly property color bgPanelCard: dark ? bgCard : "#FFFFFF"
@@ -98,6 +102,14 @@ QtObject {
     // Type: size and line in pixels, tracking in pixels.
     readonly property string family: "Inter"
     readonly property var panelTitle: ({ size: 18, line: 24, weight: Font.DemiBold, tracking: -0.3 })
+    readonly property var display: ({ size: 24, line: 30, weight: Font.DemiBold, tracking: -0.5 })
+    readonly property var row: ({ size: 14, line: 20, weight: Font.Medium, tracking: -0.1 })
+    readonly property var rowQuiet: ({ size: 14, line: 20, weight: Font.Normal, tracking: -0.1 })
+    readonly property var body: ({ size: 14, line: 21, weight: Font.Normal, tracking: -0.1 })
+    readonly property var heading: ({ size: 12.5, line: 17, weight: Font.DemiBold, tracking: 0 })
+    readonly property var link: ({ size: 12.5, line: 17, weight: Font.Medium, tracking: 0 })
+    readonly property var chip: ({ size: 11.5, line: 16, weight: Font.Medium, tracking: 0 })
+    readonly property var time: ({ size: 12.5, line: 20, weight: Font.Normal, tracking: 0 })
     readonly property var title: ({ size: 21, line: 27, weight: Font.Bold, tracking: -0.4 })
     readonly property var head: ({ size: 15, line: 20, weight: Font.DemiBold, tracking: -0.15 })
     readonly property var setting: ({ size: 13.5, line: 19, weight: Font.Medium, tracking: 0 })
@@ -135,6 +147,7 @@ QtObject {
     readonly property int rSmall: 8
     readonly property int rTile: 14
     readonly property int rField: 9
+    readonly property int rRow: 11
     readonly property int rCard: 13
     readonly property int rToast: 16
     readonly property int rPanel: 18
@@ -145,6 +158,10 @@ QtObject {
     readonly property int chromeInset: Qt.platform.os === "osx" ? 20 : 0
     readonly property int padWindow: 28
     readonly property int padUpdate: 26
+    readonly property int padMain: 32
+    readonly property int sidebarWidth: 230
+    readonly property int searchWidth: 190
+    readonly property int slide: reducedMotion ? 0 : 8
     readonly property int padCard: 14
     readonly property int rowHeight: 56
     readonly property int iconTile: 28
@@ -201,6 +218,7 @@ QtObject {
     readonly property int comet: 1100
     readonly property int spin: 900
     readonly property int progress: reducedMotion ? quick : 400
+    readonly property int afterglow: 1600
     readonly property int spring: 260
     readonly property real springOvershoot: 1.95
     readonly property int sink: reducedMotion ? 0 : 2

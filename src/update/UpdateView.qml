@@ -51,7 +51,7 @@ Rectangle {
                 id: arrow
                 x: (parent.width - width) / 2
                 y: (parent.height - height) / 2 + sunk
-                property real sunk: 0
+                property real sunk
                 size: 25
                 name: "arrow.down.circle"
                 ink: root.accentInk

@@ -72,7 +72,7 @@ private slots:
         QTest::newRow("added") << R"({"locale":"en","x":1})"_ba
                                << R"({"locale":"en","x":1,"k":false})"_ba;
         QTest::newRow("replaced") << R"({ "k" : [1, {"k": 2}] , "x":1 })"_ba
-                                  << R"({"x":1,"k":false})"_ba;
+                                  << R"({"k":false,"x":1})"_ba;
         QTest::newRow("digits of any length")
             << R"({"big":123456789012345678901234567890,"f":1.10,"e":1E+2,"n":-0})"_ba
             << R"({"big":123456789012345678901234567890,"f":1.10,"e":1E+2,"n":-0,"k":false})"_ba;
@@ -80,7 +80,7 @@ private slots:
             << "{\"a \\\" }, \\\\\":\"[ \\u0416 , : \\\\\",\"b\":{\"c\":[ \"x y\" , {} ]}}"_ba
             << "{\"a \\\" }, \\\\\":\"[ \\u0416 , : \\\\\",\"b\":{\"c\":[\"x y\",{}]},\"k\":false}"_ba;
         QTest::newRow("key written with an escape") << R"({"\u006b":1})"_ba
-                                                    << R"({"k":false})"_ba;
+                                                    << R"({"\u006b":false})"_ba;
         QTest::newRow("empty object") << " { } "_ba
                                       << R"({"k":false})"_ba;
         QTest::newRow("two of a name") << R"({"k":1,"a":2,"k":3})"_ba
@@ -90,6 +90,39 @@ private slots:
     {
         QFETCH(QByteArray, old);
         QTEST(json::withMember(old, u"k"_s, false), "expected");
+    }
+
+    void valuesInTheDepth_data()
+    {
+        using Path = QList<json::Step>;
+        QTest::addColumn<QByteArray>("old");
+        QTest::addColumn<Path>("path");
+        QTest::addColumn<QByteArray>("expected"); ///< null: the path leads nowhere
+        const QByteArray old = R"({"a":[{"t":"x","n":12345678901234567890},"y",[1, 2]],"b":{"c":1.50}})";
+        QTest::newRow("element")
+            << old << Path{u"a"_s, 1}
+            << R"({"a":[{"t":"x","n":12345678901234567890},"n",[1,2]],"b":{"c":1.50}})"_ba;
+        QTest::newRow("member of an element")
+            << old << Path{u"a"_s, 0, u"t"_s}
+            << R"({"a":[{"t":"n","n":12345678901234567890},"y",[1,2]],"b":{"c":1.50}})"_ba;
+        QTest::newRow("new member")
+            << old << Path{u"b"_s, u"d"_s}
+            << R"({"a":[{"t":"x","n":12345678901234567890},"y",[1,2]],"b":{"c":1.50,"d":"n"}})"_ba;
+        QTest::newRow("in an array of arrays")
+            << old << Path{u"a"_s, 2, 1}
+            << R"({"a":[{"t":"x","n":12345678901234567890},"y",[1,"n"]],"b":{"c":1.50}})"_ba;
+        QTest::newRow("beyond the end") << old << Path{u"a"_s, 3} << QByteArray{};
+        QTest::newRow("before the start") << old << Path{u"a"_s, -1} << QByteArray{};
+        QTest::newRow("a key in an array") << old << Path{u"a"_s, u"t"_s} << QByteArray{};
+        QTest::newRow("a position in an object") << old << Path{u"b"_s, 0} << QByteArray{};
+        QTest::newRow("through a text") << old << Path{u"a"_s, 1, u"t"_s} << QByteArray{};
+        QTest::newRow("through what is not there") << old << Path{u"z"_s, u"t"_s} << QByteArray{};
+    }
+    void valuesInTheDepth()
+    {
+        QFETCH(QByteArray, old);
+        QFETCH(QList<json::Step>, path);
+        QTEST(json::withValueAt(old, path, u"n"_s).value_or(QByteArray{}), "expected");
     }
 
     void keysAndValuesAreEscaped()

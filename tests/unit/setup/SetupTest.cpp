@@ -162,17 +162,17 @@ private slots:
     void aCutCharacterLosesItsReadOnly()
     {
         // Each piece is read before the next is written.
-        m->install("printf 'one\\n\\320'; read -r < '" + m->gate() + "'; printf '\\226\\n'; read -r < '" +
-                   m->gate() + "'; printf '@@start|app\\nhalf'; read -r < '" + m->gate() +
+        m->install("printf 'one\\n\\320'; read -r < '" + m->gate(1) + "'; printf '\\226\\n'; read -r < '" +
+                   m->gate(2) + "'; printf '@@start|app\\nhalf'; read -r < '" + m->gate(3) +
                    "'; printf '@@done|app\\n'; exit 1");
         m->runner->start();
         QTRY_COMPARE(m->log(), "one\n\320"_ba);
         QCOMPARE(m->runner->tail(), QString{});
-        m->openGate();
+        m->openGate(1);
         QTRY_COMPARE(m->log(), "one\n\320\226\n"_ba);
-        m->openGate();
+        m->openGate(2);
         QTRY_COMPARE(m->runner->tail(), u"half"_s);
-        m->openGate();
+        m->openGate(3);
         QTRY_VERIFY(m->runner->hasFailed());
         QCOMPARE(m->runner->state(SetupStep::App).kind, StepState::Done); // a cut line is two lines
     }
@@ -262,16 +262,16 @@ private:
                 if (wire.isEmpty() || wire.contains("Connection: close")) socket->disconnectFromHost();
             };
         }
-        /// A pipe at which a script waits.
-        [[nodiscard]] QByteArray gate() const
+        /// A pipe at which a script waits, once.
+        [[nodiscard]] QByteArray gate(int number = 0) const
         {
-            const QByteArray path = QFile::encodeName(home.filePath(u"gate"_s));
+            const QByteArray path = QFile::encodeName(home.filePath(u"gate%1"_s.arg(number)));
             ::mkfifo(path.constData(), 0600);
             return path;
         }
-        void openGate() const
+        void openGate(int number = 0) const
         {
-            QFile file{QFile::decodeName(gate())};
+            QFile file{QFile::decodeName(gate(number))};
             QVERIFY(file.open(QIODevice::WriteOnly)); // waits for the script
             file.write("\n");
         }

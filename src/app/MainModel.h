@@ -1,0 +1,70 @@
+#pragma once
+
+#include "detail/MeetingDetailModel.h"
+#include "meetings/MeetingStore.h"
+#include "protocol/AssistantModel.h"
+#include "protocol/GlossaryStore.h"
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include <memory>
+
+namespace murmeli {
+
+/// What the main window shows: which tab, and which meeting is open. Main thread only.
+class MainModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to the main window")
+    Q_PROPERTY(Tab tab READ tab WRITE setTab NOTIFY tabChanged FINAL)
+    Q_PROPERTY(murmeli::MeetingDetailModel* detail READ detail NOTIFY detailChanged FINAL) ///< null: the list
+    Q_PROPERTY(murmeli::MeetingStore* store READ store CONSTANT FINAL)
+    Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
+    Q_PROPERTY(murmeli::AssistantModel* assistant READ assistant CONSTANT FINAL)
+
+public:
+    enum class Tab { Meetings, Assistant };
+    Q_ENUM(Tab)
+
+    struct Ground {
+        const Paths& paths;
+        Prefs& prefs;
+        AuthManager& account;
+        Http& http;
+        Processes& processes;
+        const Language& language;
+        Scheduler& scheduler;
+        QString webOrigin;
+    };
+
+    explicit MainModel(const Ground& ground, QObject* parent = nullptr);
+    ~MainModel() override;
+    Q_DISABLE_COPY_MOVE(MainModel)
+
+    [[nodiscard]] Tab tab() const { return m_tab; }
+    void setTab(Tab tab);
+    [[nodiscard]] MeetingDetailModel* detail() const { return m_detail.get(); }
+    [[nodiscard]] MeetingStore* store() { return &m_store; }
+    [[nodiscard]] GlossaryStore* glossary() { return &m_glossary; }
+    [[nodiscard]] AssistantModel* assistant() { return &m_assistant; }
+
+    Q_INVOKABLE void open(const QString& id);
+    /// Back to the list. \return the meeting that was open.
+    Q_INVOKABLE QString back();
+
+signals:
+    void tabChanged();
+    void detailChanged();
+
+private:
+    Ground m_ground;
+    QObject m_rebuilding;
+    MeetingStore m_store;
+    GlossaryStore m_glossary;
+    AssistantModel m_assistant;
+    Tab m_tab = Tab::Meetings;
+    std::unique_ptr<MeetingDetailModel> m_detail;
+};
+
+} // namespace murmeli

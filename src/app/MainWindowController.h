@@ -1,0 +1,33 @@
+#pragma once
+
+#include "KeyPanel.h"
+#include "MainModel.h"
+
+#include <memory>
+
+namespace murmeli {
+
+class AppWindow;
+
+/// Opens the main window, which is made with the first look at it, with what it shows. Main thread only.
+class MainWindowController final {
+public:
+    MainWindowController(QQmlEngine& engine, const MainModel::Ground& ground, AppState& state,
+                         RecordControl& record, QString placeFile);
+    ~MainWindowController();
+    Q_DISABLE_COPY_MOVE(MainWindowController)
+
+    /// Has the meetings looked for anew and brings the window forward.
+    void show();
+
+private:
+    QQmlEngine& m_engine;
+    MainModel::Ground m_ground;
+    AppState& m_state;
+    RecordControl& m_record;
+    QString m_placeFile; ///< remembers the window's size and place
+    std::unique_ptr<MainModel> m_model;
+    std::unique_ptr<AppWindow> m_window;
+};
+
+} // namespace murmeli

@@ -1,0 +1,94 @@
+import QtQuick
+import Murmeli.App
+import Murmeli.Detail
+import Murmeli.Meetings
+import Murmeli.Protocol
+import Murmeli.Service
+import Murmeli.Ui
+
+// The large window: the sidebar, and beside it the meetings, one of them, or the assistant.
+Rectangle {
+    id: root
+
+    required property MainModel model
+    required property AppState appState
+    required property RecordControl record
+    readonly property bool onMeetings: model.tab === MainModel.Meetings
+    readonly property bool inDetail: onMeetings && model.detail !== null
+
+    function back(): void {
+        if (!root.inDetail) return;
+        const id = root.model.back();
+        meetings.focusList(id);
+    }
+    function search(): void {
+        if (root.inDetail) root.back();
+        if (root.onMeetings) meetings.search();
+        else assistant.search();
+    }
+
+    color: Theme.bgWindow
+
+    Shortcut { sequence: "Ctrl+F"; onActivated: root.search() }
+    Shortcut { sequence: "Ctrl+1"; onActivated: root.model.tab = MainModel.Meetings }
+    Shortcut { sequence: "Ctrl+2"; onActivated: root.model.tab = MainModel.Assistant }
+    Shortcut { sequence: "Alt+Left"; onActivated: root.back() }
+
+    Sidebar {
+        id: sidebar
+        height: parent.height
+        model: root.model
+        appState: root.appState
+        record: root.record
+    }
+    Item {
+        id: content
+        anchors { left: sidebar.right; right: parent.right; top: parent.top; bottom: parent.bottom }
+        clip: true
+
+        MeetingsPane {
+            id: meetings
+            width: parent.width
+            height: parent.height
+            store: root.model.store
+            enabled: root.onMeetings && !root.inDetail
+            visible: opacity > 0
+            opacity: enabled ? 1 : 0
+            x: root.inDetail ? -Theme.slide : 0
+            onOpened: id => root.model.open(id)
+            Behavior on opacity { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
+            Behavior on x { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
+        }
+        Loader {
+            id: detail
+            width: parent.width
+            height: parent.height
+            active: root.model.detail !== null
+            visible: root.inDetail
+            // qmllint disable unqualified
+            sourceComponent: MeetingDetail {
+                detail: root.model.detail
+                onClosed: root.back()
+            }
+            // qmllint enable unqualified
+            onLoaded: {
+                appear.restart();
+                (item as MeetingDetail).focusFirst();
+            }
+            ParallelAnimation {
+                id: appear
+                NumberAnimation { target: detail; property: "opacity"; from: 0; to: 1; duration: Theme.swap; easing.type: Easing.OutCubic }
+                NumberAnimation { target: detail; property: "x"; from: Theme.slide; to: 0; duration: Theme.swap; easing.type: Easing.OutCubic }
+            }
+        }
+        AssistantPane {
+            id: assistant
+            width: parent.width
+            height: parent.height
+            model: root.model.assistant
+            store: root.model.glossary
+            enabled: !root.onMeetings
+            visible: enabled
+        }
+    }
+}

@@ -1,0 +1,121 @@
+import QtQuick
+import Murmeli.Detail
+import Murmeli.Localisation
+import Murmeli.Protocol
+import Murmeli.Ui
+
+// Which meeting this is, and what can be done with its protocol.
+Column {
+    id: root
+
+    required property MeetingDetailModel detail
+    readonly property bool building: detail.files.outcome === ProtocolFileMaker.Working
+
+    signal closed()
+
+    function focusFirst(): void {
+        back.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
+    topPadding: 10 + Theme.chromeInset
+
+    LinkButton {
+        id: back
+        x: -Theme.gapSmall - 2
+        symbol: "chevron.left"
+        ink: Theme.text2
+        type: Theme.button
+        text: L.t("tab.meetings")
+        spokenName: L.t("detail.back")
+        onClicked: root.closed()
+    }
+    Item {
+        width: parent.width
+        height: title.height + Theme.gapRow
+        Label {
+            id: title
+            y: Theme.gapRow
+            width: Math.min(implicitWidth, parent.width - (pill.visible ? pill.width + Theme.padPanel : 0))
+            type: Theme.display
+            text: root.detail.title
+            Accessible.role: Accessible.Heading
+        }
+        Rectangle {
+            id: pill
+            anchors { left: title.right; leftMargin: Theme.padPanel; verticalCenter: title.verticalCenter }
+            visible: root.detail.edited
+            width: badge.width + 16
+            height: 20
+            radius: height / 2
+            color: Theme.tint(Theme.violet)
+            Accessible.role: Accessible.StaticText
+            Accessible.name: L.t("detail.edited")
+            Row {
+                id: badge
+                anchors.centerIn: parent
+                spacing: 5
+                Symbol {
+                    anchors.verticalCenter: parent.verticalCenter
+                    size: 11
+                    name: "pencil"
+                    ink: Theme.inkViolet
+                }
+                Label {
+                    type: Theme.chip
+                    color: Theme.inkViolet
+                    text: L.t("editor.badge")
+                    Accessible.ignored: true
+                }
+            }
+        }
+    }
+    Label {
+        topPadding: 3
+        type: Theme.lead
+        color: Theme.text2
+        text: root.detail.dateLine(L.language)
+    }
+    Row {
+        topPadding: 16
+        spacing: Theme.gapRow
+        PillButton {
+            id: saving
+            buttonHeight: Theme.buttonHeight
+            symbol: "square.and.arrow.down"
+            enabled: !root.building
+            text: L.t("file.save")
+            onClicked: root.detail.save(saving)
+        }
+        PillButton {
+            id: sharing
+            buttonHeight: Theme.buttonHeight
+            symbol: "square.and.arrow.up"
+            enabled: !root.building
+            text: L.t("file.share")
+            onClicked: root.detail.share(sharing)
+        }
+        PillButton {
+            visible: root.detail.hasProtocol
+            buttonHeight: Theme.buttonHeight
+            symbol: "folder"
+            text: Qt.platform.os === "osx" ? L.t("detail.reveal") : L.t("detail.reveal.linux")
+            onClicked: root.detail.reveal()
+        }
+        Label {
+            height: Theme.buttonHeight
+            verticalAlignment: Text.AlignVCenter
+            visible: root.detail.loaded && !root.detail.hasProtocol
+            type: Theme.sub
+            color: Theme.text3
+            text: L.t("detail.no_protocol")
+        }
+    }
+    FileLine {
+        width: parent.width
+        files: root.detail.files
+    }
+    Item {
+        width: 1
+        height: 16
+    }
+}

@@ -1,0 +1,105 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Murmeli.Detail
+import Murmeli.Localisation
+import Murmeli.Ui
+
+// A meeting's protocol, and the tools to correct it and to pass it on.
+Item {
+    id: root
+
+    required property MeetingDetailModel detail
+
+    signal closed()
+
+    function focusFirst(): void {
+        header.focusFirst();
+    }
+
+    Keys.onEscapePressed: root.closed()
+
+    Connections {
+        target: root.detail
+        function onChanged() {
+            if (list.begun || !root.detail.loaded) return;
+            list.begun = true;
+            list.positionViewAtBeginning();
+        }
+        function onCorrected(row: int) {
+            if (row >= 0) list.positionViewAtIndex(row, ListView.Contain);
+        }
+    }
+    DetailHeader {
+        id: header
+        x: Theme.padMain
+        width: parent.width - 2 * Theme.padMain
+        detail: root.detail
+        onClosed: root.closed()
+    }
+    ListView {
+        id: list
+
+        property bool begun: false // the protocol has come, and is shown from its beginning
+
+        anchors { left: parent.left; right: parent.right; top: header.bottom; bottom: remark.top }
+        clip: true
+        reuseItems: false
+        bottomMargin: 36
+        boundsBehavior: Flickable.StopAtBounds
+        activeFocusOnTab: true
+        model: root.detail.sections
+        Accessible.role: Accessible.List
+        Accessible.name: root.detail.title
+        ScrollBar.vertical: ScrollThumb { }
+        Keys.onUpPressed: flick(0, 700)
+        Keys.onDownPressed: flick(0, -700)
+        // qmllint disable unqualified
+        header: Label {
+            x: Theme.padMain
+            width: Math.min(640, list.width - 2 * Theme.padMain)
+            visible: root.detail.tldr.length > 0
+            bottomPadding: visible ? 20 : 0
+            type: Theme.body
+            color: Theme.text2
+            wrapMode: Text.Wrap
+            text: root.detail.tldr
+        }
+        delegate: Item {
+            id: place
+
+            required property string text
+            required property string titleKey
+            required property bool last
+            required property string before
+            required property bool corrected
+
+            width: list.width
+            height: row.implicitHeight
+            ProtocolItemRow {
+                id: row
+                x: Theme.padMain
+                width: parent.width - 2 * Theme.padMain
+                text: place.text
+                titleKey: place.titleKey
+                last: place.last
+                before: place.before
+                corrected: place.corrected
+            }
+        }
+        // qmllint enable unqualified
+        FocusRing { shown: list.activeFocus; corner: Theme.rSmall; gap: -Theme.focusWidth * 2 }
+    }
+    Rectangle { // the protocol fades out under the remark box
+        anchors { left: parent.left; right: parent.right; rightMargin: Theme.gapGroup; bottom: remark.top }
+        height: 36
+        gradient: Gradient {
+            GradientStop { position: 0; color: Theme.alpha(Theme.bgWindow, 0) }
+            GradientStop { position: 1; color: Theme.bgWindow }
+        }
+    }
+    RemarkBox {
+        id: remark
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+        detail: root.detail
+    }
+}

@@ -1,0 +1,151 @@
+#include "MeetingDetailModel.h"
+
+#include "base/Background.h"
+#include "base/Files.h"
+#include "base/Json.h"
+#include "base/Scheduler.h"
+#include "base/Text.h"
+#include "localisation/Language.h"
+#include "meetings/MeetingCaptions.h"
+#include "meetings/MeetingStore.h"
+#include "meetings/SummaryFile.h"
+#include "platform/FileDialog.h"
+#include "platform/ShareMenu.h"
+#include "platform/Workspace.h"
+#include "protocol/GlossaryStore.h"
+#include "service/Paths.h"
+
+#include <QDir>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QStandardPaths>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr qsizetype titleLength = 400; // code units; a title has one line
+
+} // namespace
+
+MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meeting, QObject* parent)
+    : QObject(parent),
+      m_ground(ground),
+      m_meeting(meeting),
+      m_editor({.webOrigin = ground.webOrigin,
+                .python = ground.paths.python,
+                .rebuildScript = ground.paths.rebuildScript},
+               ground.account, ground.http, ground.processes, ground.language, ground.scheduler,
+               ground.rebuilding),
+      m_files(ground.paths, ground.processes, ground.language, workspace::copyFile)
+{
+    load();
+    connect(&ground.store, &MeetingStore::scanned, this, [this] {
+        const Meeting* now = m_ground.store.list()->find(m_meeting.id);
+        if (!now || *now == m_meeting) return;
+        m_meeting = *now;
+        load();
+        emit changed();
+    });
+    connect(&m_files, &ProtocolFileMaker::shared, this, [this](const QString& path) {
+        if (!m_anchor || !m_anchor->window()) return;
+        const auto t = [this](const char* key) { return m_ground.language.t(QString::fromLatin1(key)); };
+        shareMenu::present(
+            path, {t("file.share.mail"), t("file.share.open"), t("file.share.folder"), t("file.share.copy")},
+            m_anchor->window(), m_anchor->mapToScene(QPointF{0, m_anchor->height() + 4}).toPoint());
+    });
+}
+
+MeetingDetailModel::~MeetingDetailModel() = default;
+
+QString MeetingDetailModel::title() const
+{
+    return m_meeting.title.left(titleLength).replace(u'\n', u' ').replace(u'\r', u' ');
+}
+
+QString MeetingDetailModel::dateLine(const QString& language) const
+{
+    const QDate today = QDateTime::fromMSecsSinceEpoch(qint64(m_ground.scheduler.now() * 1000)).date();
+    return captions::dateLine(m_meeting, today, language);
+}
+
+void MeetingDetailModel::load()
+{
+    const auto read = [meeting = m_meeting, protocols = m_ground.store.protocols()] {
+        Content content;
+        const auto bytes = files::readWhole(meeting.jsonPath, summaryFile::sizeLimit);
+        if (const auto summary = bytes ? json::object(*bytes) : std::nullopt) {
+            content.readable = true;
+            content.sections = protocolItems::sections(*summary);
+            content.edited = protocolItems::isEdited(*summary);
+        }
+        content.protocol = protocols->find(meeting);
+        return content;
+    };
+    inBackground(this, read, [this](const Content& content) { take(content); });
+}
+
+void MeetingDetailModel::take(const Content& content)
+{
+    // A file that is being rewritten at this moment leaves what is shown.
+    if (content.readable || !m_loaded) {
+        m_sections.setSections(content.sections);
+        m_edited = content.edited;
+    }
+    m_protocol = content.protocol;
+    m_loaded = true;
+    emit changed();
+    if (const auto correction = std::exchange(m_correction, std::nullopt)) {
+        emit corrected(m_sections.markCorrected(correction->section, correction->index, correction->before));
+    }
+}
+
+void MeetingDetailModel::sendRemark(const QString& remark)
+{
+    if (text::trimmed(remark).isEmpty() || m_editor.outcome() == ProtocolEditor::Outcome::Working) return;
+    m_editor.apply(remark, m_meeting, [this](bool fixed) {
+        if (!fixed) return;
+        m_correction = {m_editor.section(), m_editor.index(),
+                        m_sections.textOf(m_editor.section(), m_editor.index())};
+        m_edited = true;
+        load();
+        m_ground.store.reload();
+        emit remarkDone();
+    });
+}
+
+void MeetingDetailModel::save(QQuickItem* anchor)
+{
+    QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    if (!QFileInfo{folder}.isDir()) folder = m_ground.paths.home;
+    const fileDialog::Question question{.title = m_ground.language.t(u"file.dialog"_s),
+                                        .suggested =
+                                            folder + u'/' + ProtocolFileMaker::suggestedName(m_meeting),
+                                        .kind = u"PDF (*.pdf)"_s,
+                                        .suffix = u"pdf"_s};
+    fileDialog::save(question, anchor->window(), [self = QPointer{this}](const QString& path) {
+        if (self) self->m_files.save(self->m_meeting, path);
+    });
+}
+
+void MeetingDetailModel::share(QQuickItem* anchor)
+{
+    m_anchor = anchor;
+    m_files.share(m_meeting);
+}
+
+void MeetingDetailModel::reveal() const
+{
+    if (m_protocol) workspace::reveal(*m_protocol, m_ground.paths.vaultDir);
+}
+
+bool MeetingDetailModel::learn(const QString& heard, const QString& correct)
+{
+    return m_ground.glossary.learn(heard, correct);
+}
+
+} // namespace murmeli

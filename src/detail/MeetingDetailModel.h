@@ -1,0 +1,110 @@
+#pragma once
+
+#include "SectionListModel.h"
+#include "meetings/Meeting.h"
+#include "protocol/ProtocolEditor.h"
+#include "protocol/ProtocolFileMaker.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QQuickItem>
+#include <QtQml/qqmlregistration.h>
+
+namespace murmeli {
+
+class GlossaryStore;
+class MeetingStore;
+
+/// One opened meeting: its protocol and what can be done with it. Main thread only.
+class MeetingDetailModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made for a meeting and handed to its view")
+    Q_PROPERTY(QString title READ title NOTIFY changed FINAL)
+    Q_PROPERTY(QString tldr READ tldr NOTIFY changed FINAL)
+    Q_PROPERTY(bool edited READ edited NOTIFY changed FINAL)
+    Q_PROPERTY(bool loaded READ loaded NOTIFY changed FINAL)
+    Q_PROPERTY(bool hasProtocol READ hasProtocol NOTIFY changed FINAL)
+    Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
+    Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
+    Q_PROPERTY(murmeli::ProtocolFileMaker* files READ files CONSTANT FINAL)
+
+public:
+    /// What the meeting stands among; all of it outlives the model.
+    struct Ground {
+        const Paths& paths;
+        MeetingStore& store;
+        GlossaryStore& glossary;
+        const AuthManager& account;
+        Http& http;
+        Processes& processes;
+        const Language& language;
+        const Scheduler& scheduler;
+        QString webOrigin;
+        QObject& rebuilding; ///< for as long as it lives, a protocol may still be rendered anew
+    };
+
+    MeetingDetailModel(const Ground& ground, const Meeting& meeting, QObject* parent = nullptr);
+    ~MeetingDetailModel() override;
+    Q_DISABLE_COPY_MOVE(MeetingDetailModel)
+
+    [[nodiscard]] QString id() const { return m_meeting.id; }
+    [[nodiscard]] QString title() const;
+    [[nodiscard]] QString tldr() const { return m_meeting.tldr; }
+    [[nodiscard]] bool edited() const { return m_edited; }
+    [[nodiscard]] bool loaded() const { return m_loaded; }
+    [[nodiscard]] bool hasProtocol() const { return m_protocol.has_value(); }
+    [[nodiscard]] SectionListModel* sections() { return &m_sections; }
+    [[nodiscard]] ProtocolEditor* editor() { return &m_editor; }
+    [[nodiscard]] ProtocolFileMaker* files() { return &m_files; }
+
+    /// Day and time, as `language` writes them.
+    Q_INVOKABLE [[nodiscard]] QString dateLine(const QString& language) const;
+
+    /// Nothing when the remark is empty or another one is on its way.
+    Q_INVOKABLE void sendRemark(const QString& remark);
+
+    /// Asks where, in front of the item's window, and builds the PDF there.
+    Q_INVOKABLE void save(QQuickItem* anchor);
+
+    /// Builds a PDF and offers what can be done with it, below the item.
+    Q_INVOKABLE void share(QQuickItem* anchor);
+
+    Q_INVOKABLE void reveal() const;
+
+    /// \return false when there is nothing to learn.
+    Q_INVOKABLE bool learn(const QString& heard, const QString& correct);
+
+signals:
+    void changed();
+    void remarkDone();       ///< the protocol was corrected
+    void corrected(int row); ///< where, in the list of sections
+
+private:
+    struct Content {
+        bool readable = false;
+        QList<ProtocolSection> sections;
+        bool edited = false;
+        std::optional<QString> protocol;
+    };
+    void load();
+    void take(const Content& content);
+
+    Ground m_ground;
+    Meeting m_meeting;
+    SectionListModel m_sections{nullptr};
+    ProtocolEditor m_editor;
+    ProtocolFileMaker m_files;
+    std::optional<QString> m_protocol;
+    bool m_edited = false;
+    bool m_loaded = false;
+    struct Correction {
+        QString section;
+        qsizetype index = 0;
+        QString before;
+    };
+    std::optional<Correction> m_correction; ///< to be marked once the file has been read again
+    QPointer<QQuickItem> m_anchor;
+};
+
+} // namespace murmeli

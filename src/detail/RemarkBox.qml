@@ -1,0 +1,206 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Murmeli.Detail
+import Murmeli.Localisation
+import Murmeli.Protocol
+import Murmeli.Ui
+
+// Corrects the protocol by a sentence in plain words, and says what has come of it.
+Item {
+    id: root
+
+    required property MeetingDetailModel detail
+    readonly property ProtocolEditor editor: detail.editor
+    readonly property bool working: editor.outcome === ProtocolEditor.Working
+    readonly property bool failed: editor.outcome === ProtocolEditor.Failed
+    readonly property bool fixed: editor.outcome === ProtocolEditor.Fixed
+    property bool teaching: false
+    property string learned
+
+    function send(): void {
+        root.learned = "";
+        root.detail.sendRemark(field.text);
+    }
+
+    implicitHeight: column.height + 30
+
+    Rectangle {
+        width: parent.width
+        height: Theme.hair
+        color: Theme.line
+    }
+    Connections {
+        target: root.detail
+        function onRemarkDone() { field.clear(); }
+    }
+    Column {
+        id: column
+        x: Theme.padMain
+        y: Theme.padPanel
+        width: parent.width - 2 * Theme.padMain
+
+        Item {
+            width: parent.width
+            height: (teach.implicitHeight + Theme.gapGroup) * unfolded
+            visible: unfolded > 0
+            clip: unfolded < 1
+            property real unfolded: root.teaching ? 1 : 0
+            Behavior on unfolded { NumberAnimation { duration: Theme.base; easing.type: Easing.OutCubic } }
+            TeachBox {
+                id: teach
+                width: parent.width
+                detail: root.detail
+                onLearned: rule => root.learned = rule
+                onClosed: {
+                    root.teaching = false;
+                    teachLink.forceActiveFocus(Qt.OtherFocusReason);
+                }
+            }
+        }
+        Rectangle {
+            width: parent.width
+            height: Math.min(Math.max(44, field.implicitHeight), 44 + 3 * Theme.body.line)
+            radius: Theme.rTile
+            color: Theme.bgCard
+            border.width: Theme.hair
+            border.color: field.activeFocus ? Theme.violet : Theme.lineField
+
+            Rectangle {
+                anchors.fill: parent
+                anchors.margins: -3
+                z: -1
+                radius: parent.radius + 3
+                color: Theme.alpha(Theme.violet, 0.26)
+                visible: field.activeFocus
+            }
+            ScrollView {
+                anchors.fill: parent
+                anchors.rightMargin: 46
+                TextArea {
+                    id: field
+                    leftPadding: 16
+                    topPadding: 11
+                    bottomPadding: 11
+                    wrapMode: TextArea.Wrap
+                    textFormat: TextEdit.PlainText
+                    readOnly: root.working
+                    selectByMouse: true
+                    color: Theme.text1
+                    placeholderText: L.t("editor.placeholder")
+                    placeholderTextColor: Theme.text3
+                    selectionColor: Theme.alpha(Theme.violet, 0.35)
+                    selectedTextColor: Theme.text1
+                    font.family: Theme.family
+                    font.pointSize: Theme.body.size * Look.pointsPerPixel
+                    font.hintingPreference: Font.PreferNoHinting
+                    background: null
+                    KeyNavigation.priority: KeyNavigation.BeforeItem
+                    KeyNavigation.tab: button.visible ? button : teachLink
+                    Accessible.role: Accessible.EditableText
+                    Accessible.name: L.t("detail.remark")
+                    onTextChanged: if (text.length > 0 && !root.working) root.editor.reset()
+                    Keys.onReturnPressed: event => {
+                        if (event.modifiers & Qt.ShiftModifier) event.accepted = false;
+                        else root.send();
+                    }
+                    Keys.onEnterPressed: root.send()
+                }
+            }
+            Spinner {
+                anchors { right: parent.right; rightMargin: 14; verticalCenter: parent.verticalCenter }
+                visible: root.working
+                size: Theme.symbolText
+            }
+            Button {
+                id: button
+                anchors { right: parent.right; rightMargin: 6; bottom: parent.bottom; bottomMargin: 6 }
+                width: 32
+                height: 32
+                visible: !root.working
+                focusPolicy: Qt.TabFocus
+                hoverEnabled: true
+                readonly property bool ready: field.text.trim().length > 0
+                enabled: ready
+                Accessible.role: Accessible.Button
+                Accessible.name: L.t("detail.send")
+                Accessible.onPressAction: if (ready) root.send()
+                Keys.onReturnPressed: root.send()
+                onClicked: root.send()
+                background: Rectangle {
+                    radius: width / 2
+                    color: Theme.fill
+                    Rectangle {
+                        anchors.fill: parent
+                        radius: parent.radius
+                        opacity: button.ready ? 1 : 0
+                        gradient: Gradient {
+                            orientation: Gradient.Horizontal
+                            GradientStop { position: 0; color: button.hovered ? Theme.primaryHoverFrom : Theme.primaryFrom }
+                            GradientStop { position: 1; color: button.hovered ? Theme.primaryHoverTo : Theme.primaryTo }
+                        }
+                        Behavior on opacity { NumberAnimation { duration: Theme.quick } }
+                    }
+                    FocusRing { shown: button.visualFocus; corner: parent.radius }
+                }
+                contentItem: Item {
+                    Symbol {
+                        anchors.centerIn: parent
+                        size: Theme.symbolText
+                        name: "arrow.up"
+                        ink: button.ready ? Theme.white : Theme.text4
+                    }
+                }
+            }
+        }
+        Item {
+            width: parent.width
+            height: Math.max(teachLink.height, outcome.height) + 7
+
+            Symbol {
+                id: glyph
+                y: outcome.y + 1
+                visible: root.editor.outcome !== ProtocolEditor.Idle || root.learned.length > 0
+                size: Theme.symbolText
+                name: root.working ? "hourglass" : root.failed ? "exclamationmark.triangle"
+                    : root.editor.outcome === ProtocolEditor.NotFound ? "magnifyingglass" : "checkmark.circle.fill"
+                ink: root.working ? Theme.inkCyan : root.failed ? Theme.inkRed
+                    : root.editor.outcome === ProtocolEditor.NotFound ? Theme.inkPink : Theme.inkGreen
+                RotationAnimation on rotation {
+                    running: root.working && Theme.motion
+                    loops: Animation.Infinite
+                    from: 0
+                    to: 180
+                    duration: Theme.spin
+                    onStopped: glyph.rotation = 0
+                }
+            }
+            Label {
+                id: outcome
+                y: 11
+                x: glyph.visible ? 23 : 0
+                width: parent.width - x - teachLink.width - Theme.padPanel
+                type: Theme.sub
+                wrapMode: Text.Wrap
+                maximumLineCount: 2
+                elide: Text.ElideRight
+                color: root.failed ? Theme.inkRed : glyph.visible ? Theme.text2 : Theme.text3
+                text: root.working ? L.t("editor.working") : root.failed ? root.editor.text
+                    : root.editor.outcome === ProtocolEditor.NotFound ? L.t("editor.not_found")
+                    : root.fixed ? L.t("editor.done", root.editor.text)
+                    : root.learned.length > 0 ? L.t("detail.learned", root.learned) : L.t("editor.hint")
+                Accessible.role: root.failed ? Accessible.AlertMessage : Accessible.StatusBar
+            }
+            LinkButton {
+                id: teachLink
+                anchors.right: parent.right
+                y: 7
+                symbol: "graduationcap"
+                text: root.teaching ? L.t("editor.teach.hide") : L.t("editor.teach")
+                onClicked: {
+                    root.teaching = !root.teaching;
+                    if (root.teaching) teach.focusFirst();
+                }
+            }
+        }
+    }
+}

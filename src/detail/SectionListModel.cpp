@@ -1,0 +1,91 @@
+#include "SectionListModel.h"
+
+#include <algorithm>
+
+namespace murmeli {
+
+void SectionListModel::setSections(const QList<ProtocolSection>& sections)
+{
+    QList<Row> rows;
+    for (const ProtocolSection& section : sections) {
+        for (const auto& item : section.items) {
+            const bool first = &item == &section.items.first();
+            rows.append({section.key, first ? section.titleKey : QString{}, &item == &section.items.last(),
+                         item.index, item.text});
+        }
+    }
+    if (rows.size() != m_rows.size()) {
+        beginResetModel();
+        m_rows = rows;
+        endResetModel();
+        return;
+    }
+    for (int i = 0; i < rows.size(); ++i) {
+        if (m_rows[i] == rows[i]) continue;
+        m_rows[i] = rows[i];
+        emit dataChanged(index(i), index(i));
+    }
+}
+
+int SectionListModel::rowOf(const QString& section, qsizetype index) const
+{
+    const auto found = std::ranges::find_if(
+        m_rows, [&](const Row& row) { return row.section == section && row.index == index; });
+    return found == m_rows.end() ? -1 : int(found - m_rows.begin());
+}
+
+QString SectionListModel::textOf(const QString& section, qsizetype index) const
+{
+    const int row = rowOf(section, index);
+    return row < 0 ? QString{} : m_rows[row].text;
+}
+
+int SectionListModel::markCorrected(const QString& section, qsizetype index, const QString& before)
+{
+    const int old = rowOf(m_corrected.first, m_corrected.second);
+    m_corrected = {section, index};
+    if (!m_before.contains(m_corrected)) m_before.insert(m_corrected, before);
+    const int row = rowOf(section, index);
+    for (const int changed : {old, row}) {
+        if (changed >= 0)
+            emit dataChanged(this->index(changed), this->index(changed), {BeforeRole, CorrectedRole});
+    }
+    return row;
+}
+
+int SectionListModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+QVariant SectionListModel::data(const QModelIndex& index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    const Row& row = m_rows[index.row()];
+    const std::pair place{row.section, row.index};
+    switch (role) {
+    case TextRole:
+        return row.text;
+    case TitleKeyRole:
+        return row.titleKey;
+    case LastRole:
+        return row.last;
+    case BeforeRole:
+        return m_before.value(place);
+    case CorrectedRole:
+        return place == m_corrected;
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> SectionListModel::roleNames() const
+{
+    return {{TextRole, "text"},
+            {TitleKeyRole, "titleKey"},
+            {LastRole, "last"},
+            {BeforeRole, "before"},
+            {CorrectedRole, "corrected"}};
+}
+
+} // namespace murmeli

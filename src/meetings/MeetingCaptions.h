@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Meeting.h"
+
+/// How a meeting's day and time are written. `language` is the interface's; `now` decides what is today.
+/// Any thread.
+namespace murmeli::captions {
+
+/// "Сегодня", "Вчера", "Четверг, 19 нояб.", or with the year for another one than the current.
+QString dayTitle(const QDate& day, const QDate& today, const QString& language);
+
+/// "12:00 – 12:47", or the start alone.
+QString timeRange(const Meeting& meeting, const QString& language);
+
+/// Day and time in one line.
+QString dateLine(const Meeting& meeting, const QDate& today, const QString& language);
+
+} // namespace murmeli::captions

@@ -1,0 +1,197 @@
+#include "MeetingListModel.h"
+
+#include "MeetingCaptions.h"
+#include "base/Text.h"
+#include "localisation/Language.h"
+
+#include <QPoint>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr qsizetype shownLength = 400; // code units of a title or summary; a row has room for fewer
+
+/// In one line and no longer than a row can show.
+QString oneLine(const QString& text)
+{
+    QString line = text.left(shownLength);
+    for (QChar& c : line) {
+        if (c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
+            c == QChar::ParagraphSeparator)
+            c = u' ';
+    }
+    return line;
+}
+
+} // namespace
+
+MeetingListModel::MeetingListModel(const Language& language, QObject* parent)
+    : QAbstractListModel(parent), m_language(language)
+{
+    connect(&language, &Language::changed, this, [this] {
+        if (!m_shown.isEmpty()) emit dataChanged(index(0), index(count() - 1), {TimeRole});
+    });
+}
+
+QList<ListedMeeting> MeetingListModel::matching(const QList<ListedMeeting>& from) const
+{
+    if (m_needle.isEmpty()) return from;
+    QList<ListedMeeting> rows;
+    std::ranges::copy_if(from, std::back_inserter(rows),
+                         [this](const ListedMeeting& m) { return m.searchText.contains(m_needle); });
+    return rows;
+}
+
+void MeetingListModel::setQuery(const QString& query)
+{
+    if (query == m_query) return;
+    const QString old = std::exchange(m_needle, text::trimmed(query).toLower());
+    m_query = query;
+    if (m_needle != old) {
+        // Whoever finds the longer text has found the shorter one too.
+        const QList<ListedMeeting> rows =
+            matching(!old.isEmpty() && m_needle.contains(old) ? m_shown : m_all);
+        beginResetModel();
+        m_shown = rows;
+        endResetModel();
+        emit countChanged();
+    }
+    emit queryChanged();
+}
+
+void MeetingListModel::setMeetings(const QList<ListedMeeting>& meetings, const QDate& today)
+{
+    m_all = meetings;
+    become(matching(m_all));
+    if (std::exchange(m_today, today) != today) emit todayChanged();
+    emit countChanged();
+}
+
+void MeetingListModel::become(const QList<ListedMeeting>& rows)
+{
+    if (m_shown.isEmpty() || rows.isEmpty() || !becomeByDifference(rows)) {
+        beginResetModel();
+        m_shown = rows;
+        endResetModel();
+    }
+}
+
+bool MeetingListModel::becomeByDifference(const QList<ListedMeeting>& rows)
+{
+    // A meeting whose start has changed stands elsewhere now: out here, in there.
+    QHash<QString, QDateTime> wanted;
+    wanted.reserve(rows.size());
+    for (const ListedMeeting& row : rows)
+        wanted.insert(row.meeting.id, row.meeting.startedAt);
+    const auto stays = [&](const ListedMeeting& row) {
+        const auto found = wanted.constFind(row.meeting.id);
+        return found != wanted.cend() && *found == row.meeting.startedAt;
+    };
+    for (int end = count(); end > 0;) {
+        if (stays(m_shown[end - 1])) {
+            --end;
+            continue;
+        }
+        int begin = end - 1;
+        while (begin > 0 && !stays(m_shown[begin - 1]))
+            --begin;
+        beginRemoveRows({}, begin, end - 1);
+        m_shown.remove(begin, end - begin);
+        endRemoveRows();
+        end = begin;
+    }
+
+    int at = 0;
+    for (; at < rows.size(); ++at) {
+        if (at < count() && m_shown[at].meeting.id == rows[at].meeting.id) {
+            if (m_shown[at] == rows[at]) continue;
+            m_shown[at] = rows[at];
+            emit dataChanged(index(at), index(at));
+            continue;
+        }
+        int end = at;
+        const QString next = at < count() ? m_shown[at].meeting.id : QString{};
+        while (end < rows.size() && rows[end].meeting.id != next)
+            ++end;
+        if (!next.isNull() && end == rows.size()) return false; // equals that have changed places
+        beginInsertRows({}, at, end - 1);
+        m_shown.insert(at, end - at, {});
+        std::copy(rows.begin() + at, rows.begin() + end, m_shown.begin() + at);
+        endInsertRows();
+        at = end - 1;
+    }
+    return count() == rows.size();
+}
+
+const Meeting* MeetingListModel::find(const QString& id) const
+{
+    const auto found = std::ranges::find(m_all, id, [](const ListedMeeting& m) { return m.meeting.id; });
+    return found == m_all.end() ? nullptr : &found->meeting;
+}
+
+QString MeetingListModel::idAt(int row) const
+{
+    return row >= 0 && row < count() ? m_shown[row].meeting.id : QString{};
+}
+
+int MeetingListModel::rowOf(const QString& id) const
+{
+    const auto found = std::ranges::find(m_shown, id, [](const ListedMeeting& m) { return m.meeting.id; });
+    return found == m_shown.end() ? -1 : int(found - m_shown.begin());
+}
+
+QString MeetingListModel::dayTitle(const QString& day, const QString& language) const
+{
+    return captions::dayTitle(QDate::fromString(day, Qt::ISODate), m_today, language);
+}
+
+int MeetingListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count(); }
+
+QVariant MeetingListModel::hit(const QString& text) const
+{
+    if (m_needle.isEmpty()) return QPoint{-1, 0};
+    const QString line = oneLine(text);
+    const QString lower = line.toLower();
+    // Where lower-casing changes the length, places cannot be told; nothing is marked then.
+    const qsizetype at = lower.size() == line.size() ? lower.indexOf(m_needle) : -1;
+    return QPoint{int(at), at < 0 ? 0 : int(m_needle.size())};
+}
+
+QVariant MeetingListModel::data(const QModelIndex& index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    const Meeting& meeting = m_shown[index.row()].meeting;
+    switch (role) {
+    case IdRole:
+        return meeting.id;
+    case TitleRole:
+        return oneLine(meeting.title);
+    case SummaryRole:
+        return oneLine(meeting.tldr);
+    case TimeRole:
+        return captions::timeRange(meeting, m_language.current());
+    case DayRole:
+        return meeting.startedAt.date().toString(Qt::ISODate);
+    case TitleHitRole:
+        return hit(meeting.title);
+    case SummaryHitRole:
+        return hit(meeting.tldr);
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> MeetingListModel::roleNames() const
+{
+    return {
+        {IdRole, "meetingId"}, {TitleRole, "title"},       {SummaryRole, "summary"},      {TimeRole, "time"},
+        {DayRole, "day"},      {TitleHitRole, "titleHit"}, {SummaryHitRole, "summaryHit"}};
+}
+
+} // namespace murmeli

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "MeetingScanner.h"
+
+#include <QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
+
+namespace murmeli {
+
+class Language;
+
+/// The meetings that match the search, newest first, with the day as section. A rescan changes only the rows
+/// that differ, so that scroll position, selection and focus stay. Main thread only.
+class MeetingListModel final : public QAbstractListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to the list")
+    Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY queryChanged FINAL)
+    Q_PROPERTY(int count READ count NOTIFY countChanged FINAL)
+    Q_PROPERTY(bool empty READ isEmpty NOTIFY countChanged FINAL)      ///< there is no meeting at all
+    Q_PROPERTY(QString today READ todayText NOTIFY todayChanged FINAL) ///< changes with the day
+
+public:
+    enum Role {
+        IdRole = Qt::UserRole,
+        TitleRole,
+        SummaryRole,
+        TimeRole,
+        DayRole,
+        TitleHitRole,
+        SummaryHitRole
+    };
+
+    /// \param language in which times are written.
+    explicit MeetingListModel(const Language& language, QObject* parent = nullptr);
+
+    [[nodiscard]] QString query() const { return m_query; }
+    [[nodiscard]] int count() const { return int(m_shown.size()); }
+    [[nodiscard]] bool isEmpty() const { return m_all.isEmpty(); }
+    [[nodiscard]] QDate today() const { return m_today; }
+    [[nodiscard]] QString todayText() const { return m_today.toString(Qt::ISODate); }
+
+    /// What is searched for in titles and summaries, whatever the case; white space at its ends does not
+    /// count.
+    void setQuery(const QString& query);
+
+    /// The meetings as a scan found them; `today` is the day it is.
+    void setMeetings(const QList<ListedMeeting>& meetings, const QDate& today);
+
+    [[nodiscard]] const Meeting* find(const QString& id) const;
+
+    Q_INVOKABLE [[nodiscard]] QString idAt(int row) const;
+    Q_INVOKABLE [[nodiscard]] int rowOf(const QString& id) const;
+    /// The heading of a section, in `language`. \param day as DayRole gives it.
+    Q_INVOKABLE [[nodiscard]] QString dayTitle(const QString& day, const QString& language) const;
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+signals:
+    void queryChanged();
+    void countChanged();
+    void todayChanged();
+
+private:
+    [[nodiscard]] QList<ListedMeeting> matching(const QList<ListedMeeting>& from) const;
+    void become(const QList<ListedMeeting>& rows);
+    bool becomeByDifference(const QList<ListedMeeting>& rows);
+    [[nodiscard]] QVariant hit(const QString& text) const;
+
+    const Language& m_language;
+    QList<ListedMeeting> m_all;
+    QList<ListedMeeting> m_shown;
+    QString m_query;
+    QString m_needle; ///< trimmed and lower-cased
+    QDate m_today;
+};
+
+} // namespace murmeli

@@ -1,0 +1,80 @@
+import QtQuick
+import Murmeli.Ui
+
+// A meeting in the list.
+Rectangle {
+    id: root
+
+    required property string time
+    required property string title
+    required property string summary
+    property point titleHit: Qt.point(-1, 0)
+    property point summaryHit: Qt.point(-1, 0)
+    property string dayText
+    property bool current: false
+
+    signal opened()
+
+    implicitHeight: texts.height + 18
+    radius: Theme.rRow
+    color: area.pressed ? Theme.press : area.containsMouse ? Theme.hover : Theme.clear
+
+    Accessible.role: Accessible.ListItem
+    Accessible.name: title + ", " + dayText.toLowerCase() + ", " + time
+    Accessible.description: summary
+    Accessible.focusable: true
+    Accessible.focused: current
+    Accessible.onPressAction: root.opened()
+
+    MouseArea {
+        id: area
+        anchors.fill: parent
+        hoverEnabled: true
+        Accessible.ignored: true
+        onClicked: root.opened()
+    }
+    Label {
+        x: Theme.padPanel
+        y: 9
+        width: 92
+        type: Theme.time
+        color: Theme.text2
+        text: root.time
+        Accessible.ignored: true
+    }
+    Column {
+        id: texts
+        x: 122
+        y: 9
+        width: parent.width - x - 44
+        HitLabel {
+            width: parent.width
+            type: Theme.row
+            text: root.title
+            hit: root.titleHit
+            Accessible.ignored: true
+        }
+        HitLabel {
+            width: parent.width
+            visible: text.length > 0
+            type: Theme.sub
+            color: Theme.text3
+            text: root.summary
+            hit: root.summaryHit
+            Accessible.ignored: true
+        }
+    }
+    Symbol {
+        anchors { right: parent.right; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
+        size: Theme.symbolText
+        name: "chevron.right"
+        ink: Theme.text3
+        opacity: area.containsMouse || root.current ? 1 : 0
+        Behavior on opacity { NumberAnimation { duration: Theme.quick } }
+    }
+    FocusRing {
+        shown: root.current
+        corner: Theme.rRow
+        gap: -Theme.focusWidth
+    }
+}

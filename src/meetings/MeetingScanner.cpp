@@ -1,0 +1,94 @@
+#include "MeetingScanner.h"
+
+#include "SummaryFile.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace murmeli {
+
+namespace {
+
+constexpr qint64 writingTime = 2'000'000'000; // nanoseconds in which a file's writer may still be at work
+
+bool freshlyChanged(const files::Identity& identity)
+{
+    return QDateTime::currentMSecsSinceEpoch() * 1'000'000 - identity.changedNs < writingTime;
+}
+
+} // namespace
+
+MeetingScanner::MeetingScanner(const QString& folder) : m_folder(QFile::encodeName(folder)) {}
+
+bool MeetingScanner::look(const QByteArray& name, Known& known, Result& result) const
+{
+    const QByteArray path = m_folder + '/' + name;
+    const files::Identity identity = files::identity(path);
+    if (known.settled && identity == known.identity) return false;
+    known.identity = identity;
+    known.settled = files::isSettled(identity);
+
+    const QString decoded = QFile::decodeName(path);
+    std::optional<Meeting> meeting;
+    if (const auto bytes = files::readWhole(decoded, summaryFile::sizeLimit)) {
+        const QString stem = QFile::decodeName(name.chopped(summaryFile::suffix.size()));
+        meeting = summaryFile::meeting(*bytes, decoded, stem, identity.modifiedNs / 1'000'000);
+    }
+    if (!meeting && known.listed && identity.size >= 0 && freshlyChanged(identity)) {
+        known.settled = false; // being written: what was known stays until the writer has come to its end
+        result.restless = true;
+        return false;
+    }
+    std::optional<ListedMeeting> listed;
+    if (meeting) listed = {*meeting, (meeting->title + u'\n' + meeting->tldr).toLower()};
+    return std::exchange(known.listed, std::move(listed)) != known.listed;
+}
+
+MeetingScanner::Result MeetingScanner::scan()
+{
+    Result result;
+    result.changed = m_scan++ == 0;
+    size_t position = 0;
+    for (const QByteArray& name : files::namesIn(m_folder)) {
+        if (!name.endsWith(summaryFile::suffix.data())) continue;
+        Known& known = m_known[name.toStdString()];
+        known.seen = m_scan;
+        result.changed = look(name, known, result) || result.changed;
+        known.position = position++;
+    }
+    for (auto it = m_known.begin(); it != m_known.end();) {
+        if (it->second.seen == m_scan) {
+            ++it;
+            continue;
+        }
+        result.changed = it->second.listed.has_value() || result.changed;
+        it = m_known.erase(it);
+    }
+    if (result.changed) m_sorted = sorted();
+    result.meetings = m_sorted;
+    return result;
+}
+
+QList<ListedMeeting> MeetingScanner::sorted() const
+{
+    std::vector<const Known*> order;
+    order.reserve(m_known.size());
+    for (const auto& [name, known] : m_known) {
+        if (known.listed) order.push_back(&known);
+    }
+    std::ranges::sort(order, [](const Known* a, const Known* b) {
+        const QDateTime& left = a->listed->meeting.startedAt;
+        const QDateTime& right = b->listed->meeting.startedAt;
+        return left != right ? left > right : a->position < b->position;
+    });
+    QList<ListedMeeting> meetings;
+    meetings.reserve(qsizetype(order.size()));
+    for (const Known* known : order)
+        meetings.append(*known->listed);
+    return meetings;
+}
+
+} // namespace murmeli

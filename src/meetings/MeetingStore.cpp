@@ -1,0 +1,77 @@
+#include "MeetingStore.h"
+
+#include "base/Background.h"
+#include "base/Scheduler.h"
+#include "service/Paths.h"
+
+#include <QFileInfo>
+
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr auto scanInterval = 20s;
+constexpr auto calmTime = 150ms;  // a folder that changes mostly does so several times in a row
+constexpr auto restlessTime = 1s; // after meeting a file that was being written
+
+} // namespace
+
+MeetingStore::MeetingStore(const Paths& paths, const Language& language, Scheduler& scheduler,
+                           QObject* parent)
+    : QObject(parent),
+      m_folder(paths.logs),
+      m_scheduler(scheduler),
+      m_list(language),
+      m_protocols(std::make_shared<ProtocolFinder>(paths.vaultDir)),
+      m_scanner(std::make_shared<MeetingScanner>(paths.logs))
+{
+    reload();
+    m_scheduler.every(scanInterval, this, [this] { reload(); });
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &MeetingStore::reloadSoon);
+}
+
+void MeetingStore::reloadSoon()
+{
+    if (std::exchange(m_soon, true)) return;
+    m_scheduler.after(calmTime, this, [this] {
+        m_soon = false;
+        reload();
+    });
+}
+
+void MeetingStore::watchFolder()
+{
+    if (m_watcher.directories().isEmpty() && QFileInfo::exists(m_folder)) m_watcher.addPath(m_folder);
+}
+
+void MeetingStore::reload()
+{
+    if (m_loading) {
+        m_again = true;
+        return;
+    }
+    watchFolder();
+    m_loading = true;
+    emit loadingChanged();
+    inBackground(
+        this, [scanner = m_scanner] { return scanner->scan(); },
+        [this](const MeetingScanner::Result& result) { take(result); });
+}
+
+void MeetingStore::take(const MeetingScanner::Result& result)
+{
+    const QDate today = QDateTime::fromMSecsSinceEpoch(qint64(m_scheduler.now() * 1000)).date();
+    if (result.changed || today != m_list.today()) m_list.setMeetings(result.meetings, today);
+    m_loading = false;
+    m_loaded = true;
+    emit loadingChanged();
+    emit scanned();
+    if (result.restless) m_scheduler.after(restlessTime, this, [this] { reload(); });
+    if (std::exchange(m_again, false)) reload();
+}
+
+} // namespace murmeli

@@ -1,0 +1,108 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Murmeli.Localisation
+import Murmeli.Meetings
+import Murmeli.Ui
+
+// All meetings, day by day, and the search in them.
+Item {
+    id: root
+
+    required property MeetingStore store
+
+    signal opened(string id)
+
+    function search(): void {
+        field.forceActiveFocus(Qt.ShortcutFocusReason);
+        field.selectAll();
+    }
+    function focusList(id: string): void {
+        const row = root.store.list.rowOf(id);
+        if (row >= 0) list.currentIndex = row;
+        list.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
+    Label {
+        id: heading
+        x: Theme.padMain
+        y: 26 + Theme.chromeInset
+        type: Theme.display
+        text: L.t("meetings.title")
+        Accessible.role: Accessible.Heading
+    }
+    SearchField {
+        id: field
+        anchors { right: parent.right; rightMargin: Theme.padMain; verticalCenter: heading.verticalCenter }
+        name: L.t("meetings.search.name")
+        clearName: L.t("meetings.search.clear")
+        placeholderText: L.t("meetings.search")
+        text: root.store.list.query
+        onTextChanged: root.store.list.query = text
+        Keys.onDownPressed: list.forceActiveFocus(Qt.TabFocusReason)
+    }
+    ListView {
+        id: list
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; top: heading.bottom; topMargin: 12 }
+        clip: true
+        reuseItems: true
+        cacheBuffer: 400
+        topMargin: 4
+        bottomMargin: 20
+        boundsBehavior: Flickable.StopAtBounds
+        keyNavigationEnabled: true
+        highlightMoveDuration: 0
+        activeFocusOnTab: count > 0
+        currentIndex: -1
+        model: root.store.list
+        Accessible.role: Accessible.List
+        Accessible.name: L.t("meetings.title")
+        ScrollBar.vertical: ScrollThumb { }
+        Keys.onReturnPressed: if (currentIndex >= 0) root.opened(root.store.list.idAt(currentIndex))
+        Keys.onEnterPressed: if (currentIndex >= 0) root.opened(root.store.list.idAt(currentIndex))
+        Keys.onPressed: event => {
+            if (event.key === Qt.Key_Home) currentIndex = 0;
+            else if (event.key === Qt.Key_End) currentIndex = count - 1;
+            else return;
+            event.accepted = true;
+        }
+        onActiveFocusChanged: if (activeFocus && currentIndex < 0) currentIndex = 0
+
+        // Bound components would be cleaner, but the section headings of this Qt version refuse them.
+        // qmllint disable unqualified
+        section.property: "day"
+        section.delegate: Label {
+            required property string section
+            leftPadding: Theme.padMain
+            topPadding: 18
+            bottomPadding: 7
+            type: Theme.heading
+            color: Theme.text2
+            text: root.store.list.today && root.store.list.dayTitle(section, L.language)
+            Accessible.role: Accessible.Heading
+        }
+        delegate: MeetingRow {
+            required property int index
+            required property string meetingId
+            required property string day
+
+            x: 20
+            width: list.width - 40
+            dayText: root.store.list.today && root.store.list.dayTitle(day, L.language)
+            current: list.activeFocus && index === list.currentIndex
+            onOpened: {
+                list.currentIndex = index;
+                root.opened(meetingId);
+            }
+        }
+        // qmllint enable unqualified
+        add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.base } }
+        displaced: Transition { NumberAnimation { property: "y"; duration: Theme.base; easing.type: Easing.OutCubic } }
+    }
+    EmptyPane {
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.verticalCenter: parent.verticalCenter
+        anchors.verticalCenterOffset: -30
+        visible: root.store.loaded && list.count === 0
+        text: root.store.list.empty ? L.t("meetings.empty") : L.t("meetings.nothing_found")
+    }
+}

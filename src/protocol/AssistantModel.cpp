@@ -1,0 +1,136 @@
+#include "AssistantModel.h"
+
+#include "GlossaryStore.h"
+#include "base/Text.h"
+
+#include <utility>
+
+namespace murmeli {
+
+AssistantModel::AssistantModel(GlossaryStore& store, QObject* parent)
+    : QAbstractListModel(parent), m_store(store), m_draft(store.entries())
+{
+    filter();
+    connect(&store, &GlossaryStore::entriesChanged, this, &AssistantModel::follow);
+}
+
+void AssistantModel::follow()
+{
+    if (m_dirty || m_draft == m_store.entries()) return;
+    beginResetModel();
+    m_draft = m_store.entries();
+    filter();
+    endResetModel();
+    emit changed();
+}
+
+bool AssistantModel::matches(const GlossaryEntry& entry) const
+{
+    return m_needle.isEmpty() || entry.heard.toLower().contains(m_needle) ||
+           entry.correct.toLower().contains(m_needle);
+}
+
+void AssistantModel::filter()
+{
+    m_visible.clear();
+    for (int i = 0; i < m_draft.size(); ++i) {
+        if (matches(m_draft[i])) m_visible.append(i);
+    }
+}
+
+void AssistantModel::setQuery(const QString& query)
+{
+    if (query == m_query) return;
+    m_query = query;
+    m_needle = text::trimmed(query).toLower();
+    beginResetModel();
+    filter();
+    endResetModel();
+    emit changed();
+}
+
+void AssistantModel::touch()
+{
+    ++m_edits;
+    m_dirty = true;
+    emit changed();
+}
+
+bool AssistantModel::add(const QString& heard, const QString& correct)
+{
+    const GlossaryEntry entry{text::trimmed(heard), text::trimmed(correct)};
+    if (entry.correct.isEmpty()) return false;
+    const bool shown = matches(entry);
+    if (shown) beginInsertRows({}, 0, 0);
+    m_draft.prepend(entry);
+    for (int& position : m_visible)
+        ++position;
+    if (shown) {
+        m_visible.prepend(0);
+        endInsertRows();
+    }
+    touch();
+    return true;
+}
+
+void AssistantModel::removeAt(int row)
+{
+    if (row < 0 || row >= m_visible.size()) return;
+    beginRemoveRows({}, row, row);
+    m_draft.removeAt(m_visible.takeAt(row));
+    for (qsizetype later = row; later < m_visible.size(); ++later)
+        --m_visible[later];
+    endRemoveRows();
+    touch();
+}
+
+void AssistantModel::save()
+{
+    if (!m_dirty || m_saving) return;
+    m_saving = true;
+    emit changed();
+    m_store.save(m_draft, [this, edits = m_edits](bool saved) {
+        m_saving = false;
+        if (saved && edits == m_edits) {
+            m_dirty = false;
+            follow(); // the saved list is the same but for its spaces
+        }
+        emit changed();
+    });
+}
+
+void AssistantModel::revert()
+{
+    if (!m_dirty) return;
+    m_dirty = false;
+    follow();
+    emit changed();
+}
+
+int AssistantModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : int(m_visible.size());
+}
+
+QVariant AssistantModel::data(const QModelIndex& index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    const GlossaryEntry& entry = m_draft[m_visible[index.row()]];
+    switch (role) {
+    case HeardRole:
+        return entry.isRule() ? entry.heard : QString{};
+    case CorrectRole:
+        return entry.correct;
+    case LineRole:
+        return entry.line();
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> AssistantModel::roleNames() const
+{
+    return {{HeardRole, "heard"}, {CorrectRole, "correct"}, {LineRole, "line"}};
+}
+
+} // namespace murmeli

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "GlossaryText.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+
+namespace murmeli {
+
+class AuthManager;
+class Http;
+struct HttpAnswer;
+class Language;
+class Prefs;
+class Scheduler;
+
+/// The user's glossary: kept in the profile on the backend, with a copy in the preferences for the service.
+/// What could not be sent stays in the copy and is sent with the next load. Main thread only.
+class GlossaryStore final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to each view")
+    Q_PROPERTY(bool loading READ loading NOTIFY changed FINAL)
+    Q_PROPERTY(QString syncError READ syncError NOTIFY changed FINAL) ///< empty when all is well
+    Q_PROPERTY(QDateTime savedAt READ savedAt NOTIFY changed FINAL)   ///< invalid until a save succeeds
+
+public:
+    using Then = std::function<void(bool saved)>;
+
+    /// Begins with the copy in the preferences, and asks the backend whenever somebody has signed in.
+    GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, const Language& language,
+                  Scheduler& scheduler, QObject* parent = nullptr);
+
+    [[nodiscard]] const QList<GlossaryEntry>& entries() const { return m_entries; }
+    [[nodiscard]] bool loading() const { return m_loading; }
+    [[nodiscard]] QString syncError() const { return m_syncError; }
+    [[nodiscard]] QDateTime savedAt() const { return m_savedAt; }
+
+    /// Fetches the glossary; nothing when signed out.
+    Q_INVOKABLE void reload();
+
+    /// Replaces the glossary, here at once and then on the backend.
+    void save(const QList<GlossaryEntry>& entries, Then then = {});
+
+    /// Adds or changes one rule and saves. \return false when there is nothing to learn.
+    Q_INVOKABLE bool learn(const QString& heard, const QString& correct);
+
+signals:
+    void changed();
+    void entriesChanged();
+
+private:
+    void setEntries(const QString& text);
+    void keepCopy(const QString& text, bool sent);
+    void loaded(const HttpAnswer& answer);
+    void afterLoading();
+    [[nodiscard]] QString problem(const HttpAnswer& answer, const char* key) const;
+
+    AuthManager& m_account;
+    Http& m_http;
+    Prefs& m_prefs;
+    const Language& m_language;
+    Scheduler& m_scheduler;
+    QList<GlossaryEntry> m_entries;
+    QList<GlossaryEntry> m_toLearn; ///< taught while a load was under way
+    bool m_loading = false;
+    QString m_syncError;
+    QDateTime m_savedAt;
+    quint64 m_save = 0; ///< the latest; a load that began before it is dropped
+};
+
+} // namespace murmeli

@@ -1,0 +1,80 @@
+#include "GlossaryText.h"
+
+#include "base/Text.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr QChar arrow{u'→'};
+
+bool equalIgnoringCase(const QString& a, const QString& b) { return a.toCaseFolded() == b.toCaseFolded(); }
+
+} // namespace
+
+bool GlossaryEntry::isRule() const { return !text::trimmed(heard).isEmpty(); }
+
+QString GlossaryEntry::line() const
+{
+    const QString written = text::trimmed(correct);
+    return isRule() ? text::trimmed(heard) + u' ' + arrow + u' ' + written : written;
+}
+
+namespace glossaryText {
+
+std::optional<GlossaryEntry> parse(const QString& line)
+{
+    const QString whole = text::trimmed(line);
+    if (whole.isEmpty()) return std::nullopt;
+    if (const qsizetype at = whole.indexOf(arrow); at >= 0) {
+        const QString heard = text::trimmed(whole.left(at));
+        const QString correct = text::trimmed(whole.mid(at + 1));
+        if (!heard.isEmpty() && !correct.isEmpty()) return GlossaryEntry{heard, correct};
+    }
+    return GlossaryEntry{{}, whole};
+}
+
+QList<GlossaryEntry> parseAll(const QString& text)
+{
+    QList<GlossaryEntry> entries;
+    for (const QString& line : text.split(u'\n')) {
+        if (const auto entry = parse(line)) entries.append(*entry);
+    }
+    return entries;
+}
+
+QString serialised(const QList<GlossaryEntry>& entries)
+{
+    QStringList lines;
+    for (const GlossaryEntry& entry : entries) {
+        if (const QString line = entry.line(); !line.isEmpty()) lines.append(line);
+    }
+    return lines.join(u'\n');
+}
+
+std::optional<QList<GlossaryEntry>> learned(QList<GlossaryEntry> entries, const QString& heard,
+                                            const QString& correct)
+{
+    const GlossaryEntry rule{text::trimmed(heard), text::trimmed(correct)};
+    if (rule.heard.isEmpty() || rule.correct.isEmpty() || equalIgnoringCase(rule.heard, rule.correct))
+        return std::nullopt;
+    const auto known = std::ranges::find_if(entries, [&](const GlossaryEntry& entry) {
+        return entry.isRule() && equalIgnoringCase(text::trimmed(entry.heard), rule.heard);
+    });
+    if (known == entries.end()) {
+        entries.append(rule);
+    } else {
+        known->correct = rule.correct;
+    }
+    return entries;
+}
+
+} // namespace glossaryText
+
+} // namespace murmeli

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+
+namespace murmeli {
+
+class AuthManager;
+class Http;
+struct HttpAnswer;
+class Language;
+struct Meeting;
+struct Paths;
+class Processes;
+class Scheduler;
+
+/// Corrects a protocol by a remark in plain words: the service finds the item that is meant and its new text,
+/// which is written into the summary file. Main thread only.
+class ProtocolEditor final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made for a meeting and handed to its view")
+    Q_PROPERTY(Outcome outcome READ outcome NOTIFY changed FINAL)
+    Q_PROPERTY(QString text READ text NOTIFY changed FINAL) ///< the new text of a fixed item, or what failed
+
+public:
+    enum class Outcome { Idle, Working, Fixed, NotFound, Failed };
+    Q_ENUM(Outcome)
+
+    struct Place {
+        QString webOrigin;
+        QString python;
+        QString rebuildScript; ///< renders the protocol anew from its summary file
+    };
+    /// `changed` tells whether the file was.
+    using Done = std::function<void(bool changed)>;
+
+    /// \param rebuilding for as long as it lives, a protocol may still be rendered anew.
+    ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
+                   const Language& language, const Scheduler& scheduler, QObject& rebuilding,
+                   QObject* parent = nullptr);
+
+    [[nodiscard]] Outcome outcome() const { return m_outcome; }
+    [[nodiscard]] QString text() const { return m_text; }
+    [[nodiscard]] QString section() const { return m_section; } ///< of the fixed item
+    [[nodiscard]] qsizetype index() const { return m_index; }
+
+    void apply(const QString& remark, const Meeting& meeting, const Done& done);
+    Q_INVOKABLE void reset();
+
+signals:
+    void changed();
+
+private:
+    void end(Outcome outcome, const QString& text, const Done& done);
+    void take(const HttpAnswer& answer, const QByteArray& summary, const QString& file, const Done& done);
+    void rebuild(const QString& file);
+    [[nodiscard]] QString t(const char* key) const;
+
+    Place m_place;
+    const AuthManager& m_account;
+    Http& m_http;
+    Processes& m_processes;
+    const Language& m_language;
+    const Scheduler& m_scheduler;
+    QObject& m_rebuilding;
+    Outcome m_outcome = Outcome::Idle;
+    QString m_text;
+    QString m_section;
+    qsizetype m_index = 0;
+};
+
+} // namespace murmeli

@@ -1,0 +1,113 @@
+#include "ProtocolFileMaker.h"
+
+#include "base/Processes.h"
+#include "localisation/Language.h"
+#include "meetings/Meeting.h"
+#include "service/Paths.h"
+
+#include <QFileInfo>
+#include <QMetaObject>
+#include <QTemporaryDir>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr qsizetype longestName = 180; // bytes, so that a name with its ending fits every file system
+
+} // namespace
+
+ProtocolFileMaker::ProtocolFileMaker(const Paths& paths, Processes& processes, const Language& language,
+                                     Copy copy, QObject* parent)
+    : QObject(parent),
+      m_python(paths.python),
+      m_script(paths.pdfScript),
+      m_processes(processes),
+      m_language(language),
+      m_copy(std::move(copy))
+{
+}
+
+ProtocolFileMaker::~ProtocolFileMaker() = default;
+
+QString ProtocolFileMaker::suggestedName(const Meeting& meeting)
+{
+    QString title = meeting.title;
+    title.replace(u'/', u'-').replace(u':', u'-');
+    for (QChar& c : title) {
+        if (c.category() == QChar::Other_Control) c = u' ';
+    }
+    while (title.toUtf8().size() > longestName)
+        title.chop(title.back().isLowSurrogate() ? 2 : 1);
+    return meeting.startedAt.toString(u"yyyy-MM-dd"_s) + u' ' + title + u".pdf"_s;
+}
+
+void ProtocolFileMaker::end(Outcome outcome, const QString& text)
+{
+    m_outcome = outcome;
+    m_text = text;
+    emit changed();
+}
+
+void ProtocolFileMaker::reset() { end(Outcome::Idle, {}); }
+
+void ProtocolFileMaker::build(const Meeting& meeting, const QString& destination,
+                              std::function<void(bool built)> done)
+{
+    if (!QFileInfo::exists(m_python)) {
+        QMetaObject::invokeMethod(
+            this, [done = std::move(done)] { done(false); }, Qt::QueuedConnection);
+        return;
+    }
+    m_processes.run(
+        {.program = m_python, .arguments = {m_script, meeting.jsonPath, destination}}, this,
+        [this, done = std::move(done), destination, source = meeting.jsonPath](const ProcessResult& result) {
+            const bool built = result.ok() && QFileInfo::exists(destination);
+            if (built) {
+                m_lastSource = source;
+                m_lastBuilt = destination;
+            }
+            done(built);
+        });
+}
+
+void ProtocolFileMaker::save(const Meeting& meeting, const QString& destination)
+{
+    if (m_outcome == Outcome::Working) return;
+    end(Outcome::Working, {});
+    build(meeting, destination, [this, destination](bool built) {
+        if (built) {
+            m_copy(destination);
+            end(Outcome::Saved, QFileInfo{destination}.fileName());
+        } else {
+            end(Outcome::Failed, m_language.t(u"file.error"_s));
+        }
+    });
+}
+
+void ProtocolFileMaker::share(const Meeting& meeting)
+{
+    if (m_outcome == Outcome::Working) return;
+    if (m_lastSource == meeting.jsonPath && QFileInfo::exists(m_lastBuilt)) {
+        emit shared(m_lastBuilt);
+        return;
+    }
+    if (!m_shareFolder) m_shareFolder = std::make_unique<QTemporaryDir>();
+    m_shareFolder->setAutoRemove(false); // who got the file may still be reading it when we are gone
+    end(Outcome::Working, {});
+    const QString destination = m_shareFolder->filePath(suggestedName(meeting));
+    build(meeting, destination, [this, destination](bool built) {
+        if (built) {
+            end(Outcome::Idle, {});
+            emit shared(destination);
+        } else {
+            end(Outcome::Failed, m_language.t(u"file.error"_s));
+        }
+    });
+}
+
+} // namespace murmeli

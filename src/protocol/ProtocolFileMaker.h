@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QTemporaryDir;
+
+namespace murmeli {
+
+class Language;
+struct Meeting;
+struct Paths;
+class Processes;
+
+/// Makes a PDF of a protocol through the engine's script, which may take minutes. Main thread only; a build
+/// ends with this object.
+class ProtocolFileMaker final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made for a meeting and handed to its view")
+    Q_PROPERTY(Outcome outcome READ outcome NOTIFY changed FINAL)
+    Q_PROPERTY(QString text READ text NOTIFY changed FINAL) ///< the saved file's name, or what failed
+
+public:
+    enum class Outcome { Idle, Working, Saved, Failed };
+    Q_ENUM(Outcome)
+
+    /// Puts a file on the clipboard.
+    using Copy = std::function<void(const QString& path)>;
+
+    ProtocolFileMaker(const Paths& paths, Processes& processes, const Language& language, Copy copy,
+                      QObject* parent = nullptr);
+    ~ProtocolFileMaker() override;
+    Q_DISABLE_COPY_MOVE(ProtocolFileMaker)
+
+    [[nodiscard]] Outcome outcome() const { return m_outcome; }
+    [[nodiscard]] QString text() const { return m_text; }
+
+    /// Day and title, as a file may be called.
+    static QString suggestedName(const Meeting& meeting);
+
+    /// Builds at `destination`, which the user has chosen, and puts the file on the clipboard.
+    void save(const Meeting& meeting, const QString& destination);
+
+    /// Builds for passing on, or takes what was built for that before; then shared() tells where.
+    void share(const Meeting& meeting);
+
+    Q_INVOKABLE void reset();
+
+signals:
+    void changed();
+    void shared(const QString& path);
+
+private:
+    void build(const Meeting& meeting, const QString& destination, std::function<void(bool built)> done);
+    void end(Outcome outcome, const QString& text);
+
+    QString m_python;
+    QString m_script;
+    Processes& m_processes;
+    const Language& m_language;
+    Copy m_copy;
+    Outcome m_outcome = Outcome::Idle;
+    QString m_text;
+    QString m_lastSource;
+    QString m_lastBuilt;
+    std::unique_ptr<QTemporaryDir> m_shareFolder;
+};
+
+} // namespace murmeli
