@@ -44,6 +44,12 @@ def start(session: Session) -> None:
     session.tree.wait("heading", ("Murmeli готов", "Murmeli is ready"))
 
 
+def start_without_settings(session: Session) -> None:
+    """What else is installed on this machine is none of this desktop's."""
+    session.program = session.start("murmeli", ["env", f"PATH={session.folder}/bin", str(PROGRAM), "--setup"])
+    session.tree.follow(session.program.pid)
+
+
 def recorder_calls(session: Session) -> list[str]:
     log = session.notes / ".sandbox-recorder-calls.log"
     return log.read_text("utf-8").splitlines() if log.exists() else []
@@ -107,9 +113,7 @@ class Microphone(JourneyTest):
 
     def test_a_desktop_without_settings_says_so(self):
         session = prepare(self, settings=False, microphone="denied")
-        # What else is installed on this machine is none of this desktop's.
-        session.program = session.start("murmeli", ["env", f"PATH={session.folder}/bin", str(PROGRAM), "--setup"])
-        session.tree.follow(session.program.pid)
+        start_without_settings(session)
         session.press("push button", MICROPHONE_SETTINGS)
         session.tree.wait("alert message", lambda name: name.startswith(NOWHERE))
         decide(session, microphone="authorized", screen=True)
@@ -137,6 +141,21 @@ class Screen(JourneyTest):
         session.tree.wait("panel", SCREEN_GRANTED)
         session.tree.wait_gone("alert message", lambda name: name.startswith(STALE))
         session.tree.wait("push button", "Начать")
+
+
+    def test_what_is_explained_can_be_read(self):
+        session = prepare(self, settings=False, answer_screen=False)
+        start_without_settings(session)
+        session.press("push button", ALLOW_SCREEN)
+        session.tree.wait("alert message", lambda name: name.startswith(STALE))
+        top = session.tree.wait("frame").extents.y
+        bottom = session.tree.wait("push button", "Всё равно начать").extents.y
+
+        def in_sight(beginning: str) -> bool:
+            note = session.tree.wait("alert message", lambda name: name.startswith(beginning)).extents
+            return top <= note.y and note.bottom <= bottom
+
+        wait_for(lambda: in_sight(NOWHERE), "the latest note above the buttons", 2)
 
 
 class Refreshing(JourneyTest):
