@@ -1,5 +1,6 @@
 #include "AppWindow.h"
 
+#include "FocusKeeper.h"
 #include "localisation/Language.h"
 
 #include <QGuiApplication>
@@ -29,6 +30,7 @@ AppWindow::AppWindow(QQmlEngine& engine, const Language& language, const View& v
     resize(view.size);
     setMinimumSize(view.least.isValid() ? view.least : view.size);
     if (!view.resizable) setMaximumSize(view.size);
+    new FocusKeeper{this};
     setInitialProperties(view.properties);
     setSource(QUrl{view.url});
 }

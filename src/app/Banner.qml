@@ -28,7 +28,7 @@ Item {
     Behavior on unfolded { NumberAnimation { duration: Theme.base; easing.type: Easing.OutCubic } }
 
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: body.length > 0 ? title + ". " + body : title
+    Accessible.name: body.length > 0 ? title + (/[.!?…]$/.test(title) ? " " : ". ") + body : title
     Accessible.ignored: !shown
 
     Rectangle {

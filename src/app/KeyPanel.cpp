@@ -1,5 +1,6 @@
 #include "KeyPanel.h"
 
+#include "FocusKeeper.h"
 #include "PanelModel.h"
 #include "account/AuthManager.h"
 #include "platform/ClickOutside.h"
@@ -28,6 +29,7 @@ KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
         setFlags(floatingFlags);
         setColor(Qt::transparent);
     }
+    new FocusKeeper{this};
     setTitle(u"Murmeli"_s);
     setResizeMode(floating ? QQuickView::SizeRootObjectToView : QQuickView::SizeViewToRootObject);
     setInitialProperties({{u"appState"_s, QVariant::fromValue(&parts.state)},

@@ -10,6 +10,8 @@ Column {
     required property PermissionsModel model
     property bool compact: false
 
+    signal noted() // a note has appeared, which may be out of sight
+
     spacing: 0
 
     Column {
@@ -64,6 +66,7 @@ Column {
         width: parent.width
         height: stale.height + Theme.gapGroup
         visible: root.model.screenLooksStale && root.model.screen !== PermissionsModel.Granted
+        onVisibleChanged: if (visible) root.noted()
         Callout {
             id: stale
             y: Theme.gapGroup
@@ -76,6 +79,7 @@ Column {
         width: parent.width
         height: nowhere.height + Theme.gapGroup
         visible: root.model.settingsMissing && !root.model.allGranted
+        onVisibleChanged: if (visible) root.noted()
         Callout {
             id: nowhere
             y: Theme.gapGroup

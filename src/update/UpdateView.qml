@@ -154,6 +154,11 @@ Rectangle {
         text: L.t("update.whatsnew")
         Accessible.role: Accessible.Heading
     }
+    UpdateFooter { // before the notes for the keyboard
+        id: footer
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+        updater: root.updater
+    }
     Rectangle {
         anchors { left: header.left; right: header.right; top: heading.bottom; topMargin: 9 }
         anchors { bottom: footer.top; bottomMargin: 18 }
@@ -197,11 +202,6 @@ Rectangle {
             }
         }
         FocusRing { shown: notes.activeFocus; corner: Theme.rCard; gap: 0 }
-    }
-    UpdateFooter {
-        id: footer
-        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
-        updater: root.updater
     }
     IconButton { // the last one for the keyboard
         id: close

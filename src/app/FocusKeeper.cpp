@@ -1,0 +1,54 @@
+#include "FocusKeeper.h"
+
+#include <QQuickItem>
+#include <QQuickWindow>
+
+#include <utility>
+
+namespace murmeli {
+
+FocusKeeper::FocusKeeper(QQuickWindow* window) : QObject(window), m_window(window)
+{
+    connect(window, &QQuickWindow::activeFocusItemChanged, this, &FocusKeeper::follow);
+}
+
+void FocusKeeper::follow()
+{
+    QQuickItem* item = m_window->activeFocusItem();
+    if (!item || item == m_window->contentItem()) {
+        if (m_window->isActive()) moveOnSoon();
+        return;
+    }
+    if (m_item) m_item->disconnect(this);
+    m_item = item;
+    m_before = item->nextItemInFocusChain(false);
+    m_ring = item->property("visualFocus").toBool();
+    connect(item, &QQuickItem::visibleChanged, this, &FocusKeeper::moveOnSoon);
+    connect(item, &QObject::destroyed, this, &FocusKeeper::moveOnSoon);
+}
+
+void FocusKeeper::moveOnSoon()
+{
+    // Whatever makes the control vanish may show another one in its place first.
+    if (std::exchange(m_moving, true)) return;
+    QMetaObject::invokeMethod(this, &FocusKeeper::moveOn, Qt::QueuedConnection);
+}
+
+void FocusKeeper::moveOn()
+{
+    m_moving = false;
+    const auto fit = [this](const QQuickItem* item) {
+        return item && item != m_window->contentItem() && item->isVisible() && item->isEnabled();
+    };
+    if (!m_window->isVisible() || fit(m_window->activeFocusItem())) return;
+    QQuickItem* from = m_item ? m_item.data() : m_before.data();
+    if (!from) from = m_window->contentItem();
+    QQuickItem* next = from->nextItemInFocusChain(true);
+    // Beside the stops of the Tab key the chain has containers that only pass the keyboard on.
+    const auto stop = [&fit](const QQuickItem* item) { return fit(item) && item->activeFocusOnTab(); };
+    for (int steps = 0; next && !stop(next) && steps < 100; ++steps)
+        next = next->nextItemInFocusChain(true);
+    if (stop(next)) next->forceActiveFocus(m_ring ? Qt::TabFocusReason : Qt::OtherFocusReason);
+}
+
+} // namespace murmeli
