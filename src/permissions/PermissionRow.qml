@@ -80,12 +80,13 @@ Item {
         }
         PillButton {
             id: button
-            visible: !root.granted && !root.asking
+            visible: !root.granted
+            opacity: root.asking ? 0 : 1 // it keeps its place, and the keyboard
             kind: PillButton.Tinted
             strong: true
             text: root.needsSettings ? L.t("perm.action.settings") : L.t("perm.action.allow")
-            spokenName: root.needsSettings ? L.t("perm.settings.name", root.title) : L.t("perm.allow.name", root.title)
-            onClicked: root.requested()
+            spokenName: root.asking ? L.t("perm.asking.name", root.title) : root.needsSettings ? L.t("perm.settings.name", root.title) : L.t("perm.allow.name", root.title)
+            onClicked: if (!root.asking) root.requested()
         }
     }
 }

@@ -84,7 +84,7 @@ struct Program {
     PanelModel panel{state, record, prefs, language, scheduler};
     AuthManager account{
         {.accountSite = QStringLiteral("http://127.0.0.1:1/account"), .accountFile = paths.accountFile},
-        {.base = QStringLiteral("http://127.0.0.1:1")},
+        {.base = server.origin()},
         http,
         *signInSession,
         scheduler};

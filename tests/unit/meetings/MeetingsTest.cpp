@@ -1,0 +1,383 @@
+#include "base/Files.h"
+#include "base/ManualScheduler.h"
+#include "localisation/Language.h"
+#include "meetings/MeetingCaptions.h"
+#include "meetings/MeetingListModel.h"
+#include "meetings/MeetingScanner.h"
+#include "meetings/MeetingStore.h"
+#include "meetings/ProtocolFinder.h"
+#include "meetings/SummaryFile.h"
+#include "registeredTests.h"
+#include "service/Paths.h"
+#include "service/Prefs.h"
+
+#include <QAbstractItemModelTester>
+#include <QDir>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace murmeli;
+using namespace std::chrono_literals;
+
+namespace {
+
+ListedMeeting listed(const QString& id, int minute, const QString& title = u"т"_s)
+{
+    const Meeting meeting{
+        .id = id, .title = title, .startedAt = QDateTime{{2026, 3, 4}, {10, 0}}.addSecs(minute * 60)};
+    return {meeting, title.toLower()};
+}
+
+QString ids(const QList<ListedMeeting>& meetings)
+{
+    QStringList names;
+    for (const ListedMeeting& m : meetings)
+        names.append(m.meeting.id);
+    return names.join(u' ');
+}
+
+} // namespace
+
+class MeetingsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { qputenv("TZ", "Europe/Moscow"); }
+
+    void internetDates_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("utc");
+        const auto row = [](const char* text, const char* utc) {
+            QTest::newRow(text) << QString::fromLatin1(text) << QString::fromLatin1(utc);
+        };
+        row("2025-03-04T10:15:30Z", "2025-03-04T10:15:30.000Z");
+        row("2025-03-04T10:15:30.123Z", "2025-03-04T10:15:30.123Z");
+        row("2025-03-04T10:15:30.5+03:00", "2025-03-04T07:15:30.500Z");
+        row("2025-03-04T01:15:30-05:30", "2025-03-04T06:45:30.000Z");
+        row("2025-03-04 10:15", "");
+        row("2025-03-04T10:15:30", "");
+        row("2025-02-30T10:15:30Z", "");
+        row("2025-03-04T25:15:30Z", "");
+        row("2025-03-04T10:15:30Z and more", "");
+        row("", "");
+    }
+    void internetDates()
+    {
+        QFETCH(QString, text);
+        const auto date = summaryFile::internetDate(text);
+        QTEST(date ? date->toUTC().toString(Qt::ISODateWithMs) : QString{}, "utc");
+    }
+
+    void records_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::addColumn<QString>("record"); ///< title|tldr|start in Moscow|end|protocol; "-" when it is none
+        const auto row = [](const char* name, const char* json, const char* record) {
+            QTest::newRow(name) << QByteArray{json} << QString::fromUtf8(record);
+        };
+        row("whole",
+            R"({"title":" План\n","tldr":"  Коротко ","_meta":{"started_at":"2025-03-04T07:15:00Z","duration_min":47.5,"protocol_md":"/p.md"}})",
+            "План|Коротко|2025-03-04T10:15:00|2025-03-04T11:02:30|/p.md");
+        row("nothing", "{}", "2025-01-02 03-04-05||2025-01-02T03:04:05||");
+        row("other types",
+            R"({"title":7,"tldr":[],"_meta":{"started_at":1,"duration_min":"5","protocol_md":null}})",
+            "2025-01-02 03-04-05||2025-01-02T03:04:05||");
+        row("meta of another type", R"({"title":"x","_meta":[]})", "x||2025-01-02T03:04:05||");
+        row("no length", R"({"title":"x","_meta":{"duration_min":0}})", "x||2025-01-02T03:04:05||");
+        row("negative length", R"({"title":"x","_meta":{"duration_min":-3}})", "x||2025-01-02T03:04:05||");
+        row("length beyond all", R"({"title":"x","_meta":{"duration_min":1e300}})",
+            "x||2025-01-02T03:04:05||");
+        row("a number of any size",
+            R"({"big":123456789012345678901234567890,"title":"x","_meta":{"duration_min":1}})",
+            "x||2025-01-02T03:04:05|2025-01-02T03:05:05|");
+        row("markup stays text", R"({"title":"<b>x</b>"})", "<b>x</b>||2025-01-02T03:04:05||");
+        row("a list", "[]", "-");
+        row("cut", R"({"title":"x")", "-");
+        row("empty", "", "-");
+        row("no UTF-8", "{\"title\":\"\xff\"}", "-");
+    }
+    void records()
+    {
+        QFETCH(QByteArray, json);
+        const auto meeting = summaryFile::meeting(json, u"/x.protocol.json"_s, u"2025-01-02 03-04-05"_s, 0);
+        const QString format = u"yyyy-MM-ddTHH:mm:ss"_s;
+        const auto end = meeting ? meeting->endedAt() : std::nullopt;
+        QStringList parts{u"-"_s};
+        if (meeting) {
+            parts = {meeting->title, meeting->tldr, meeting->startedAt.toString(format)};
+            parts << (end ? end->toString(format) : QString{}) << meeting->protocolPath.value_or(QString{});
+        }
+        QTEST(parts.join(u'|'), "record");
+    }
+
+    void dateFallbacks()
+    {
+        const qint64 modified = 1'740'000'000'000;
+        const auto start = [&](const QString& stem, std::optional<qint64> time) {
+            return summaryFile::meeting("{}", {}, stem, time)->startedAt.toMSecsSinceEpoch();
+        };
+        QCOMPARE(start(u"no date"_s, modified), modified);
+        QCOMPARE(start(u"2025-13-02 03-04-05"_s, modified), modified);
+        QCOMPARE(start(u" 2025-01-02 03-04-05"_s, modified), modified);
+        QCOMPARE(start(u"no date"_s, std::nullopt), 0);
+    }
+
+    void captions_data()
+    {
+        QTest::addColumn<QDate>("day");
+        QTest::addColumn<QString>("russian");
+        QTest::addColumn<QString>("english");
+        QTest::newRow("today") << QDate{2026, 11, 21} << u"Сегодня"_s << u"Today"_s;
+        QTest::newRow("yesterday") << QDate{2026, 11, 20} << u"Вчера"_s << u"Yesterday"_s;
+        QTest::newRow("this year") << QDate{2026, 11, 19} << u"Четверг, 19 нояб."_s << u"Thursday, Nov 19"_s;
+        QTest::newRow("another year")
+            << QDate{2024, 11, 15} << u"Пятница, 15 нояб. 2024\u202fг."_s << u"Friday, Nov 15, 2024"_s;
+        QTest::newRow("tomorrow") << QDate{2026, 11, 22} << u"Воскресенье, 22 нояб."_s << u"Sunday, Nov 22"_s;
+    }
+    void captions()
+    {
+        QFETCH(QDate, day);
+        const QDate today{2026, 11, 21};
+        QTEST(captions::dayTitle(day, today, u"ru"_s), "russian");
+        QTEST(captions::dayTitle(day, today, u"en"_s), "english");
+        const Meeting meeting{.startedAt = QDateTime{day, QTime{9, 5}}, .durationMin = 55};
+        QCOMPARE(captions::dateLine(meeting, today, u"ru"_s),
+                 captions::dayTitle(day, today, u"ru"_s) + u" · 09:05 – 10:00"_s);
+        QCOMPARE(captions::timeRange({.startedAt = meeting.startedAt}, u"en"_s), u"09:05"_s);
+    }
+
+    void scanning()
+    {
+        Home home;
+        QVERIFY(home.scan().changed); // the first one, of a folder that is not there
+        QDir{}.mkpath(home.paths.logs);
+        QVERIFY(!home.scan().changed);
+        home.write(u"2026-03-04 10-00-00"_s, "{}");
+        home.write(u"2026-03-05 10-00-00"_s, R"({"title":"later"})");
+        QVERIFY(files::writeAtomic(home.paths.logs + u"/notes.json"_s, "{}"));
+        QCOMPARE(ids(home.scan().meetings), u"2026-03-05 10-00-00 2026-03-04 10-00-00"_s);
+        home.rest();
+        QVERIFY(!home.scan().changed);
+        home.write(u"2026-03-04 10-00-00"_s, R"({"title":"changed"})");
+        const auto result = home.scan();
+        QVERIFY(result.changed);
+        QCOMPARE(result.meetings[1].meeting.title, u"changed"_s);
+        QFile::remove(home.file(u"2026-03-05 10-00-00"_s));
+        QCOMPARE(ids(home.scan().meetings), u"2026-03-04 10-00-00"_s);
+    }
+
+    void oddFilesAreLeftOut_data()
+    {
+        QTest::addColumn<std::function<void(const QByteArray&)>>("make");
+        using Make = std::function<void(const QByteArray&)>;
+        QTest::newRow("pipe") << Make{[](const QByteArray& path) { ::mkfifo(path.constData(), 0600); }};
+        QTest::newRow("folder") << Make{[](const QByteArray& path) { ::mkdir(path.constData(), 0700); }};
+        QTest::newRow("dangling link")
+            << Make{[](const QByteArray& path) { std::ignore = ::symlink("/nowhere", path.constData()); }};
+        QTest::newRow("500 MB") << Make{[](const QByteArray& path) {
+            QFile file{QFile::decodeName(path)};
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(500'000'000));
+        }};
+        QTest::newRow("empty") << Make{[](const QByteArray& path) {
+            QVERIFY(QFile{QFile::decodeName(path)}.open(QIODevice::WriteOnly));
+        }};
+    }
+    void oddFilesAreLeftOut()
+    {
+        QFETCH(std::function<void(const QByteArray&)>, make);
+        Home home;
+        QDir{}.mkpath(home.paths.logs);
+        home.write(u"good"_s, "{}");
+        make(QFile::encodeName(home.file(u"odd"_s)));
+        QCOMPARE(ids(home.scan().meetings), u"good"_s);
+    }
+
+    void aFileBeingWrittenKeepsItsRow()
+    {
+        Home home;
+        QDir{}.mkpath(home.paths.logs);
+        home.write(u"a"_s, R"({"title":"whole"})");
+        home.scan();
+        QFile file{home.file(u"a"_s)};
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        auto torn = home.scan();
+        QVERIFY(torn.restless);
+        QCOMPARE(torn.meetings.value(0).meeting.title, u"whole"_s);
+        file.write(R"({"title":"half)");
+        file.flush();
+        QVERIFY(home.scan().restless);
+        file.write(R"( and whole"})");
+        file.close();
+        const auto done = home.scan();
+        QVERIFY(!done.restless);
+        QCOMPARE(done.meetings.value(0).meeting.title, u"half and whole"_s);
+        // What stays damaged is no summary any more.
+        home.write(u"a"_s, "{");
+        home.rest();
+        QVERIFY(home.scan().meetings.isEmpty());
+    }
+
+    void protocolsAreFoundByTitle()
+    {
+        Home home;
+        ProtocolFinder finder{home.paths.vaultDir};
+        Meeting meeting{.title = u"  Синк ПО релизу "_s};
+        QVERIFY(!finder.find(meeting)); // no folder yet: looked for again
+        QDir{}.mkpath(home.paths.vaultDir);
+        const QString file = home.paths.vaultDir + u"/2026 синк по релизу 0.9.txt"_s;
+        QVERIFY(files::writeAtomic(file, "x"));
+        QCOMPARE(finder.find(meeting), file);
+        meeting.protocolPath = home.paths.vaultDir + u"/gone.md"_s;
+        QCOMPARE(finder.find(meeting), file);
+        QVERIFY(files::writeAtomic(*meeting.protocolPath, "x"));
+        QCOMPARE(finder.find(meeting), meeting.protocolPath);
+        QVERIFY(!finder.find({.title = u" "_s}));
+        QVERIFY(!finder.find({.title = u"gone"_s})); // the folder is listed once
+    }
+
+    void searching_data()
+    {
+        QTest::addColumn<QString>("query");
+        QTest::addColumn<QString>("found");
+        QTest::newRow("nothing asked") << QString{} << u"c b a"_s;
+        QTest::newRow("white space") << u" \t\n"_s << u"c b a"_s;
+        QTest::newRow("another case") << u"  РЕЛИЗ "_s << u"b a"_s;
+        QTest::newRow("in the summary") << u"бюджет"_s << u"c"_s;
+        QTest::newRow("nowhere") << u"нет такого"_s << QString{};
+    }
+    void searching()
+    {
+        QFETCH(QString, query);
+        Home home;
+        MeetingListModel model{home.language};
+        const QAbstractItemModelTester tester{&model};
+        model.setMeetings({listed(u"c"_s, 3, u"Планы\nбюджет"_s), listed(u"b"_s, 2, u"релизный"_s),
+                           listed(u"a"_s, 1, u"Релиз"_s)},
+                          {2026, 3, 4});
+        model.setQuery(query);
+        QStringList found;
+        for (int row = 0; row < model.count(); ++row)
+            found.append(model.idAt(row));
+        QTEST(found.join(u' '), "found");
+        model.setQuery({});
+        QCOMPARE(model.count(), 3);
+    }
+
+    void hitsAreMarkedInPlainText()
+    {
+        Home home;
+        MeetingListModel model{home.language};
+        model.setMeetings({listed(u"a"_s, 1, u"Синк\nпо РЕЛИЗУ <b>"_s)}, {2026, 3, 4});
+        model.setQuery(u"релиз"_s);
+        QCOMPARE(model.data(model.index(0), MeetingListModel::TitleRole).toString(), u"Синк по РЕЛИЗУ <b>"_s);
+        QCOMPARE(model.data(model.index(0), MeetingListModel::TitleHitRole).toPoint(), (QPoint{8, 5}));
+        QCOMPARE(model.data(model.index(0), MeetingListModel::SummaryHitRole).toPoint(), (QPoint{-1, 0}));
+        model.setQuery({});
+        QCOMPARE(model.data(model.index(0), MeetingListModel::TitleHitRole).toPoint(), (QPoint{-1, 0}));
+    }
+
+    void aRescanTouchesOnlyWhatDiffers()
+    {
+        Home home;
+        MeetingListModel model{home.language};
+        const QAbstractItemModelTester tester{&model};
+        const QDate day{2026, 3, 4};
+        model.setMeetings({listed(u"d"_s, 4), listed(u"c"_s, 3), listed(u"a"_s, 1)}, day);
+        QSignalSpy reset{&model, &QAbstractItemModel::modelReset};
+        QSignalSpy inserted{&model, &QAbstractItemModel::rowsInserted};
+        QSignalSpy removed{&model, &QAbstractItemModel::rowsRemoved};
+        QSignalSpy changed{&model, &QAbstractItemModel::dataChanged};
+        model.setMeetings(
+            {listed(u"e"_s, 5), listed(u"c"_s, 3, u"новое"_s), listed(u"b"_s, 2), listed(u"a"_s, 1)}, day);
+        QCOMPARE(reset.count(), 0);
+        QCOMPARE(removed.count(), 1);  // d
+        QCOMPARE(inserted.count(), 2); // e, b
+        QCOMPARE(changed.count(), 1);  // c
+        model.setMeetings(
+            {listed(u"e"_s, 5), listed(u"c"_s, 3, u"новое"_s), listed(u"b"_s, 2), listed(u"a"_s, 1)}, day);
+        QCOMPARE(inserted.count() + removed.count() + changed.count(), 4);
+    }
+
+    void anyRescanEndsInTheNewList()
+    {
+        Home home;
+        MeetingListModel model{home.language};
+        const QAbstractItemModelTester tester{&model};
+        QRandomGenerator random{7};
+        for (int round = 0; round < 200; ++round) {
+            QList<ListedMeeting> meetings;
+            for (int i = 0; i < 12; ++i) {
+                if (random.bounded(3) > 0)
+                    meetings.append(listed(QString::number(i), random.bounded(3) == 0 ? random.bounded(6) : i,
+                                           random.bounded(2) == 0 ? u"x"_s : u"y"_s));
+            }
+            std::ranges::stable_sort(meetings, [](const ListedMeeting& a, const ListedMeeting& b) {
+                return a.meeting.startedAt > b.meeting.startedAt;
+            });
+            if (random.bounded(4) == 0) model.setQuery(random.bounded(2) == 0 ? u"x"_s : QString{});
+            model.setMeetings(meetings, {2026, 3, 4});
+            QStringList shown;
+            for (int row = 0; row < model.count(); ++row)
+                shown.append(model.idAt(row));
+            QStringList wanted;
+            for (const ListedMeeting& m : meetings) {
+                if (m.searchText.contains(model.query())) wanted.append(m.meeting.id);
+            }
+            QCOMPARE(shown, wanted);
+        }
+    }
+
+    void theStoreSeesNewMeetings()
+    {
+        Home home;
+        ManualScheduler scheduler{1'772'600'000};
+        MeetingStore store{home.paths, home.language, scheduler};
+        QTRY_VERIFY(store.loaded() && !store.loading());
+        QVERIFY(store.list()->isEmpty());
+        QDir{}.mkpath(home.paths.logs);
+        home.write(u"2026-03-04 10-00-00"_s, "{}");
+        scheduler.advance(20s); // a folder that was not there is looked for again and again
+        QTRY_COMPARE(store.list()->count(), 1);
+        home.write(u"2026-03-05 10-00-00"_s, "{}"); // from now on the folder itself tells
+        QTRY_VERIFY(scheduler.wakeUpsWithin(1s) > 0);
+        scheduler.advance(150ms);
+        QTRY_COMPARE(store.list()->count(), 2);
+        QCOMPARE(store.list()->idAt(0), u"2026-03-05 10-00-00"_s);
+    }
+
+private:
+    struct Home {
+        QTemporaryDir dir;
+        Paths paths{dir.path()};
+        Prefs prefs{paths.prefsFile};
+        Language language{prefs, [] { return QStringList{}; }};
+        MeetingScanner scanner{paths.logs};
+
+        MeetingScanner::Result scan() { return scanner.scan(); }
+        [[nodiscard]] QString file(const QString& stem) const
+        {
+            return paths.logs + u'/' + stem + summaryFile::suffix;
+        }
+        void write(const QString& stem, const QByteArray& bytes) const
+        {
+            QVERIFY(files::writeAtomic(file(stem), bytes));
+        }
+        /// Makes the files look as if nobody had touched them for a while.
+        void rest()
+        {
+            const auto old = QDateTime::currentMSecsSinceEpoch();
+            QTRY_VERIFY(QDateTime::currentMSecsSinceEpoch() - old > 2100);
+            scan();
+        }
+    };
+};
+
+MURMELI_TEST(MeetingsTest)
+#include "MeetingsTest.moc"
