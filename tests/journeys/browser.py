@@ -45,7 +45,12 @@ class Browser:
         self.wait(f"location.href === {json.dumps(url)} && document.readyState === 'complete'")
 
     def evaluate(self, expression: str):
-        answer = self._call("Runtime.evaluate", expression=expression, returnByValue=True)
+        try:
+            answer = self._call("Runtime.evaluate", expression=expression, returnByValue=True)
+        except AssertionError as error:
+            if "navigated" in str(error):
+                return None  # the page left while it was being asked; the next one answers
+            raise
         return answer["result"].get("value")
 
     def wait(self, expression: str):
