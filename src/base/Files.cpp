@@ -64,6 +64,19 @@ bool nothingElseThan(const QByteArray& path)
 
 qint64 nanoseconds(const timespec& time) { return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec; }
 
+Identity identityOf(const struct stat& info)
+{
+#ifdef __APPLE__
+    const auto& modified = info.st_mtimespec;
+    const auto& changed = info.st_ctimespec;
+#else
+    const auto& modified = info.st_mtim;
+    const auto& changed = info.st_ctim;
+#endif
+    return {quint64(info.st_dev), quint64(info.st_ino), qint64(info.st_size), nanoseconds(modified),
+            nanoseconds(changed)};
+}
+
 /// At `offset`, or where the file stands when there is none.
 bool writeAll(int fd, const QByteArray& bytes, std::optional<qsizetype> offset = std::nullopt)
 {
@@ -84,11 +97,16 @@ bool writeAll(int fd, const QByteArray& bytes, std::optional<qsizetype> offset =
 
 std::optional<QByteArray> readWhole(const QString& path, qint64 limit)
 {
-    const QByteArray name = encoded(path);
-    if (!regularAt(name)) return std::nullopt;
-    const Descriptor file{name, O_RDONLY};
+    return readWhole(encoded(path), limit, nullptr);
+}
+
+std::optional<QByteArray> readWhole(const QByteArray& nativePath, qint64 limit, Identity* identity)
+{
+    if (!regularAt(nativePath)) return std::nullopt;
+    const Descriptor file{nativePath, O_RDONLY};
     const auto info = file.regular();
     if (!info || info->st_size > limit) return std::nullopt;
+    if (identity) *identity = identityOf(*info);
 
     // In a single read with room to spare, since a file written in place between two reads would come out
     // mixed. Sizes may lie (as in /proc), and the file may have grown: then once more with more room.
@@ -130,16 +148,7 @@ QList<QByteArray> namesIn(const QByteArray& nativeFolder)
 Identity identity(const QByteArray& nativePath)
 {
     const auto info = regularAt(nativePath);
-    if (!info) return {};
-#ifdef __APPLE__
-    const auto& modified = info->st_mtimespec;
-    const auto& changed = info->st_ctimespec;
-#else
-    const auto& modified = info->st_mtim;
-    const auto& changed = info->st_ctim;
-#endif
-    return {quint64(info->st_dev), quint64(info->st_ino), qint64(info->st_size), nanoseconds(modified),
-            nanoseconds(changed)};
+    return info ? identityOf(*info) : Identity{};
 }
 
 bool isSettled(const Identity& identity)

@@ -10,13 +10,6 @@
 /// are refused before a byte is touched. Folders are never created. Any thread.
 namespace murmeli::files {
 
-/// The content of the regular file at `path`; nothing when it is missing, unreadable, no regular file or
-/// larger than `limit` bytes.
-std::optional<QByteArray> readWhole(const QString& path, qint64 limit);
-
-/// Whether a regular file stands at `path` that we may read, whatever its size.
-bool isReadable(const QString& path);
-
 /// Which content a path holds, as far as the file system tells without reading: its file, size and time.
 struct Identity {
     quint64 device = 0;
@@ -26,6 +19,15 @@ struct Identity {
     qint64 changedNs = 0;
     bool operator==(const Identity&) const = default;
 };
+/// The content of the regular file at `path`; nothing when it is missing, unreadable, no regular file or
+/// larger than `limit` bytes.
+std::optional<QByteArray> readWhole(const QString& path, qint64 limit);
+/// The same for a path as the file system spells it; `identity`, when asked for, is that of what was read.
+std::optional<QByteArray> readWhole(const QByteArray& nativePath, qint64 limit, Identity* identity);
+
+/// Whether a regular file stands at `path` that we may read, whatever its size.
+bool isReadable(const QString& path);
+
 Identity identity(const QString& path);
 Identity identity(const QByteArray& nativePath); ///< as the file system spells it
 

@@ -8,8 +8,8 @@ Rectangle {
     required property string time
     required property string title
     required property string summary
-    property point titleHit: Qt.point(-1, 0)
-    property point summaryHit: Qt.point(-1, 0)
+    required property point titleHit
+    required property point summaryHit
     property string dayText
     property bool current: false
 

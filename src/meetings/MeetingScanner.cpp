@@ -26,17 +26,19 @@ MeetingScanner::MeetingScanner(const QString& folder) : m_folder(QFile::encodeNa
 bool MeetingScanner::look(const QByteArray& name, Known& known, Result& result) const
 {
     const QByteArray path = m_folder + '/' + name;
-    const files::Identity identity = files::identity(path);
-    if (known.settled && identity == known.identity) return false;
+    if (known.settled && files::identity(path) == known.identity) return false;
+
+    files::Identity identity;
+    std::optional<Meeting> meeting;
+    if (const auto bytes = files::readWhole(path, summaryFile::sizeLimit, &identity)) {
+        const QString stem = QFile::decodeName(name.chopped(summaryFile::suffix.size()));
+        meeting =
+            summaryFile::meeting(*bytes, QFile::decodeName(path), stem, identity.modifiedNs / 1'000'000);
+    } else {
+        identity = files::identity(path);
+    }
     known.identity = identity;
     known.settled = files::isSettled(identity);
-
-    const QString decoded = QFile::decodeName(path);
-    std::optional<Meeting> meeting;
-    if (const auto bytes = files::readWhole(decoded, summaryFile::sizeLimit)) {
-        const QString stem = QFile::decodeName(name.chopped(summaryFile::suffix.size()));
-        meeting = summaryFile::meeting(*bytes, decoded, stem, identity.modifiedNs / 1'000'000);
-    }
     if (!meeting && known.listed && identity.size >= 0 && freshlyChanged(identity)) {
         known.settled = false; // being written: what was known stays until the writer has come to its end
         result.restless = true;

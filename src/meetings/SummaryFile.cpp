@@ -3,8 +3,6 @@
 #include "base/Json.h"
 #include "base/Text.h"
 
-#include <QRegularExpression>
-
 #include <simdjson.h>
 
 using namespace Qt::StringLiterals;
@@ -66,38 +64,96 @@ std::optional<Said> read(const QByteArray& bytes)
                 .startedAt = json::optionalText(meta, "started_at"_L1)};
 }
 
-std::optional<QDateTime> dateTime(const QRegularExpressionMatch& match, int offsetSeconds, Qt::TimeSpec spec)
+/// Reads fields of digits between given separators: a date has no use for more.
+class Digits {
+public:
+    explicit Digits(QStringView text) : m_text(text) {}
+
+    /// A number of exactly `count` digits.
+    int number(int count)
+    {
+        int value = 0;
+        for (int i = 0; i < count; ++i) {
+            const ushort c = m_at < m_text.size() ? m_text[m_at].unicode() : 0;
+            m_good = m_good && c >= '0' && c <= '9';
+            value = value * 10 + (c - '0');
+            ++m_at;
+        }
+        return value;
+    }
+    bool take(QChar c)
+    {
+        if (m_at >= m_text.size() || m_text[m_at] != c) return false;
+        ++m_at;
+        return true;
+    }
+    void expect(QChar c) { m_good = take(c) && m_good; }
+    [[nodiscard]] bool atEnd() const { return m_good && m_at == m_text.size(); }
+    [[nodiscard]] bool digitNext() const
+    {
+        return m_at < m_text.size() && m_text[m_at] >= u'0' && m_text[m_at] <= u'9';
+    }
+
+private:
+    QStringView m_text;
+    qsizetype m_at = 0;
+    bool m_good = true;
+};
+
+struct Moment {
+    QDate date;
+    QTime time;
+    [[nodiscard]] bool isValid() const { return date.isValid() && time.isValid(); }
+};
+
+Moment moment(Digits& digits, QChar between, QChar inTime)
 {
-    const auto part = [&](int group) { return match.capturedView(group).toInt(); };
-    const QDate date{part(1), part(2), part(3)};
-    const QTime time{part(4), part(5), part(6)};
-    if (!date.isValid() || !time.isValid()) return std::nullopt;
-    const QDateTime moment{date, time, spec};
-    return moment.addSecs(-offsetSeconds).toLocalTime();
+    const int year = digits.number(4);
+    digits.expect(u'-');
+    const int month = digits.number(2);
+    digits.expect(u'-');
+    const int day = digits.number(2);
+    digits.expect(between);
+    const int hour = digits.number(2);
+    digits.expect(inTime);
+    const int minute = digits.number(2);
+    digits.expect(inTime);
+    const int second = digits.number(2);
+    return {QDate{year, month, day}, QTime{hour, minute, second}};
 }
 
 } // namespace
 
 std::optional<QDateTime> internetDate(const QString& text)
 {
-    static const QRegularExpression pattern{
-        u"\\A([0-9]{4})-([0-9]{2})-([0-9]{2})T([0-9]{2}):([0-9]{2}):([0-9]{2})(?:\\.([0-9]+))?"
-        "(?:Z|([+-])([0-9]{2}):([0-9]{2}))\\z"_s};
-    const auto match = pattern.match(text);
-    if (!match.hasMatch()) return std::nullopt;
-    const int sign = match.capturedView(8) == u"-" ? -1 : 1;
-    const int offset = sign * (match.capturedView(9).toInt() * 60 + match.capturedView(10).toInt()) * 60;
-    const auto whole = dateTime(match, offset, Qt::UTC);
-    const QString fraction = match.captured(7).leftJustified(3, u'0', true);
-    return whole ? std::optional{whole->addMSecs(fraction.toInt())} : std::nullopt;
+    Digits digits{text};
+    const Moment utc = moment(digits, u'T', u':');
+    int milliseconds = 0;
+    if (digits.take(u'.')) {
+        milliseconds = digits.number(1) * 100;
+        for (int worth = 10; digits.digitNext(); worth /= 10)
+            milliseconds += digits.number(1) * worth;
+    }
+    int offset = 0; // seconds
+    if (!digits.take(u'Z')) {
+        const int sign = digits.take(u'-') ? -1 : 1;
+        if (sign > 0) digits.expect(u'+');
+        offset = digits.number(2) * 3600;
+        digits.expect(u':');
+        offset = sign * (offset + digits.number(2) * 60);
+    }
+    if (!digits.atEnd() || !utc.isValid()) return std::nullopt;
+    constexpr qint64 epoch = 2'440'588; // as a Julian day
+    const qint64 seconds = (utc.date.toJulianDay() - epoch) * 86'400 - offset;
+    return QDateTime::fromMSecsSinceEpoch(seconds * 1000 + utc.time.msecsSinceStartOfDay() + milliseconds);
 }
 
 std::optional<QDateTime> dateFromStem(const QString& stem)
 {
-    static const QRegularExpression pattern{
-        u"\\A([0-9]{4})-([0-9]{2})-([0-9]{2}) ([0-9]{2})-([0-9]{2})-([0-9]{2})\\z"_s};
-    const auto match = pattern.match(stem);
-    return match.hasMatch() ? dateTime(match, 0, Qt::LocalTime) : std::nullopt;
+    Digits digits{stem};
+    const Moment local = moment(digits, u' ', u'-');
+    return digits.atEnd() && local.isValid() ? std::optional{QDateTime{local.date, local.time}}
+                                             : std::nullopt;
 }
 
 std::optional<Meeting> meeting(const QByteArray& bytes, const QString& path, const QString& stem,

@@ -219,8 +219,8 @@ class Footer(JourneyTest):
         session = self.open_session()
         session.open_panel()
         session.press("push button", "Открыть окно")
-        wait_for(lambda: any(frame.extents.x < 800 for frame in session.tree.all("frame")), "the window")
-        settles(lambda: len(session.tree.all("frame")) == 1, "the window without the panel")
+        session.tree.wait("frame", "Встречи")
+        session.wait_closed()
 
     def test_links_go_to_the_browser(self):
         session = self.open_session(state={"status": "idle", "telegram_connected": False})

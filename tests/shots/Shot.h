@@ -34,6 +34,7 @@ bool shootPanels(const Frame& frame, const QString& only);
 bool shootToasts(const Frame& frame, const QString& only);
 bool shootUpdates(const Frame& frame, const QString& only);
 bool shootSetups(const Frame& frame, const QString& only);
+bool shootMain(const Frame& frame, const QString& only);
 bool shootPermissions(const Frame& frame, const QString& only);
 
 } // namespace murmeli

@@ -1,0 +1,212 @@
+#include "Shot.h"
+#include "app/AppWindow.h"
+#include "app/MainModel.h"
+#include "support/Program.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QQuickItem>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+struct Sample {
+    int daysAgo;
+    const char* start;
+    int minutes; ///< 0: unknown
+    const char* title;
+    const char* tldr;
+};
+
+constexpr std::array russian = {
+    Sample{0, "16:30", 48, "Ретро команды платформы",
+           "Релиз прошёл без откатов, но ночные сборки идут дольше часа: решили разнести тесты по двум "
+           "очередям."},
+    Sample{0, "12:00", 47, "Синк по релизу 0.9",
+           "Дата релиза — 28 ноября, обновление ставится само. Главный риск — не готовы тексты экрана "
+           "установки; Анна берёт их на себя и покажет черновик в среду."},
+    Sample{0, "10:15", 27, "Собеседование: Мария Лаптева, дизайнер",
+           "Сильное портфолио, тестовое не нужно; вернуться с предложением до среды."},
+    Sample{1, "18:05", 65, "Бюджет на первый квартал",
+           "Согласовали рост затрат на хранение на 12 %, закупку серверов перенесли на март."},
+    Sample{1, "11:30", 28, "Демо для «Северного ветра»",
+           "Заказчику нужна выгрузка в PDF и список поручений; договорились о пилоте на две недели."},
+    Sample{2, "15:00", 84, "Архитектура очереди расшифровки",
+           "Остаёмся на одной очереди, приоритет у коротких встреч; замер нагрузки — на Илье."},
+    Sample{2, "09:30", 0, "Звонок с бухгалтерией", ""},
+    Sample{3, "14:00", 36, "План найма", "Две вакансии открываем сразу, третью — после пилота."},
+    Sample{3, "10:00", 25, "Статус недели", ""},
+};
+constexpr std::array english = {
+    Sample{0, "16:30", 48, "Platform team retro",
+           "The release went out without rollbacks, but nightly builds take over an hour."},
+    Sample{0, "12:00", 47, "Release 0.9 sync",
+           "Ship on 28 November; the update installs itself. Risk: setup screen copy is late."},
+    Sample{0, "10:15", 27, "Interview: Maria Lapteva, designer",
+           "Strong portfolio, no test task needed; make an offer by Wednesday."},
+    Sample{1, "18:05", 65, "First quarter budget", "Storage costs up 12 %; server purchase moved to March."},
+    Sample{1, "11:30", 28, "Demo for North Wind",
+           "They need PDF export and a task list; two-week pilot agreed."},
+    Sample{2, "15:00", 84, "Transcription queue design",
+           "One queue stays, short meetings go first; Ilya measures the load."},
+    Sample{2, "09:30", 0, "Call with accounting", ""},
+    Sample{3, "14:00", 36, "Hiring plan", "Two openings now, the third after the pilot."},
+    Sample{3, "10:00", 25, "Weekly status", ""},
+};
+
+const QByteArray russianItems =
+    R"("decisions":["Выпускаем 0.9 в пятницу, 28 ноября, без поэтапной раскатки.","Образ диска больше не собираем: установка идёт только скриптом.","Короткий протокол остаётся вторым форматом, по умолчанию — развёрнутый."],"action_items":[{"task":"Анна — подготовить тексты экрана установки до вторника."},{"task":"Илья — проверить обновление с 0.8.0 на чистой машине."},"Ольга — собрать список изменений для окна обновления."],"next_steps":["Созвон по готовности в четверг в 11:00.","Разослать пилотным командам приглашение после релиза."],"open_questions":["Нужен ли отдельный канал для ночных сборок?"],"risks":["Загрузка моделей на медленном канале занимает больше часа."])";
+const QByteArray englishItems =
+    R"("decisions":["Ship 0.9 on Friday, 28 November, in one go.","No more disk image: the script is the only way to install."],"action_items":[{"task":"Anna: setup screen copy by Tuesday."},{"task":"Ilya: try the update from 0.8.0 on a clean machine."}],"next_steps":["Readiness call on Thursday at 11:00."],"open_questions":["Do nightly builds need a channel of their own?"],"risks":["Models take over an hour to download on a slow line."])";
+
+struct MainShot {
+    QString name;
+    bool meetings = true;
+    QString query = {};
+    bool recording = false;
+    bool detail = false;
+    QByteArray answer = {}; ///< to a remark; null: none is made
+    bool signedIn = true;
+    bool protocol = true;
+    QByteArray pdf = {}; ///< script of the build; null: none
+    bool teach = false;
+    bool assistant = false;
+    QString glossary = {};
+    bool dirty = false;
+    int profileStatus = 200;
+};
+
+QList<MainShot> mainShots()
+{
+    const QString words =
+        u"мурмели → Murmeli\nКвен → Qwen\nсеверный ветер → «Северный ветер»\nMurmeli\nпостгрест → PostgREST\nэн эс кью → NSQ\nЛаптева\nкубер → Kubernetes\nOKR"_s;
+    const QByteArray fixed =
+        R"({"found":true,"section":"action_items","index":0,"text":"Анна — подготовить тексты экрана установки до среды."})";
+    return {
+        {.name = u"main-meetings"_s},
+        {.name = u"main-search"_s, .query = u"релиз"_s, .recording = true},
+        {.name = u"main-empty"_s, .meetings = false},
+        {.name = u"main-nothing-found"_s, .query = u"отпуск"_s},
+        {.name = u"detail"_s, .detail = true},
+        {.name = u"detail-no-protocol"_s, .detail = true, .protocol = false},
+        {.name = u"detail-fixed-teach"_s,
+         .detail = true,
+         .answer = fixed,
+         .pdf = "cp \"$1\" \"$2\"",
+         .teach = true},
+        {.name = u"detail-not-found"_s, .detail = true, .answer = R"({"found":false})", .pdf = "exit 1"},
+        {.name = u"detail-failed"_s, .detail = true, .answer = "<html>"},
+        {.name = u"detail-working"_s, .detail = true, .answer = "", .pdf = "sleep 60"},
+        {.name = u"detail-signed-out"_s, .detail = true, .answer = "{}", .signedIn = false},
+        {.name = u"assistant"_s, .assistant = true, .glossary = words},
+        {.name = u"assistant-dirty"_s, .assistant = true, .glossary = words, .dirty = true},
+        {.name = u"assistant-sync-error"_s, .assistant = true, .glossary = words, .profileStatus = 500},
+        {.name = u"assistant-empty"_s, .assistant = true},
+    };
+}
+
+void writeMeetings(Program& m, const Frame& frame, bool withProtocol)
+{
+    const bool inRussian = frame.language == "ru"_L1;
+    const QDate today = QDateTime::fromSecsSinceEpoch(qint64(m.scheduler.now())).date();
+    for (const Sample& sample : inRussian ? russian : english) {
+        const QDateTime start{today.addDays(-sample.daysAgo),
+                              QTime::fromString(QString::fromLatin1(sample.start), u"HH:mm"_s)};
+        QByteArray meta = "\"started_at\":\"" + start.toUTC().toString(Qt::ISODate).toUtf8() + '"';
+        if (sample.minutes > 0) meta += ",\"duration_min\":" + QByteArray::number(sample.minutes);
+        if (withProtocol) meta += ",\"protocol_md\":\"" + m.paths.prefsFile.toUtf8() + '"';
+        m.write(m.paths.logs + u'/' + start.toString(u"yyyy-MM-dd HH-mm-ss"_s) + u".protocol.json"_s,
+                "{\"title\":\"" + QByteArray{sample.title} + "\",\"tldr\":\"" + sample.tldr + "\"," +
+                    (inRussian ? russianItems : englishItems) + ",\"_meta\":{" + meta + "}}");
+    }
+}
+
+bool shoot(const MainShot& shot, const Frame& frame)
+{
+    Program m;
+    dress(m, frame);
+    QQmlEngine engine;
+    m.install(engine);
+    if (shot.meetings) writeMeetings(m, frame, shot.protocol);
+    if (shot.recording) m.write(m.paths.stateFile, R"({"status":"recording","since":1731688529})");
+    if (!shot.pdf.isNull()) {
+        m.write(m.paths.pdfScript, shot.pdf + '\n');
+        QDir{}.mkpath(QFileInfo{m.paths.python}.path());
+        QFile::link(u"/bin/bash"_s, m.paths.python);
+    }
+    m.server.reply = [&](QTcpSocket* socket, const Server::Request& request) {
+        const QJsonArray profile{QJsonObject{{u"glossary"_s, shot.glossary}}};
+        if (request.path.startsWith("/rest/v1/profiles")) {
+            socket->write(shot.profileStatus == 200 ? Server::answer(200, QJsonDocument{profile}.toJson())
+                                                    : Server::answer(shot.profileStatus, "{}"));
+        } else if (request.path.startsWith("/api/") && !shot.answer.isEmpty()) {
+            socket->write(Server::answer(200, shot.answer));
+        }
+    };
+    if (shot.profileStatus != 200) m.prefs.set(u"glossary"_s, shot.glossary);
+    if (shot.signedIn) m.signIn();
+    m.scheduler.advance(1500ms);
+    MainModel model{{.paths = m.paths,
+                     .prefs = m.prefs,
+                     .account = m.account,
+                     .http = m.http,
+                     .processes = m.processes,
+                     .language = m.language,
+                     .scheduler = m.scheduler,
+                     .webOrigin = m.server.origin()}};
+    AppWindow window{engine,
+                     m.language,
+                     {.url = u"qrc:/qt/qml/Murmeli/App/MainWindowView.qml"_s,
+                      .properties = {{u"model"_s, QVariant::fromValue(&model)},
+                                     {u"appState"_s, QVariant::fromValue(&m.state)},
+                                     {u"record"_s, QVariant::fromValue(&m.record)}},
+                      .titleKey = u"meetings.title"_s,
+                      .size = {980, 680}}};
+    window.present();
+    await([&] { return model.store()->loaded() && !model.glossary()->loading(); });
+    model.store()->list()->setQuery(shot.query);
+    if (shot.detail) {
+        model.open(model.store()->list()->idAt(1));
+        await([&] { return model.detail()->loaded(); });
+        settle(300);
+    }
+    if (!shot.answer.isNull()) {
+        model.detail()->sendRemark(u"Срок по текстам — среда"_s);
+        if (!shot.answer.isEmpty())
+            await([&] { return model.detail()->editor()->outcome() != ProtocolEditor::Outcome::Working; });
+    }
+    if (!shot.pdf.isNull()) {
+        const Meeting* meeting = model.store()->list()->find(model.detail()->id());
+        model.detail()->files()->save(*meeting, m.home.filePath(ProtocolFileMaker::suggestedName(*meeting)));
+        if (!shot.pdf.startsWith("sleep"))
+            await([&] { return model.detail()->files()->outcome() != ProtocolFileMaker::Outcome::Working; });
+    }
+    if (shot.assistant) model.setTab(MainModel::Tab::Assistant);
+    if (shot.dirty) model.assistant()->add(u"тау кит"_s, u"Tau Kit"_s);
+    if (shot.teach) {
+        for (QQuickItem* item : window.rootObject()->findChildren<QQuickItem*>()) {
+            if (item->property("teaching").isValid()) item->setProperty("teaching", true);
+        }
+    }
+    settle(600);
+    return save(window, frame, shot.name);
+}
+
+} // namespace
+
+bool shootMain(const Frame& frame, const QString& only)
+{
+    bool good = true;
+    for (const MainShot& shot : mainShots()) {
+        if (shot.name.contains(only)) good = shoot(shot, frame) && good;
+    }
+    return good;
+}
+
+} // namespace murmeli
