@@ -46,6 +46,7 @@ Item {
         reuseItems: false
         bottomMargin: 36
         boundsBehavior: Flickable.StopAtBounds
+        currentIndex: -1 // the keyboard scrolls the whole, no item has it
         activeFocusOnTab: true
         model: root.detail.sections
         Accessible.role: Accessible.List

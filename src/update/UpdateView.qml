@@ -185,6 +185,7 @@ Rectangle {
             spacing: 9
             model: root.updater.paragraphs
             boundsBehavior: Flickable.StopAtBounds
+            currentIndex: -1 // the keyboard scrolls the whole, no paragraph has it
             activeFocusOnTab: count > 0
             Keys.onUpPressed: flick(0, 500)
             Keys.onDownPressed: flick(0, -500)

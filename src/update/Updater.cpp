@@ -36,6 +36,25 @@ QList<qint64> components(const QString& version)
     return numbers;
 }
 
+/// Of a phase, in the keys of its texts.
+QLatin1StringView word(Updater::Phase phase)
+{
+    switch (phase) {
+    case Updater::Phase::UpToDate:
+        return "uptodate"_L1;
+    case Updater::Phase::Available:
+        return "available"_L1;
+    case Updater::Phase::Installing:
+        return "installing"_L1;
+    case Updater::Phase::Failed:
+        return "failed"_L1;
+    case Updater::Phase::Idle:
+    case Updater::Phase::Checking:
+        break;
+    }
+    return "checking"_L1;
+}
+
 } // namespace
 
 Updater::Updater(Place place, Http& http, Processes& processes, Scheduler& scheduler, StatusProvider status,
@@ -70,38 +89,10 @@ QStringList Updater::paragraphs() const
 
 QString Updater::titleKey() const
 {
-    switch (m_phase) {
-    case Phase::UpToDate:
-        return u"update.title.uptodate"_s;
-    case Phase::Available:
-    case Phase::Installing:
-        return u"update.title.available"_s;
-    case Phase::Failed:
-        return u"update.title.failed"_s;
-    case Phase::Idle:
-    case Phase::Checking:
-        break;
-    }
-    return u"update.title.checking"_s;
+    return u"update.title."_s + word(m_phase == Phase::Installing ? Phase::Available : m_phase);
 }
 
-QString Updater::subtitleKey() const
-{
-    switch (m_phase) {
-    case Phase::UpToDate:
-        return u"update.subtitle.uptodate"_s;
-    case Phase::Available:
-        return u"update.subtitle.available"_s;
-    case Phase::Installing:
-        return u"update.subtitle.installing"_s;
-    case Phase::Failed:
-        return u"update.subtitle.failed"_s;
-    case Phase::Idle:
-    case Phase::Checking:
-        break;
-    }
-    return u"update.subtitle.checking"_s;
-}
+QString Updater::subtitleKey() const { return u"update.subtitle."_s + word(m_phase); }
 
 QString Updater::subtitleVersion() const { return m_phase == Phase::UpToDate ? current() : m_latest; }
 
