@@ -172,8 +172,9 @@ class Tree:
         wait_for(lambda: not self.find(role, name), f"{role or 'something'} «{name}» to vanish", seconds)
 
     def focused(self) -> Node | None:
+        # What contains the one with the focus may say that it has it too.
         found = [node for node in self._in_windows() if node.showing and "focused" in node.states]
-        return found[0] if found else None
+        return found[-1] if found else None
 
     def focus_is_on(self, name: str) -> bool:
         node = self.focused()

@@ -13,6 +13,7 @@ import subprocess
 import tempfile
 import unittest
 import urllib.request
+from collections.abc import Sequence
 from contextlib import contextmanager
 from pathlib import Path
 
@@ -350,8 +351,9 @@ class Session:
         wait_for(lambda: self.tree.session_has("org.freedesktop.portal.Desktop"), "the settings portal")
         return self.portal
 
-    def start_program(self, *arguments: str) -> subprocess.Popen:
-        self.program = self.start("murmeli", [str(PROGRAM), *arguments])
+    def start_program(self, *arguments: str, through: Sequence[str] = ()) -> subprocess.Popen:
+        """`through` is a command that becomes what it is told to start."""
+        self.program = self.start("murmeli", [*through, str(PROGRAM), *arguments])
         self.tree.follow(self.program.pid)
         wait_for(self._has_started, "Murmeli to show its icon and its accessibility tree")
         if self._has_tray:

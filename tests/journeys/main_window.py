@@ -1,0 +1,204 @@
+"""The main window of a program that somebody has signed in to, with meetings to show."""
+
+from __future__ import annotations
+
+import json
+import os
+import shutil
+import subprocess
+from dataclasses import dataclass
+from datetime import date, datetime
+from pathlib import Path
+
+from accessibility import Node
+from screen import Rectangle
+from session import PYTHON, REPOSITORY, Session
+from waiting import settles, wait_for
+
+ANNA = "anna@example.org"
+ANNA_ID = "5a1e6c1e-0b52-4f0e-9d5c-6f0f5a3c7a01"
+MEETINGS, ASSISTANT = "Встречи", "Помощник"
+BACK = "К списку встреч"
+SEARCH = "Поиск встреч"
+QUIT = "Выйти из Murmeli (снова открыть — через меню приложений)"
+ENGINE_SCRIPTS = ("homes", "meeting_files", "compose", "scene", "scenarios_ru", "scenarios_en", "protocol_pdf",
+                  "pdf_writer", "reprotocol", "script_faults")
+WITHOUT_PRIVILEGES = ("setpriv", "--bounding-set=-dac_override,-dac_read_search")
+
+
+@dataclass(frozen=True)
+class Summary:
+    path: Path
+    started: datetime
+    members: dict
+
+    @property
+    def title(self) -> str:
+        title = self.members.get("title")
+        return " ".join(title.split()) if isinstance(title, str) else self.path.name.removesuffix(".protocol.json")
+
+    @property
+    def protocol(self) -> Path:
+        return Path(self.members["_meta"]["protocol_md"])
+
+
+def write_library(session: Session, today: date | None = None) -> None:
+    # It refuses to write into the folder that $HOME names.
+    subprocess.run([PYTHON, str(REPOSITORY / "sandbox/library.py"), "--home", str(session.home),
+                    *([f"--today={today}"] if today else [])],
+                   env={**session.environment, "HOME": str(session.folder / "service")}, check=True, timeout=60,
+                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+
+
+def summaries(session: Session) -> list[Summary]:
+    """What of the library is a summary, the newest first."""
+    found = []
+    for path in session.logs.glob("*.protocol.json"):
+        try:
+            members = json.loads(path.read_text("utf-8"))
+        except (OSError, ValueError):
+            continue
+        if not isinstance(members, dict):
+            continue
+        try:
+            started = datetime.strptime(path.name, "%Y-%m-%d %H-%M-%S.protocol.json")
+        except ValueError:
+            started = datetime.fromtimestamp(path.stat().st_mtime)
+        found.append(Summary(path, started, members))
+    return sorted(found, key=lambda summary: summary.started, reverse=True)
+
+
+def write_meeting(session: Session, stem: str, **members) -> Path:
+    """A meeting of the journey's own."""
+    path = session.logs / f"{stem}.protocol.json"
+    session.write(path, members)
+    return path
+
+
+def install_scripts(session: Session) -> Path:
+    """What of the engine stands behind the main window. Its Python tells of each call."""
+    pipeline = session.notes / "pipeline"
+    pipeline.mkdir()
+    for name in ENGINE_SCRIPTS:
+        shutil.copy(REPOSITORY / f"sandbox/{name}.py", pipeline)
+    python = session.notes / ".venv/bin/python"
+    python.unlink()
+    python.write_text(f'#!/bin/sh\nprintf "%s\\n" "${{1##*/}}" >> "{session.folder}/calls"\nexec {PYTHON} "$@"\n')
+    python.chmod(0o700)
+    return python
+
+
+def script_calls(session: Session, name: str) -> int:
+    calls = session.folder / "calls"
+    return calls.read_text().splitlines().count(name) if calls.exists() else 0
+
+
+def set_engine_fault(session: Session, **faults: str) -> None:
+    session.write(session.notes / ".sandbox-engine-faults.json", faults)
+
+
+def sign_in(session: Session, email=ANNA) -> None:
+    """As the program finds it when it starts."""
+    values = session.ask_web("/sandbox/tokens", {"email": email})
+    session.write(session.notes / "account.json", {**values, "email": email, "account_id": ANNA_ID, "chat_id": ""})
+
+
+def glossary(session: Session, email=ANNA) -> str | None:
+    return session.ask_web("/sandbox/glossary")[email]
+
+
+def open_window(session: Session, button="Открыть окно", title=MEETINGS) -> Node:
+    session.open_panel()
+    session.press("push button", button)
+    session.wait_closed()
+    return session.tree.wait("frame", title)
+
+
+def quit_program(session: Session) -> None:
+    session.open_panel()
+    session.press("push button", QUIT)
+    if session.program.wait(5) != 0:
+        raise AssertionError(f"Murmeli has ended with {session.program.returncode}")
+    wait_for(lambda: not session.screen.icon(), "the icon to go")
+
+
+def rows(session: Session) -> list[Node]:
+    """Of whatever list is shown, as far as they are on screen, from above."""
+    shown = [node for node in session.tree.all("list item") if node.extents.height > 0]
+    return sorted(shown, key=lambda row: row.extents.y)
+
+
+def row_names(session: Session) -> list[str]:
+    return [row.name for row in rows(session)]
+
+
+def places(session: Session) -> list[tuple[str, Rectangle]]:
+    return [(row.name, row.extents) for row in rows(session)]
+
+
+def wait_still(session: Session) -> list[tuple[str, Rectangle]]:
+    """What the list shows once nothing in it moves any more."""
+    seen = [None, None]
+
+    def still() -> bool:
+        seen.append(places(session))
+        return bool(seen[-1]) and seen[-1] == seen[-2]
+
+    settles(still, "the list", calm=0.3)
+    return seen[-1]
+
+
+def wait_row(session: Session, title: str) -> Node:
+    return session.tree.wait("list item", lambda name: name.startswith(f"{title}, "))
+
+
+def open_meeting(session: Session, title: str) -> None:
+    session.screen.click(*wait_row(session, title).extents.middle)
+    session.look_away()
+    wait_detail(session, title)
+
+
+def wait_detail(session: Session, title: str) -> None:
+    session.tree.wait("push button", BACK)
+    session.tree.wait("heading", title)
+
+
+def wait_list(session: Session) -> None:
+    session.tree.wait("text", SEARCH)
+    session.tree.wait_gone("push button", BACK)
+
+
+def fill(session: Session, field: str, text: str) -> None:
+    """Replaces what the field holds, through the clipboard: it keeps every letter."""
+    session.screen.click(*session.tree.wait("text", field).extents.middle)
+    wait_for(lambda: session.tree.focus_is_on(field), f"«{field}» to have the focus")
+    paste(session, text)
+    session.look_away()
+
+
+def paste(session: Session, text: str) -> None:
+    session.put_in_clipboard(text)
+    session.screen.key("ctrl+a", "ctrl+v")
+
+
+def clipboard(session: Session, target: str) -> str:
+    told = subprocess.run(["xclip", "-selection", "clipboard", "-out", "-target", target], timeout=10, check=False,
+                          env=session.environment, stdin=subprocess.DEVNULL, capture_output=True)
+    return told.stdout.decode() if told.returncode == 0 else ""
+
+
+def add_tool(session: Session, name: str) -> Path:
+    """A program of this name that notes its arguments, each in a line of the file that is returned."""
+    noted = session.folder / f"{name}.arguments"
+    tool = session.folder / "bin" / name
+    tool.write_text(f'#!/bin/sh\nprintf "%s\\n" "$@" >> "{noted}"\n')
+    tool.chmod(0o700)
+    return noted
+
+
+def lines(path: Path) -> list[str]:
+    return path.read_text("utf-8").splitlines() if path.exists() else []
+
+
+def is_root() -> bool:
+    return os.geteuid() == 0
