@@ -23,6 +23,7 @@ namespace murmeli {
 namespace {
 
 constexpr auto blinkInterval = 700ms;
+constexpr auto handOver = 500ms;  ///< in which a window manager activates a window that asks for it
 constexpr auto trayPatience = 2s; ///< at log-in the tray may come later than we do
 constexpr qint64 samePress =
     400; ///< milliseconds in which a press can both close the panel and reach the icon
@@ -164,6 +165,11 @@ void AppDelegate::afterSetup()
     m_state.load();
     m_updater.check();
     openPanel();
+    // Only when the panel has the keyboard: else the window manager, looking for who is to have it after the
+    // window, would take it from the panel, which then closes.
+    const auto close = [this] { m_setupWindow->close(); };
+    connect(floatingPanel(), &QWindow::activeChanged, m_setupWindow.get(), close, Qt::SingleShotConnection);
+    m_ground.scheduler.after(handOver, m_setupWindow.get(), close);
 }
 
 bool AppDelegate::panelIsOpen() const

@@ -25,7 +25,7 @@ SetupWindowController::SetupWindowController(const Paths& paths, SetupRunner::Pl
                           .titleKey = u"setup.title"_s,
                           .size = {560, 720}}))
 {
-    if (QQuickItem* view = m_window->rootObject()) connect(view, SIGNAL(done()), this, SLOT(finish()));
+    if (QQuickItem* view = m_window->rootObject()) connect(view, SIGNAL(done()), this, SIGNAL(done()));
     connect(&m_runner, &SetupRunner::changed, this, [this, wasRunning = false]() mutable {
         const bool ended = std::exchange(wasRunning, m_runner.isRunning()) && !m_runner.isRunning();
         if (!ended) return;
@@ -48,10 +48,6 @@ void SetupWindowController::show()
     m_window->present();
 }
 
-void SetupWindowController::finish()
-{
-    m_window->close();
-    emit done();
-}
+void SetupWindowController::close() { m_window->close(); }
 
 } // namespace murmeli

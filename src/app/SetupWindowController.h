@@ -29,11 +29,10 @@ public:
     /// Shows the window and starts what is to be installed, unless the program runs from a disk image.
     void show();
 
-signals:
-    void done(); ///< the user has pressed the last button
+    void close();
 
-private slots:
-    void finish();
+signals:
+    void done(); ///< the user has pressed the last button; the window is still there
 
 private:
     SetupRunner m_runner;

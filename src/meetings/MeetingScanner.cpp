@@ -3,6 +3,7 @@
 #include "SummaryFile.h"
 
 #include <QFile>
+#include <QtConcurrentMap>
 
 #include <algorithm>
 #include <utility>
@@ -23,15 +24,16 @@ bool freshlyChanged(const files::Identity& identity)
 
 MeetingScanner::MeetingScanner(const QString& folder) : m_folder(QFile::encodeName(folder)) {}
 
-bool MeetingScanner::look(const QByteArray& name, Known& known, Result& result) const
+void MeetingScanner::look(Look& look) const
 {
-    const QByteArray path = m_folder + '/' + name;
-    if (known.settled && files::identity(path) == known.identity) return false;
+    Known& known = *look.known;
+    const QByteArray path = m_folder + '/' + look.name;
+    if (known.settled && files::identity(path) == known.identity) return;
 
     files::Identity identity;
     std::optional<Meeting> meeting;
     if (const auto bytes = files::readWhole(path, summaryFile::sizeLimit, &identity)) {
-        const QString stem = QFile::decodeName(name.chopped(summaryFile::suffix.size()));
+        const QString stem = QFile::decodeName(look.name.chopped(summaryFile::suffix.size()));
         meeting =
             summaryFile::meeting(*bytes, QFile::decodeName(path), stem, identity.modifiedNs / 1'000'000);
     } else {
@@ -41,25 +43,30 @@ bool MeetingScanner::look(const QByteArray& name, Known& known, Result& result) 
     known.settled = files::isSettled(identity);
     if (!meeting && known.listed && identity.size >= 0 && freshlyChanged(identity)) {
         known.settled = false; // being written: what was known stays until the writer has come to its end
-        result.restless = true;
-        return false;
+        look.restless = true;
+        return;
     }
     std::optional<ListedMeeting> listed;
     if (meeting) listed = {*meeting, (meeting->title + u'\n' + meeting->tldr).toLower()};
-    return std::exchange(known.listed, std::move(listed)) != known.listed;
+    look.changed = std::exchange(known.listed, std::move(listed)) != known.listed;
 }
 
 MeetingScanner::Result MeetingScanner::scan()
 {
     Result result;
     result.changed = m_scan++ == 0;
-    size_t position = 0;
+    std::vector<Look> looks;
     for (const QByteArray& name : files::namesIn(m_folder)) {
         if (!name.endsWith(summaryFile::suffix.data())) continue;
         Known& known = m_known[name.toStdString()];
         known.seen = m_scan;
-        result.changed = look(name, known, result) || result.changed;
-        known.position = position++;
+        known.position = looks.size();
+        looks.push_back({name, &known});
+    }
+    QtConcurrent::blockingMap(looks, [this](Look& one) { look(one); });
+    for (const Look& one : looks) {
+        result.changed = one.changed || result.changed;
+        result.restless = one.restless || result.restless;
     }
     for (auto it = m_known.begin(); it != m_known.end();) {
         if (it->second.seen == m_scan) {

@@ -18,7 +18,7 @@ struct ListedMeeting {
 };
 
 /// Reads the folder of summary files, and reads again only what has changed since the last time. One thread
-/// at a time; waits for the disk.
+/// at a time, which gets help for many files; waits for the disk.
 class MeetingScanner final {
 public:
     struct Result {
@@ -40,7 +40,14 @@ private:
         quint64 seen = 0;                    ///< number of the scan that met the file last
     };
 
-    bool look(const QByteArray& name, Known& known, Result& result) const;
+    /// At one file, on whatever thread is free.
+    struct Look {
+        QByteArray name;
+        Known* known;
+        bool changed = false;
+        bool restless = false;
+    };
+    void look(Look& look) const;
     [[nodiscard]] QList<ListedMeeting> sorted() const;
 
     QByteArray m_folder;

@@ -35,7 +35,7 @@ public:
     Q_INVOKABLE bool add(const QString& heard, const QString& correct);
     Q_INVOKABLE void removeAt(int row);
     Q_INVOKABLE void save();
-    Q_INVOKABLE void revert();
+    void revert() override;
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;

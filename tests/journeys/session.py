@@ -463,8 +463,20 @@ class Session:
         wait_for(holds, "the clipboard to hold the text")
 
     def press(self, role: str, name) -> None:
-        self.screen.click(*self.tree.wait(role, name).extents.middle)
+        self.screen.click(*self.at_rest(role, name).middle)
         self.look_away()
+
+    def at_rest(self, role: str, name):
+        """Where the control stands once nothing moves it any more: a press on the way would miss it."""
+        seen = [None]
+
+        def rests() -> bool:
+            node = self.tree.find(role, name)
+            seen.append(node and node.extents)
+            return seen[-1] is not None and seen[-1] == seen[-2]
+
+        settles(rests, f"{role or 'something'} «{name}»", calm=0.1)
+        return seen[-1]
 
 
 def _signal_group(process: subprocess.Popen, number: int) -> None:
