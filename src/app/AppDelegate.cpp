@@ -13,6 +13,7 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QLibraryInfo>
 #include <QScreen>
 
 using namespace Qt::StringLiterals;
@@ -91,6 +92,8 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
         m_notifier.recordingChanged(from, to);
     });
     connect(&m_ground.language, &Language::changed, this, &AppDelegate::updateTexts);
+    connect(&m_ground.language, &Language::changed, this, &AppDelegate::translateQt);
+    translateQt();
     connect(&m_record, &RecordControl::pendingChanged, this, &AppDelegate::updateTexts);
     connect(&m_ground.look, &Look::changed, this, &AppDelegate::updateIcon);
     connect(&m_ground.statusItem, &StatusItem::pressed, this, &AppDelegate::toggle);
@@ -295,6 +298,14 @@ void AppDelegate::updateIcon()
         look.icon = iconOf([&](int side) { return symbols::inked(symbol, side, ink); });
     }
     m_ground.statusItem.setLook(look);
+}
+
+void AppDelegate::translateQt()
+{
+    QCoreApplication::removeTranslator(&m_qtTexts);
+    if (m_qtTexts.load(u"qtbase_"_s + m_ground.language.current(),
+                       QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&m_qtTexts);
 }
 
 void AppDelegate::updateTexts()

@@ -17,6 +17,7 @@
 #include <QObject>
 #include <QPoint>
 #include <QQmlEngine>
+#include <QTranslator>
 
 #include <memory>
 
@@ -74,6 +75,7 @@ private:
     void followStatus();
     void updateIcon();
     void updateTexts();
+    void translateQt(); ///< dialogs and network errors speak the interface's language too
     void placePanel();
     void showWindow();
     KeyPanel* floatingPanel();
@@ -82,6 +84,7 @@ private:
     [[nodiscard]] QRect anchor() const;
 
     Ground m_ground;
+    QTranslator m_qtTexts;
     AppState m_state;
     RecordControl m_record;
     PanelModel m_panel;

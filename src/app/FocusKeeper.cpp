@@ -10,6 +10,9 @@ namespace murmeli {
 FocusKeeper::FocusKeeper(QQuickWindow* window) : QObject(window), m_window(window)
 {
     connect(window, &QQuickWindow::activeFocusItemChanged, this, &FocusKeeper::follow);
+    connect(window, &QQuickWindow::activeChanged, this, [this] {
+        if (m_item && m_window->isActive()) moveOnSoon();
+    });
 }
 
 void FocusKeeper::follow()
@@ -24,6 +27,7 @@ void FocusKeeper::follow()
     m_before = item->nextItemInFocusChain(false);
     m_ring = item->property("visualFocus").toBool();
     connect(item, &QQuickItem::visibleChanged, this, &FocusKeeper::moveOnSoon);
+    connect(item, &QQuickItem::enabledChanged, this, &FocusKeeper::moveOnSoon);
     connect(item, &QObject::destroyed, this, &FocusKeeper::moveOnSoon);
 }
 

@@ -52,7 +52,7 @@ Rectangle {
             height: parent.height
             store: root.model.store
             enabled: root.onMeetings && !root.inDetail
-            visible: opacity > 0
+            visible: enabled || opacity > 0
             opacity: enabled ? 1 : 0
             x: root.inDetail ? -Theme.slide : 0
             onOpened: id => root.model.open(id)

@@ -95,7 +95,7 @@ Item {
                     font.hintingPreference: Font.PreferNoHinting
                     background: null
                     KeyNavigation.priority: KeyNavigation.BeforeItem
-                    KeyNavigation.tab: button.visible ? button : teachLink
+                    KeyNavigation.tab: button.visible && button.ready ? button : teachLink
                     Accessible.role: Accessible.EditableText
                     Accessible.name: L.t("detail.remark")
                     onTextChanged: if (text.length > 0 && !root.working) root.editor.reset()

@@ -87,6 +87,8 @@ Item {
 
             x: 20
             width: list.width - 40
+            ListView.onPooled: visible = false // else it is told of as if it were still there
+            ListView.onReused: visible = true
             dayText: root.store.list.today && root.store.list.dayTitle(day, L.language)
             current: list.activeFocus && index === list.currentIndex
             onOpened: {

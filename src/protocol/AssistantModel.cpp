@@ -8,7 +8,7 @@
 namespace murmeli {
 
 AssistantModel::AssistantModel(GlossaryStore& store, QObject* parent)
-    : QAbstractListModel(parent), m_store(store), m_draft(store.entries())
+    : QAbstractListModel(parent), m_store(store), m_base(store.entries()), m_draft(store.entries())
 {
     filter();
     connect(&store, &GlossaryStore::entriesChanged, this, &AssistantModel::follow);
@@ -16,9 +16,12 @@ AssistantModel::AssistantModel(GlossaryStore& store, QObject* parent)
 
 void AssistantModel::follow()
 {
-    if (m_dirty || m_draft == m_store.entries()) return;
+    // A working copy keeps its changes and takes in what has come meanwhile.
+    const auto next = m_dirty ? glossaryText::merged(m_base, m_draft, m_store.entries()) : m_store.entries();
+    m_base = m_store.entries();
+    if (m_draft == next) return;
     beginResetModel();
-    m_draft = m_store.entries();
+    m_draft = next;
     filter();
     endResetModel();
     emit changed();

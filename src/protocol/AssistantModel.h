@@ -51,6 +51,7 @@ private:
     void touch();
 
     GlossaryStore& m_store;
+    QList<GlossaryEntry> m_base; ///< what the working copy began with
     QList<GlossaryEntry> m_draft;
     QList<int> m_visible; ///< positions in the draft
     QString m_query;

@@ -122,6 +122,8 @@ Item {
                 required property int index
 
                 width: list.width
+                ListView.onPooled: visible = false // else it is told of as if it were still there
+                ListView.onReused: visible = true
                 current: list.activeFocus && index === list.currentIndex
                 onRemoved: root.model.removeAt(index)
                 Rectangle {

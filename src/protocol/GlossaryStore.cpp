@@ -19,7 +19,8 @@ namespace murmeli {
 namespace {
 
 const QString copyKey = u"glossary"_s;
-const QString unsentKey = u"glossary_unsent"_s; // the copy holds what the backend has not got yet
+// There while the copy holds what the backend has not got yet: what both had last.
+const QString baseKey = u"glossary_base"_s;
 
 /// The glossary in an answer; nothing when the answer is no list of profiles.
 std::optional<QString> textIn(const QByteArray& answer)
@@ -42,11 +43,14 @@ GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, con
       m_prefs(prefs),
       m_language(language),
       m_scheduler(scheduler),
-      m_entries(glossaryText::parseAll(prefs.string(copyKey, {})))
+      m_entries(glossaryText::parseAll(prefs.string(copyKey, {}))),
+      m_base(prefs.string(baseKey, prefs.string(copyKey, {})))
 {
     reload();
     connect(&account, &AuthManager::changed, this, [this, was = account.isAuthed()]() mutable {
-        if (std::exchange(was, m_account.isAuthed()) != m_account.isAuthed()) reload();
+        if (std::exchange(was, m_account.isAuthed()) == m_account.isAuthed()) return;
+        m_loaded = false; // another person's glossary, perhaps
+        reload();
     });
 }
 
@@ -56,10 +60,17 @@ void GlossaryStore::setEntries(const QString& text)
     if (std::exchange(m_entries, entries) != entries) emit entriesChanged();
 }
 
+bool GlossaryStore::unsent() const { return m_prefs.load().value(baseKey).isString(); }
+
 void GlossaryStore::keepCopy(const QString& text, bool sent)
 {
     if (m_prefs.string(copyKey, {}) != text || !m_prefs.load().contains(copyKey)) m_prefs.set(copyKey, text);
-    if (m_prefs.boolean(unsentKey, false) == sent) m_prefs.set(unsentKey, !sent);
+    if (sent) {
+        m_base = text;
+        if (unsent()) m_prefs.set(baseKey, QJsonValue::Null);
+    } else if (!unsent()) {
+        m_prefs.set(baseKey, m_base);
+    }
 }
 
 QString GlossaryStore::problem(const HttpAnswer& answer, const char* key) const
@@ -71,18 +82,13 @@ void GlossaryStore::reload()
 {
     const QString token = m_account.freshToken();
     if (token.isEmpty() || m_loading) return;
-    if (m_prefs.boolean(unsentKey, false)) {
-        save(m_entries);
-        return;
-    }
     m_loading = true;
     emit changed();
     const auto request = m_account.backend().request("GET", u"/rest/v1/profiles?select=glossary"_s, token);
-    m_http.send(request, this, [this, save = m_save](const HttpAnswer& answer) {
+    m_http.send(request, this, [this](const HttpAnswer& answer) {
         m_loading = false;
-        if (save == m_save) loaded(answer);
+        loaded(answer);
         emit changed();
-        afterLoading();
     });
 }
 
@@ -90,18 +96,25 @@ void GlossaryStore::loaded(const HttpAnswer& answer)
 {
     const auto text = textIn(answer.body);
     if (!text) {
-        m_syncError = problem(answer, "assistant.error.load");
+        m_syncError = problem(answer, m_waiting.empty() ? "assistant.error.load" : "assistant.error.save");
+        finish(false);
         return;
     }
-    m_syncError.clear();
-    setEntries(*text);
-    keepCopy(*text, true);
-}
-
-void GlossaryStore::afterLoading()
-{
-    for (const GlossaryEntry& rule : std::exchange(m_toLearn, {}))
-        learn(rule.heard, rule.correct);
+    m_loaded = true;
+    if (!unsent()) {
+        m_syncError.clear();
+        setEntries(*text);
+        keepCopy(*text, true);
+        finish(true);
+        return;
+    }
+    // What was written here meanwhile joins what came there meanwhile.
+    const auto base = glossaryText::parseAll(m_prefs.string(baseKey, {}));
+    const QString merged =
+        glossaryText::serialised(glossaryText::merged(base, m_entries, glossaryText::parseAll(*text)));
+    setEntries(merged);
+    keepCopy(merged, false);
+    send();
 }
 
 void GlossaryStore::save(const QList<GlossaryEntry>& entries, Then then)
@@ -109,41 +122,51 @@ void GlossaryStore::save(const QList<GlossaryEntry>& entries, Then then)
     const QString text = glossaryText::serialised(entries);
     setEntries(text);
     keepCopy(text, false);
-    const QString token = m_account.freshToken();
-    if (token.isEmpty()) {
+    if (m_account.freshToken().isEmpty()) {
         m_syncError = m_language.t(u"assistant.error.auth"_s);
         emit changed();
         if (then) then(false);
         return;
     }
-    auto request =
-        m_account.backend().request("PATCH", u"/rest/v1/profiles"_s, token, {{u"glossary"_s, text}});
+    if (then) m_waiting.push_back(std::move(then));
+    if (m_loaded) {
+        send();
+    } else {
+        reload(); // what is there must not be overwritten unseen
+    }
+}
+
+void GlossaryStore::send()
+{
+    const QString text = glossaryText::serialised(m_entries);
+    auto request = m_account.backend().request("PATCH", u"/rest/v1/profiles"_s, m_account.freshToken(),
+                                               {{u"glossary"_s, text}});
     request.headers.emplaceBack("Prefer", "return=minimal");
-    m_http.send(request, this,
-                [this, text, then = std::move(then), save = ++m_save](const HttpAnswer& answer) {
-                    const bool saved = answer.ok();
-                    if (saved) {
-                        m_syncError.clear();
-                        m_savedAt = QDateTime::fromMSecsSinceEpoch(qint64(m_scheduler.now() * 1000));
-                        if (save == m_save) keepCopy(text, true);
-                    } else {
-                        m_syncError = problem(answer, "assistant.error.save");
-                    }
-                    emit changed();
-                    if (then) then(saved);
-                });
+    m_http.send(request, this, [this, text, save = ++m_save](const HttpAnswer& answer) {
+        if (save != m_save) return; // a later one carries this one's words too
+        if (answer.ok()) {
+            m_syncError.clear();
+            m_savedAt = QDateTime::fromMSecsSinceEpoch(qint64(m_scheduler.now() * 1000));
+            keepCopy(text, true);
+        } else {
+            m_syncError = problem(answer, "assistant.error.save");
+        }
+        finish(answer.ok());
+        emit changed();
+    });
+}
+
+void GlossaryStore::finish(bool saved)
+{
+    for (const Then& then : std::exchange(m_waiting, {}))
+        then(saved);
 }
 
 bool GlossaryStore::learn(const QString& heard, const QString& correct)
 {
     const auto entries = glossaryText::learned(m_entries, heard, correct);
-    if (!entries) return false;
-    if (m_loading) {
-        m_toLearn.append({heard, correct}); // the list that is on its way must not be overwritten unseen
-    } else {
-        save(*entries);
-    }
-    return true;
+    if (entries) save(*entries);
+    return entries.has_value();
 }
 
 } // namespace murmeli

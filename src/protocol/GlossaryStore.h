@@ -7,6 +7,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
+#include <vector>
 
 namespace murmeli {
 
@@ -55,8 +56,10 @@ signals:
 private:
     void setEntries(const QString& text);
     void keepCopy(const QString& text, bool sent);
+    [[nodiscard]] bool unsent() const;
     void loaded(const HttpAnswer& answer);
-    void afterLoading();
+    void send();
+    void finish(bool saved);
     [[nodiscard]] QString problem(const HttpAnswer& answer, const char* key) const;
 
     AuthManager& m_account;
@@ -65,11 +68,13 @@ private:
     const Language& m_language;
     Scheduler& m_scheduler;
     QList<GlossaryEntry> m_entries;
-    QList<GlossaryEntry> m_toLearn; ///< taught while a load was under way
+    QString m_base;              ///< the text that we and the backend had in common last
+    std::vector<Then> m_waiting; ///< for the running save
     bool m_loading = false;
+    bool m_loaded = false; ///< what the backend has is known
     QString m_syncError;
     QDateTime m_savedAt;
-    quint64 m_save = 0; ///< the latest; a load that began before it is dropped
+    quint64 m_save = 0; ///< the latest
 };
 
 } // namespace murmeli

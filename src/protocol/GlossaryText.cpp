@@ -75,6 +75,30 @@ std::optional<QList<GlossaryEntry>> learned(QList<GlossaryEntry> entries, const 
     return entries;
 }
 
+QList<GlossaryEntry> merged(const QList<GlossaryEntry>& base, const QList<GlossaryEntry>& mine,
+                            const QList<GlossaryEntry>& theirs)
+{
+    QList<GlossaryEntry> result;
+    for (const GlossaryEntry& entry : theirs) {
+        if (!base.contains(entry) || mine.contains(entry)) result.append(entry);
+    }
+    qsizetype top = 0;
+    // New entries before those that were there stand at the top.
+    bool atTop = std::ranges::any_of(mine, [&](const GlossaryEntry& entry) { return base.contains(entry); });
+    for (const GlossaryEntry& entry : mine) {
+        if (base.contains(entry)) {
+            atTop = false;
+        } else if (!result.contains(entry)) {
+            if (atTop) {
+                result.insert(top++, entry);
+            } else {
+                result.append(entry);
+            }
+        }
+    }
+    return result;
+}
+
 } // namespace glossaryText
 
 } // namespace murmeli

@@ -30,6 +30,11 @@ QString serialised(const QList<GlossaryEntry>& entries);
 std::optional<QList<GlossaryEntry>> learned(QList<GlossaryEntry> entries, const QString& heard,
                                             const QString& correct);
 
+/// `theirs` with what was done from `base` to `mine`: what is new in mine stands where mine has it, at the
+/// top or the end; what is gone from mine is gone.
+QList<GlossaryEntry> merged(const QList<GlossaryEntry>& base, const QList<GlossaryEntry>& mine,
+                            const QList<GlossaryEntry>& theirs);
+
 } // namespace glossaryText
 
 } // namespace murmeli

@@ -35,6 +35,26 @@ QByteArray requestBody(const QString& remark, const QList<ProtocolItem>& items)
         QJsonDocument::Compact);
 }
 
+std::optional<QString> itemText(const QByteArray& summary, const QString& section, qsizetype index)
+{
+    const auto object = json::object(summary);
+    if (!object) return std::nullopt;
+    for (const ProtocolItem& item : protocolItems::editable(*object)) {
+        if (item.section == section && (item.index == index || object->value(section).isString()))
+            return item.text;
+    }
+    return std::nullopt;
+}
+
+/// The file as it is now, when the service has written to it since it was read; as it was when it cannot be
+/// read now; empty when the very item has changed, since the correction was meant for another text.
+QByteArray current(const QString& file, const QByteArray& summary, const QString& section, qsizetype index)
+{
+    const auto now = files::readWhole(file, summaryFile::sizeLimit);
+    if (!now || *now == summary || !json::object(*now)) return summary;
+    return itemText(*now, section, index) == itemText(summary, section, index) ? *now : QByteArray{};
+}
+
 } // namespace
 
 ProtocolEditor::ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
@@ -112,7 +132,8 @@ void ProtocolEditor::take(const HttpAnswer& answer, const QByteArray& summary, c
     const auto index = json::integer(*object, "index"_L1);
     const QString text = murmeli::text::trimmed(json::text(*object, "text"_L1));
     const auto corrected = found && section && index && !text.isEmpty()
-                               ? protocolItems::corrected(summary, *section, *index, text, m_scheduler.now())
+                               ? protocolItems::corrected(current(file, summary, *section, *index), *section,
+                                                          *index, text, m_scheduler.now())
                                : std::nullopt;
     if (!corrected) {
         end(Outcome::NotFound, {}, done);

@@ -313,6 +313,36 @@ private slots:
         QTEST(learned ? told(*learned) : QString{}, "glossary");
     }
 
+    void merging_data()
+    {
+        QTest::addColumn<QString>("base");
+        QTest::addColumn<QString>("mine");
+        QTest::addColumn<QString>("theirs");
+        QTest::addColumn<QString>("merged");
+        const auto row = [](const char* name, const char* base, const char* mine, const char* theirs,
+                            const char* merged) {
+            QTest::newRow(name) << QString::fromLatin1(base) << QString::fromLatin1(mine)
+                                << QString::fromLatin1(theirs) << QString::fromLatin1(merged);
+        };
+        row("nothing done", "a b", "a b", "a b c", "a b c");
+        row("added at the top", "a b", "x a b", "a b c", "x a b c");
+        row("added at the end", "a b", "a b x", "a b c", "a b c x");
+        row("removed here", "a b", "b", "a b c", "b c");
+        row("removed there", "a b", "a b", "b", "b");
+        row("removed there, added here", "a b", "a b x", "", "x");
+        row("both added the same", "a", "a x", "a x", "a x");
+        row("nothing in common", "", "x y", "a", "a x y");
+    }
+    void merging()
+    {
+        QFETCH(QString, base);
+        QFETCH(QString, mine);
+        QFETCH(QString, theirs);
+        const auto entries = [](QString words) { return glossaryText::parseAll(words.replace(u' ', u'\n')); };
+        const auto merged = glossaryText::merged(entries(base), entries(mine), entries(theirs));
+        QTEST(told(merged).replace(u'|', u' '), "merged");
+    }
+
     void glossaryAnswers_data()
     {
         QTest::addColumn<QByteArray>("wire");
@@ -353,15 +383,16 @@ private slots:
         QCOMPARE(m->program.prefs.string(u"glossary"_s, {}), u"x → y"_s);
 
         // What could not be sent is sent instead of being overwritten.
-        m->reply(Server::answer(204, ""));
+        m->backendHas(R"([{"glossary":"там"}])");
         m->program.signIn();
         QTRY_VERIFY(store->savedAt().isValid());
-        const auto patches = m->program.server.requestsTo("/rest/v1/profiles");
-        QCOMPARE(patches.size(), 1);
-        QCOMPARE(patches[0].method, "PATCH"_ba);
-        QCOMPARE(patches[0].path, "/rest/v1/profiles"_ba);
-        QCOMPARE(patches[0].header("Prefer"), "return=minimal"_ba);
-        QCOMPARE(patches[0].body, QByteArray{R"({"glossary":"x → y"})"});
+        const auto requests = m->program.server.requestsTo("/rest/v1/profiles");
+        QCOMPARE(requests.size(), 2); // first a look at what is there
+        const Server::Request patch = requests[1];
+        QCOMPARE(patch.method, "PATCH"_ba);
+        QCOMPARE(patch.path, "/rest/v1/profiles"_ba);
+        QCOMPARE(patch.header("Prefer"), "return=minimal"_ba);
+        QCOMPARE(patch.body, QByteArray{R"({"glossary":"там\nx → y"})"});
         QVERIFY(store->syncError().isEmpty());
 
         m->reply(Server::answer(500, "{}"));
@@ -420,14 +451,14 @@ private slots:
         QVERIFY(!model.dirty());
 
         model.add({}, u"новое"_s);
-        m->reply(Server::answer(204, ""));
+        m->backendHas(R"([{"glossary":"там"}])");
         m->program.signIn();
         QTRY_VERIFY(store->savedAt().isValid());
         model.save();
         QVERIFY(model.saving());
         QTRY_VERIFY(!model.dirty());
-        QCOMPARE(rows(), u"новое|со стороны"_s);
-        QVERIFY(m->program.server.requests.last().body.contains("новое\\nсо стороны"));
+        QCOMPARE(rows(), u"новое|там|со стороны"_s);
+        QVERIFY(m->program.server.requests.last().body.contains("новое\\nтам\\nсо стороны"));
     }
 
 private:
@@ -471,6 +502,13 @@ private:
                 } else {
                     socket->write(wire);
                 }
+            };
+        }
+        void backendHas(const QByteArray& profiles)
+        {
+            program.server.reply = [profiles](QTcpSocket* socket, const Server::Request& request) {
+                socket->write(request.method == "GET" ? Server::answer(200, profiles)
+                                                      : Server::answer(204, ""));
             };
         }
         [[nodiscard]] QList<Server::Request> edits() const
