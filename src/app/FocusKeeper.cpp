@@ -41,8 +41,10 @@ void FocusKeeper::moveOnSoon()
 void FocusKeeper::moveOn()
 {
     m_moving = false;
-    const auto fit = [this](const QQuickItem* item) {
-        return item && item != m_window->contentItem() && item->isVisible() && item->isEnabled();
+    // A scope that has the keyboard itself has found nobody in it to take it.
+    const auto fit = [](const QQuickItem* item) {
+        return item && item->isVisible() && item->isEnabled() &&
+               (!item->isFocusScope() || item->activeFocusOnTab());
     };
     if (!m_window->isVisible() || fit(m_window->activeFocusItem())) return;
     QQuickItem* from = m_item ? m_item.data() : m_before.data();

@@ -383,19 +383,6 @@ class Sharing(ProtocolTest):
         quit_program(session)
         self.assertTrue(pdf.exists(), "who got it may still be reading it")
 
-    def test_a_corrected_protocol_is_built_anew(self):
-        session = self.open_library()
-        mail = add_tool(session, "xdg-email")
-        summary = self.open_newest(session)
-        self.choose(session, MAIL)
-        wait_for(lambda: len(lines(mail)) == 2, "the mail")
-        self.send(session, f"замени {word_of(summary)} на переправа")
-        session.tree.wait(None, EDITED)
-        self.choose(session, MAIL)
-        wait_for(lambda: len(lines(mail)) == 4, "the second mail")
-        told = subprocess.run(["pdftotext", lines(mail)[3], "-"], capture_output=True, timeout=20, check=True)
-        self.assertIn("переправа", told.stdout.decode())
-
     def test_a_failure(self):
         session = self.open_library()
         set_engine_fault(session, pdf="fail")
