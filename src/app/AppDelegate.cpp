@@ -93,7 +93,6 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
     });
     connect(&m_ground.language, &Language::changed, this, &AppDelegate::updateTexts);
     connect(&m_ground.language, &Language::changed, this, &AppDelegate::translateQt);
-    translateQt();
     connect(&m_record, &RecordControl::pendingChanged, this, &AppDelegate::updateTexts);
     connect(&m_ground.look, &Look::changed, this, &AppDelegate::updateIcon);
     connect(&m_ground.statusItem, &StatusItem::pressed, this, &AppDelegate::toggle);
@@ -144,6 +143,7 @@ void AppDelegate::start(bool forceSetup)
     updateIcon();
     m_ground.statusItem.show();
     m_ground.scheduler.after(0ms, this, [this, forceSetup] {
+        translateQt();
         floatingPanel();
         if (forceSetup || SetupRunner::needed(m_ground.paths)) showSetup();
         m_updater.startAutoCheck();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QDateTime>
+
 #include <chrono>
 #include <functional>
 
@@ -16,6 +18,9 @@ public:
 
     /// Seconds since 1970-01-01 UTC.
     [[nodiscard]] virtual double now() const = 0;
+
+    /// The same as a local date and time.
+    [[nodiscard]] QDateTime moment() const { return QDateTime::fromMSecsSinceEpoch(qint64(now() * 1000)); }
 
     /// Runs `action` once after `delay`, never if `context` has gone by then.
     virtual void after(Milliseconds delay, QObject* context, std::function<void()> action) = 0;

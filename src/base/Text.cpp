@@ -1,5 +1,6 @@
 #include "Text.h"
 
+#include <algorithm>
 #include <memory>
 #include <unicode/ubrk.h>
 
@@ -48,6 +49,27 @@ QString capitalizedFirst(const QString& text)
 }
 
 QString first(const QString& text, qsizetype count) { return text.left(walk(text, count).end); }
+
+QString oneLine(const QString& text)
+{
+    QString line = text;
+    for (QChar& c : line) {
+        if (c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
+            c == QChar::ParagraphSeparator)
+            c = u' ';
+    }
+    return line;
+}
+
+std::optional<qint64> wholeNumber(const QString& text)
+{
+    // toLongLong() alone would take white space too.
+    const bool plain =
+        std::ranges::all_of(text, [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'-' || c == u'+'; });
+    bool good = false;
+    const qint64 number = text.toLongLong(&good);
+    return plain && good ? std::optional{number} : std::nullopt;
+}
 
 qsizetype characterCount(const QString& text) { return walk(text, text.size()).characters; }
 

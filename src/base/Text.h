@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 /// Text as a reader sees it: characters are grapheme clusters, white space and case are Unicode's.
 namespace murmeli::text {
 
@@ -13,6 +15,13 @@ QString capitalizedFirst(const QString& text);
 
 /// The first `count` characters, or the whole text when it is shorter.
 QString first(const QString& text, qsizetype count);
+
+/// With spaces for line breaks and other control characters.
+QString oneLine(const QString& text);
+
+/// A whole number in base 10 with an optional sign, and nothing else; nothing when the text is no such
+/// number.
+std::optional<qint64> wholeNumber(const QString& text);
 
 /// How many characters a reader would count.
 qsizetype characterCount(const QString& text);

@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Detail
-import Murmeli.Localisation
 import Murmeli.Ui
 
 // A meeting's protocol, and the tools to correct it and to pass it on.

@@ -62,14 +62,11 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
 
 MeetingDetailModel::~MeetingDetailModel() = default;
 
-QString MeetingDetailModel::title() const
-{
-    return m_meeting.title.left(titleLength).replace(u'\n', u' ').replace(u'\r', u' ');
-}
+QString MeetingDetailModel::title() const { return text::oneLine(m_meeting.title.left(titleLength)); }
 
 QString MeetingDetailModel::dateLine(const QString& language) const
 {
-    const QDate today = QDateTime::fromMSecsSinceEpoch(qint64(m_ground.scheduler.now() * 1000)).date();
+    const QDate today = m_ground.scheduler.moment().date();
     return captions::dateLine(m_meeting, today, language);
 }
 

@@ -1,5 +1,4 @@
 import QtQuick
-import Murmeli.Detail
 import Murmeli.Localisation
 import Murmeli.Ui
 

@@ -17,17 +17,7 @@ namespace {
 
 constexpr qsizetype shownLength = 400; // code units of a title or summary; a row has room for fewer
 
-/// In one line and no longer than a row can show.
-QString oneLine(const QString& text)
-{
-    QString line = text.left(shownLength);
-    for (QChar& c : line) {
-        if (c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
-            c == QChar::ParagraphSeparator)
-            c = u' ';
-    }
-    return line;
-}
+QString shown(const QString& text) { return text::oneLine(text.left(shownLength)); }
 
 } // namespace
 
@@ -156,7 +146,7 @@ int MeetingListModel::rowCount(const QModelIndex& parent) const { return parent.
 QVariant MeetingListModel::hit(const QString& text) const
 {
     if (m_needle.isEmpty()) return QPoint{-1, 0};
-    const QString line = oneLine(text);
+    const QString line = shown(text);
     const QString lower = line.toLower();
     // Where lower-casing changes the length, places cannot be told; nothing is marked then.
     const qsizetype at = lower.size() == line.size() ? lower.indexOf(m_needle) : -1;
@@ -171,9 +161,9 @@ QVariant MeetingListModel::data(const QModelIndex& index, int role) const
     case IdRole:
         return meeting.id;
     case TitleRole:
-        return oneLine(meeting.title);
+        return shown(meeting.title);
     case SummaryRole:
-        return oneLine(meeting.tldr);
+        return shown(meeting.tldr);
     case TimeRole:
         return captions::timeRange(meeting, m_language.current());
     case DayRole:

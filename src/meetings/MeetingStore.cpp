@@ -64,7 +64,7 @@ void MeetingStore::reload()
 
 void MeetingStore::take(const MeetingScanner::Result& result)
 {
-    const QDate today = QDateTime::fromMSecsSinceEpoch(qint64(m_scheduler.now() * 1000)).date();
+    const QDate today = m_scheduler.moment().date();
     if (result.changed || today != m_list.today()) m_list.setMeetings(result.meetings, today);
     m_loading = false;
     m_loaded = true;

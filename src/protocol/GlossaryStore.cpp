@@ -49,7 +49,12 @@ GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, con
     reload();
     connect(&account, &AuthManager::changed, this, [this, was = account.isAuthed()]() mutable {
         if (std::exchange(was, m_account.isAuthed()) == m_account.isAuthed()) return;
-        m_loaded = false; // another person's glossary, perhaps
+        // Another person's glossary, perhaps: what is on its way is nobody's now.
+        m_loaded = false;
+        m_loading = false;
+        ++m_save;
+        ++m_load;
+        finish(false);
         reload();
     });
 }
@@ -85,7 +90,8 @@ void GlossaryStore::reload()
     m_loading = true;
     emit changed();
     const auto request = m_account.backend().request("GET", u"/rest/v1/profiles?select=glossary"_s, token);
-    m_http.send(request, this, [this](const HttpAnswer& answer) {
+    m_http.send(request, this, [this, load = ++m_load](const HttpAnswer& answer) {
+        if (load != m_load) return;
         m_loading = false;
         loaded(answer);
         emit changed();
@@ -146,7 +152,7 @@ void GlossaryStore::send()
         if (save != m_save) return; // a later one carries this one's words too
         if (answer.ok()) {
             m_syncError.clear();
-            m_savedAt = QDateTime::fromMSecsSinceEpoch(qint64(m_scheduler.now() * 1000));
+            m_savedAt = m_scheduler.moment();
             keepCopy(text, true);
         } else {
             m_syncError = problem(answer, "assistant.error.save");

@@ -74,7 +74,8 @@ private:
     bool m_loaded = false; ///< what the backend has is known
     QString m_syncError;
     QDateTime m_savedAt;
-    quint64 m_save = 0; ///< the latest
+    quint64 m_load = 0; ///< the latest; an older one's answer is dropped
+    quint64 m_save = 0; ///< the same
 };
 
 } // namespace murmeli

@@ -1,6 +1,7 @@
 #include "ProtocolFileMaker.h"
 
 #include "base/Processes.h"
+#include "base/Text.h"
 #include "localisation/Language.h"
 #include "meetings/Meeting.h"
 #include "service/Paths.h"
@@ -36,11 +37,8 @@ ProtocolFileMaker::~ProtocolFileMaker() = default;
 
 QString ProtocolFileMaker::suggestedName(const Meeting& meeting)
 {
-    QString title = meeting.title;
+    QString title = text::oneLine(meeting.title.left(longestName)); // a code unit is a byte at least
     title.replace(u'/', u'-').replace(u':', u'-');
-    for (QChar& c : title) {
-        if (c.category() == QChar::Other_Control) c = u' ';
-    }
     while (title.toUtf8().size() > longestName)
         title.chop(title.back().isLowSurrogate() ? 2 : 1);
     return meeting.startedAt.toString(u"yyyy-MM-dd"_s) + u' ' + title + u".pdf"_s;

@@ -27,14 +27,10 @@ constexpr auto publishInterval = 16ms;
 constexpr qsizetype tailLength = 90; // characters
 const QString marker = u"@@"_s;
 
-/// A whole number with an optional sign, and nothing else.
-std::optional<int> wholeNumber(const QString& text)
+std::optional<int> percent(const QString& text)
 {
-    const bool plain =
-        std::ranges::all_of(text, [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'-' || c == u'+'; });
-    bool good = false;
-    const int number = text.toInt(&good);
-    return plain && good ? std::optional{number} : std::nullopt;
+    const auto number = text::wholeNumber(text);
+    return number && *number == int(*number) ? std::optional{int(*number)} : std::nullopt;
 }
 
 } // namespace
@@ -145,7 +141,7 @@ void SetupRunner::handleMarker(const QStringList& fields)
     if (fields[0] == "start"_L1) {
         state = {.kind = StepState::Running};
     } else if (fields[0] == "progress"_L1) {
-        state = {.kind = StepState::Running, .percent = wholeNumber(fields.value(2))};
+        state = {.kind = StepState::Running, .percent = percent(fields.value(2))};
     } else if (fields[0] == "done"_L1) {
         state = {.kind = StepState::Done};
     } else if (fields[0] == "fail"_L1) {

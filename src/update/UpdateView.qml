@@ -56,7 +56,7 @@ Rectangle {
                 name: "arrow.down.circle"
                 ink: root.accentInk
                 SequentialAnimation on sunk {
-                    running: root.phase === Updater.Installing && root.visible && Theme.motion
+                    running: root.phase === Updater.Installing && root.Window.visibility !== Window.Hidden && Theme.motion
                     loops: Animation.Infinite
                     NumberAnimation { to: Theme.sink; duration: Theme.pulseSlow / 2; easing.type: Easing.InOutSine }
                     NumberAnimation { to: 0; duration: Theme.pulseSlow / 2; easing.type: Easing.InOutSine }

@@ -28,10 +28,7 @@ QList<qint64> components(const QString& version)
 {
     QList<qint64> numbers;
     for (const QString& piece : version.split(u'.', Qt::SkipEmptyParts)) {
-        // Only digits with a sign: toLongLong() would take white space too.
-        const bool plain = std::ranges::all_of(
-            piece, [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'-' || c == u'+'; });
-        numbers.append(plain ? piece.toLongLong() : 0);
+        numbers.append(text::wholeNumber(piece).value_or(0));
     }
     return numbers;
 }
@@ -128,7 +125,7 @@ void Updater::take(const QByteArray& record)
     m_available = isNewer(*version, current());
     m_notes = json::text(*object, "notes"_L1);
     m_released = json::text(*object, "released"_L1);
-    m_lastChecked = QDateTime::fromMSecsSinceEpoch(qint64(m_scheduler.now() * 1000));
+    m_lastChecked = m_scheduler.moment();
     setPhase(m_available ? Phase::Available : Phase::UpToDate);
     if (m_available && replaceable() && m_status() != "recording"_L1) runUpdate();
 }

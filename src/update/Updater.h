@@ -64,7 +64,6 @@ public:
     [[nodiscard]] bool available() const { return m_available; }
     [[nodiscard]] QString latest() const { return m_latest; }
     [[nodiscard]] bool busy() const { return m_busy; }
-    [[nodiscard]] QString notes() const { return m_notes; }
     [[nodiscard]] QStringList paragraphs() const;
     [[nodiscard]] QString released() const { return m_released; }
     [[nodiscard]] QDateTime lastChecked() const { return m_lastChecked; }
