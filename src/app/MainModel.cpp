@@ -28,7 +28,7 @@ void MainModel::open(const QString& id)
         m_detail, std::make_unique<MeetingDetailModel>(
                       MeetingDetailModel::Ground{m_ground.paths, m_store, m_glossary, m_ground.account,
                                                  m_ground.http, m_ground.processes, m_ground.language,
-                                                 m_ground.scheduler, m_ground.webOrigin, m_rebuilding},
+                                                 m_ground.scheduler, m_ground.webOrigin, m_background},
                       *meeting));
     emit detailChanged();
     if (old) old.release()->deleteLater(); // its view still reads it

@@ -59,7 +59,7 @@ signals:
 
 private:
     Ground m_ground;
-    QObject m_rebuilding;
+    QObject m_background;
     MeetingStore m_store;
     GlossaryStore m_glossary;
     AssistantModel m_assistant;

@@ -61,7 +61,11 @@ QString bySkeleton(const QDateTime& moment, const QString& language, const QStri
 QString spokenDuration(qint64 seconds, const QString& language)
 {
     UErrorCode status = U_ZERO_ERROR;
-    const icu::MeasureFormat format{icu::Locale{language.toUtf8().constData()}, UMEASFMT_WIDTH_WIDE, status};
+    thread_local std::map<QString, std::unique_ptr<icu::MeasureFormat>> formats;
+    auto [found, isNew] = formats.try_emplace(language);
+    if (isNew)
+        found->second = std::make_unique<icu::MeasureFormat>(icu::Locale{language.toUtf8().constData()},
+                                                             UMEASFMT_WIDTH_WIDE, status);
     std::vector<icu::Measure> parts;
     if (seconds >= 60)
         parts.emplace_back(icu::Formattable{int64_t(seconds / 60)}, icu::MeasureUnit::createMinute(status),
@@ -70,7 +74,7 @@ QString spokenDuration(qint64 seconds, const QString& language)
                        status);
     icu::UnicodeString result;
     icu::FieldPosition ignored;
-    format.formatMeasures(parts.data(), int32_t(parts.size()), result, ignored, status);
+    found->second->formatMeasures(parts.data(), int32_t(parts.size()), result, ignored, status);
     return U_FAILURE(status) ? QString{} : fromIcu(result);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QMap>
 
 #include <utility>
 
@@ -84,6 +85,31 @@ QString decodedKey(const Member& member)
     return QJsonDocument::fromJson('[' + member.key + ']').array().first().toString();
 }
 
+void writePretty(QByteArray& out, const QByteArray& value, qsizetype indent)
+{
+    const bool isObject = value.startsWith('{');
+    const QList<Member> members = isObject || value.startsWith('[') ? membersOf(value) : QList<Member>{};
+    if (members.isEmpty()) {
+        out += value;
+        return;
+    }
+    QMap<QString, Member> byName;
+    if (isObject) {
+        for (const Member& member : members)
+            byName.insert(decodedKey(member), member);
+    }
+    const QByteArray line = '\n' + QByteArray(indent + 2, ' ');
+    const char* separator = "";
+    out += isObject ? '{' : '[';
+    for (const Member& member : isObject ? byName.values() : members) {
+        out += separator + line;
+        if (isObject) out += member.key + ": ";
+        writePretty(out, member.value, indent + 2);
+        separator = ",";
+    }
+    out += '\n' + QByteArray(indent, ' ') + (isObject ? '}' : ']');
+}
+
 } // namespace
 
 std::optional<QJsonObject> object(const QByteArray& bytes)
@@ -147,6 +173,13 @@ QList<QJsonObject> objects(const QJsonObject& object, QLatin1StringView key)
 QByteArray withMember(const QByteArray& bytes, const QString& key, const QJsonValue& value)
 {
     return withValueAt(object(bytes) ? bytes : "{}"_ba, {key}, value).value_or(QByteArray{});
+}
+
+QByteArray pretty(const QByteArray& bytes)
+{
+    QByteArray result;
+    writePretty(result, bytes.trimmed(), 0);
+    return result;
 }
 
 std::optional<QByteArray> withValueAt(const QByteArray& bytes, const QList<Step>& path,

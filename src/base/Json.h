@@ -30,6 +30,10 @@ QList<QJsonObject> objects(const QJsonObject& object, QLatin1StringView key);
 /// members keep the very digits and letters they were written with, so large numbers survive.
 QByteArray withMember(const QByteArray& bytes, const QString& key, const QJsonValue& value);
 
+/// `bytes` (JSON) over lines, indented by two spaces, with the members of every object in the order of their
+/// names; of equal names the last one stays. Numbers and texts keep their very digits and letters.
+QByteArray pretty(const QByteArray& bytes);
+
 /// One step into a document: the key of a member, or the position of an element.
 using Step = std::variant<QString, qsizetype>;
 

@@ -50,6 +50,12 @@ QString capitalizedFirst(const QString& text)
 
 QString first(const QString& text, qsizetype count) { return text.left(walk(text, count).end); }
 
+QString shortened(const QString& text, qsizetype count)
+{
+    const QString begin = text.size() > count ? first(text, count) : text;
+    return begin.size() < text.size() ? begin + u'…' : text;
+}
+
 QString oneLine(const QString& text)
 {
     QString line = text;

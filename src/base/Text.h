@@ -16,6 +16,10 @@ QString capitalizedFirst(const QString& text);
 /// The first `count` characters, or the whole text when it is shorter.
 QString first(const QString& text, qsizetype count);
 
+/// The text, or its beginning and an ellipsis when it has more than `count` characters: what can be laid out
+/// without a halt.
+QString shortened(const QString& text, qsizetype count = 10'000);
+
 /// With spaces for line breaks and other control characters.
 QString oneLine(const QString& text);
 

@@ -12,9 +12,13 @@ Column {
     readonly property bool building: detail.files.outcome === ProtocolFileMaker.Working
 
     signal closed()
+    signal analysisAsked()
 
     function focusFirst(): void {
         back.forceActiveFocus(Qt.OtherFocusReason);
+    }
+    function focusAnalysis(): void {
+        analysis.forceActiveFocus(Qt.OtherFocusReason);
     }
 
     topPadding: 10 + Theme.chromeInset
@@ -40,33 +44,13 @@ Column {
             text: root.detail.title
             Accessible.role: Accessible.Heading
         }
-        Rectangle {
+        Pill {
             id: pill
             anchors { left: title.right; leftMargin: Theme.padPanel; verticalCenter: title.verticalCenter }
             visible: root.detail.edited
-            width: badge.width + 16
-            height: 20
-            radius: height / 2
-            color: Theme.tint(Theme.violet)
-            Accessible.role: Accessible.StaticText
-            Accessible.name: L.t("detail.edited")
-            Row {
-                id: badge
-                anchors.centerIn: parent
-                spacing: 5
-                Symbol {
-                    anchors.verticalCenter: parent.verticalCenter
-                    size: 11
-                    name: "pencil"
-                    ink: Theme.inkViolet
-                }
-                Label {
-                    type: Theme.chip
-                    color: Theme.inkViolet
-                    text: L.t("editor.badge")
-                    Accessible.ignored: true
-                }
-            }
+            symbol: "pencil"
+            text: L.t("editor.badge")
+            spokenName: L.t("detail.edited")
         }
     }
     Label {
@@ -78,6 +62,14 @@ Column {
     Row {
         topPadding: 16
         spacing: Theme.gapRow
+        PillButton {
+            id: analysis
+            buttonHeight: Theme.buttonHeight
+            kind: PillButton.Tinted
+            symbol: "doc.text.magnifyingglass"
+            text: L.t("report.open")
+            onClicked: root.analysisAsked()
+        }
         PillButton {
             id: saving
             buttonHeight: Theme.buttonHeight

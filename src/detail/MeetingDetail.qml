@@ -1,6 +1,8 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Detail
+import Murmeli.Localisation
+import Murmeli.Report
 import Murmeli.Ui
 
 // A meeting's protocol, and the tools to correct it and to pass it on.
@@ -8,11 +10,17 @@ Item {
     id: root
 
     required property MeetingDetailModel detail
+    property bool analysing: false
 
     signal closed()
 
     function focusFirst(): void {
         header.focusFirst();
+    }
+
+    function analyse(): void {
+        root.detail.openReport();
+        root.analysing = true;
     }
 
     Keys.onEscapePressed: root.closed()
@@ -28,78 +36,113 @@ Item {
             if (row >= 0) list.positionViewAtIndex(row, ListView.Contain);
         }
     }
-    DetailHeader {
-        id: header
-        x: Theme.padMain
-        width: parent.width - 2 * Theme.padMain
-        detail: root.detail
-        onClosed: root.closed()
-    }
-    ListView {
-        id: list
+    Item {
+        width: parent.width
+        height: parent.height
+        enabled: !root.analysing
+        visible: enabled || opacity > 0
+        opacity: enabled ? 1 : 0
+        x: enabled ? 0 : -Theme.slide
+        Behavior on opacity { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
+        Behavior on x { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
 
-        property bool begun: false // the protocol has come, and is shown from its beginning
-
-        anchors { left: parent.left; right: parent.right; top: header.bottom; bottom: remark.top }
-        clip: true
-        reuseItems: false
-        bottomMargin: 36
-        boundsBehavior: Flickable.StopAtBounds
-        currentIndex: -1 // the keyboard scrolls the whole, no item has it
-        activeFocusOnTab: true
-        model: root.detail.sections
-        Accessible.role: Accessible.List
-        Accessible.name: root.detail.title
-        ScrollBar.vertical: ScrollThumb { }
-        Keys.onUpPressed: flick(0, 700)
-        Keys.onDownPressed: flick(0, -700)
-        // qmllint disable unqualified
-        header: Label {
+        DetailHeader {
+            id: header
             x: Theme.padMain
-            width: Math.min(640, list.width - 2 * Theme.padMain)
-            visible: root.detail.tldr.length > 0
-            bottomPadding: visible ? 20 : 0
-            type: Theme.body
-            color: Theme.text2
-            wrapMode: Text.Wrap
-            text: root.detail.tldr
+            width: parent.width - 2 * Theme.padMain
+            detail: root.detail
+            onClosed: root.closed()
+            onAnalysisAsked: root.analyse()
         }
-        delegate: Item {
-            id: place
+        ListView {
+            id: list
 
-            required property string text
-            required property string titleKey
-            required property bool last
-            required property string before
-            required property bool corrected
+            property bool begun: false // the protocol has come, and is shown from its beginning
 
-            width: list.width
-            height: row.implicitHeight
-            ProtocolItemRow {
-                id: row
+            anchors { left: parent.left; right: parent.right; top: header.bottom; bottom: remark.top }
+            clip: true
+            reuseItems: false
+            bottomMargin: 36
+            boundsBehavior: Flickable.StopAtBounds
+            currentIndex: -1 // the keyboard scrolls the whole, no item has it
+            activeFocusOnTab: true
+            model: root.detail.sections
+            Accessible.role: Accessible.List
+            Accessible.name: root.detail.title
+            ScrollBar.vertical: ScrollThumb { }
+            Keys.onUpPressed: flick(0, 700)
+            Keys.onDownPressed: flick(0, -700)
+            // qmllint disable unqualified
+            header: Label {
                 x: Theme.padMain
-                width: parent.width - 2 * Theme.padMain
-                text: place.text
-                titleKey: place.titleKey
-                last: place.last
-                before: place.before
-                corrected: place.corrected
+                width: Math.min(640, list.width - 2 * Theme.padMain)
+                visible: root.detail.tldr.length > 0
+                bottomPadding: visible ? 20 : 0
+                type: Theme.body
+                color: Theme.text2
+                wrapMode: Text.Wrap
+                text: root.detail.tldr
+            }
+            delegate: Item {
+                id: place
+
+                required property string text
+                required property string titleKey
+                required property bool last
+                required property string before
+                required property bool corrected
+
+                width: list.width
+                height: row.implicitHeight
+                ProtocolItemRow {
+                    id: row
+                    x: Theme.padMain
+                    width: parent.width - 2 * Theme.padMain
+                    text: place.text
+                    titleKey: place.titleKey
+                    last: place.last
+                    before: place.before
+                    corrected: place.corrected
+                }
+            }
+            // qmllint enable unqualified
+            FocusRing { shown: list.activeFocus; corner: Theme.rSmall; gap: -Theme.focusWidth * 2 }
+        }
+        Rectangle { // the protocol fades out under the remark box
+            anchors { left: parent.left; right: parent.right; rightMargin: Theme.gapGroup; bottom: remark.top }
+            height: 36
+            gradient: Gradient {
+                GradientStop { position: 0; color: Theme.alpha(Theme.bgWindow, 0) }
+                GradientStop { position: 1; color: Theme.bgWindow }
             }
         }
-        // qmllint enable unqualified
-        FocusRing { shown: list.activeFocus; corner: Theme.rSmall; gap: -Theme.focusWidth * 2 }
-    }
-    Rectangle { // the protocol fades out under the remark box
-        anchors { left: parent.left; right: parent.right; rightMargin: Theme.gapGroup; bottom: remark.top }
-        height: 36
-        gradient: Gradient {
-            GradientStop { position: 0; color: Theme.alpha(Theme.bgWindow, 0) }
-            GradientStop { position: 1; color: Theme.bgWindow }
+        RemarkBox {
+            id: remark
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+            detail: root.detail
         }
     }
-    RemarkBox {
-        id: remark
-        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
-        detail: root.detail
+    // qmllint disable unqualified
+    Loader {
+        id: analysis
+        property real presence: root.analysing ? 1 : 0
+        width: parent.width
+        height: parent.height
+        x: (1 - presence) * Theme.slide
+        opacity: presence
+        active: presence > 0
+        enabled: root.analysing
+        Behavior on presence { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
+        onLoaded: (item as ReportPane).focusFirst()
+        sourceComponent: ReportPane {
+            loader: root.detail.report
+            meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine(L.language)
+            onBuildAsked: root.detail.buildReport()
+            onClosed: {
+                root.analysing = false;
+                header.focusAnalysis();
+            }
+        }
     }
+    // qmllint enable unqualified
 }

@@ -40,8 +40,14 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
                 .python = ground.paths.python,
                 .rebuildScript = ground.paths.rebuildScript},
                ground.account, ground.http, ground.processes, ground.language, ground.scheduler,
-               ground.rebuilding),
-      m_files(ground.paths, ground.processes, ground.language, workspace::copyFile)
+               ground.background),
+      m_files(ground.paths, ground.processes, ground.language, workspace::copyFile),
+      m_report({.account = ground.account,
+                .http = ground.http,
+                .language = ground.language,
+                .scheduler = ground.scheduler,
+                .protocols = ground.store.protocols(),
+                .webOrigin = ground.webOrigin})
 {
     load();
     connect(&ground.store, &MeetingStore::scanned, this, [this] {
@@ -63,6 +69,8 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
 MeetingDetailModel::~MeetingDetailModel() = default;
 
 QString MeetingDetailModel::title() const { return text::oneLine(m_meeting.title.left(titleLength)); }
+
+QString MeetingDetailModel::tldr() const { return text::shortened(m_meeting.tldr); }
 
 QString MeetingDetailModel::dateLine(const QString& language) const
 {
@@ -139,6 +147,10 @@ void MeetingDetailModel::reveal() const
 {
     if (m_protocol) workspace::reveal(*m_protocol, m_ground.paths.vaultDir);
 }
+
+void MeetingDetailModel::openReport() { m_report.load(m_meeting); }
+
+void MeetingDetailModel::buildReport() { m_report.build(m_meeting); }
 
 bool MeetingDetailModel::learn(const QString& heard, const QString& correct)
 {

@@ -4,6 +4,7 @@
 #include "meetings/Meeting.h"
 #include "protocol/ProtocolEditor.h"
 #include "protocol/ProtocolFileMaker.h"
+#include "report/ReportLoader.h"
 
 #include <QObject>
 #include <QPointer>
@@ -27,6 +28,7 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(bool hasProtocol READ hasProtocol NOTIFY changed FINAL)
     Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
+    Q_PROPERTY(murmeli::ReportLoader* report READ report CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolFileMaker* files READ files CONSTANT FINAL)
 
 public:
@@ -41,7 +43,7 @@ public:
         const Language& language;
         const Scheduler& scheduler;
         QString webOrigin;
-        QObject& rebuilding; ///< for as long as it lives, a protocol may still be rendered anew
+        QObject& background; ///< for as long as it lives, what was begun is carried out
     };
 
     MeetingDetailModel(const Ground& ground, const Meeting& meeting, QObject* parent = nullptr);
@@ -50,12 +52,13 @@ public:
 
     [[nodiscard]] QString id() const { return m_meeting.id; }
     [[nodiscard]] QString title() const;
-    [[nodiscard]] QString tldr() const { return m_meeting.tldr; }
+    [[nodiscard]] QString tldr() const;
     [[nodiscard]] bool edited() const { return m_edited; }
     [[nodiscard]] bool loaded() const { return m_loaded; }
     [[nodiscard]] bool hasProtocol() const { return m_protocol.has_value(); }
     [[nodiscard]] SectionListModel* sections() { return &m_sections; }
     [[nodiscard]] ProtocolEditor* editor() { return &m_editor; }
+    [[nodiscard]] ReportLoader* report() { return &m_report; }
     [[nodiscard]] ProtocolFileMaker* files() { return &m_files; }
 
     /// Day and time, as `language` writes them.
@@ -71,6 +74,11 @@ public:
     Q_INVOKABLE void share(QQuickItem* anchor);
 
     Q_INVOKABLE void reveal() const;
+
+    /// Reads the analysis that is stored.
+    Q_INVOKABLE void openReport();
+    /// Asks for an analysis.
+    Q_INVOKABLE void buildReport();
 
     /// \return false when there is nothing to learn.
     Q_INVOKABLE bool learn(const QString& heard, const QString& correct);
@@ -95,6 +103,7 @@ private:
     SectionListModel m_sections{nullptr};
     ProtocolEditor m_editor;
     ProtocolFileMaker m_files;
+    ReportLoader m_report;
     std::optional<QString> m_protocol;
     bool m_edited = false;
     bool m_loaded = false;

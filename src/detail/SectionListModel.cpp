@@ -1,5 +1,7 @@
 #include "SectionListModel.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 
 namespace murmeli {
@@ -65,13 +67,13 @@ QVariant SectionListModel::data(const QModelIndex& index, int role) const
     const std::pair place{row.section, row.index};
     switch (role) {
     case TextRole:
-        return row.text;
+        return text::shortened(row.text);
     case TitleKeyRole:
         return row.titleKey;
     case LastRole:
         return row.last;
     case BeforeRole:
-        return m_before.value(place);
+        return text::shortened(m_before.value(place), 400);
     case CorrectedRole:
         return place == m_corrected;
     default:

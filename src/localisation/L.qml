@@ -10,6 +10,12 @@ QtObject {
         return argument === undefined ? Language.text(language, key)
                                       : Language.text(language, key, String(argument));
     }
+    function percent(percent: int): string {
+        return Language.percent(language, percent);
+    }
+    function spokenDuration(seconds: real): string {
+        return Language.spokenDuration(language, seconds);
+    }
     function spokenPercent(percent: int): string {
         return Language.spokenPercent(language, percent);
     }

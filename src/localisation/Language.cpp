@@ -1,12 +1,15 @@
 #include "Language.h"
 
 #include "Texts.h"
+#include "base/Dates.h"
 #include "base/Numbers.h"
 #include "service/Prefs.h"
 
 #include <QHash>
 #include <QQmlEngine>
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -78,6 +81,18 @@ QString Language::text(const QString& language, const QString& key)
 QString Language::text(const QString& language, const QString& key, const QString& argument)
 {
     return text(language, key).replace("%@"_L1, argument);
+}
+
+QString Language::percent(const QString& language, int percent)
+{
+    return numbers::percent(percent, language);
+}
+
+QString Language::spokenDuration(const QString& language, double seconds)
+{
+    constexpr double longest = 1e12;
+    return dates::spokenDuration(std::isfinite(seconds) ? qint64(std::clamp(seconds, 0.0, longest)) : 0,
+                                 language);
 }
 
 QString Language::spokenPercent(const QString& language, int percent)

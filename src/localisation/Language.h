@@ -49,8 +49,11 @@ public:
     /// Every "%@" is replaced by `argument`, which is taken literally.
     Q_INVOKABLE static QString text(const QString& language, const QString& key, const QString& argument);
 
-    /// As it is read out: "42 процента".
+    /// As it is written, "42 %", and read out, "42 процента".
+    Q_INVOKABLE static QString percent(const QString& language, int percent);
     Q_INVOKABLE static QString spokenPercent(const QString& language, int percent);
+    /// A running time as it is read out: "17 минут 38 секунд".
+    Q_INVOKABLE static QString spokenDuration(const QString& language, double seconds);
 
     /// Hands this object to the views of `engine`, which must not outlive it.
     void install(QQmlEngine& engine);

@@ -31,6 +31,8 @@ void copyFile(const QString& path)
     QGuiApplication::clipboard()->setMimeData(data);
 }
 
+void copyText(const QString& text) { QGuiApplication::clipboard()->setText(text); }
+
 QStringList preferredLanguages() { return QLocale::system().uiLanguages(); }
 
 } // namespace murmeli::workspace

@@ -19,6 +19,8 @@ void reveal(const QString& path, const QString& root = {});
 /// Puts a file on the clipboard, for programs that take files and for those that take text.
 void copyFile(const QString& path);
 
+void copyText(const QString& text);
+
 /// The computer's name as its owner reads it; empty when it has none.
 QString computerName();
 

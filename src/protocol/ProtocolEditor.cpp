@@ -2,6 +2,7 @@
 
 #include "ProtocolItems.h"
 #include "account/AuthManager.h"
+#include "base/Background.h"
 #include "base/Files.h"
 #include "base/Http.h"
 #include "base/Json.h"
@@ -15,6 +16,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QPointer>
 
 #include <utility>
 
@@ -25,6 +27,34 @@ namespace murmeli {
 
 namespace {
 
+using Outcome = ProtocolEditor::Outcome;
+
+/// What has come of a remark.
+struct Result {
+    Outcome outcome = Outcome::NotFound;
+    const char* errorKey = nullptr; ///< of a failure without a description of its own
+    QString text;
+    QString section = {};
+    qsizetype index = 0;
+};
+
+Result failure(const char* errorKey, const QString& text = {})
+{
+    return {.outcome = Outcome::Failed, .errorKey = errorKey, .text = text};
+}
+
+/// One remark on its way. Needs no editor, so that it goes on when its view has been left.
+struct Exchange {
+    ProtocolEditor::Place place;
+    const AuthManager& account;
+    Http& http;
+    Processes& processes;
+    const Scheduler& scheduler;
+    QObject& background;
+    QString file;
+    std::function<void(const Result&)> ended;
+};
+
 QByteArray requestBody(const QString& remark, const QList<ProtocolItem>& items)
 {
     QJsonArray list;
@@ -33,6 +63,22 @@ QByteArray requestBody(const QString& remark, const QList<ProtocolItem>& items)
             QJsonObject{{u"section"_s, item.section}, {u"index"_s, item.index}, {u"text"_s, item.text}});
     return QJsonDocument{QJsonObject{{u"remark"_s, remark}, {u"items"_s, list}}}.toJson(
         QJsonDocument::Compact);
+}
+
+struct Question {
+    std::optional<Result> answered; ///< there is nothing to ask
+    QByteArray summary;
+    QByteArray body;
+};
+
+Question question(const QString& remark, const QString& file)
+{
+    const auto bytes = files::readWhole(file, summaryFile::sizeLimit);
+    const auto summary = bytes ? json::object(*bytes) : std::nullopt;
+    if (!summary) return {.answered = failure("editor.error.read")};
+    const QList<ProtocolItem> items = protocolItems::editable(*summary);
+    if (items.isEmpty()) return {.answered = Result{}};
+    return {.answered = {}, .summary = *bytes, .body = requestBody(remark, items)};
 }
 
 std::optional<QString> itemText(const QByteArray& summary, const QString& section, qsizetype index)
@@ -55,10 +101,64 @@ QByteArray current(const QString& file, const QByteArray& summary, const QString
     return itemText(*now, section, index) == itemText(summary, section, index) ? *now : QByteArray{};
 }
 
+Result correct(const HttpAnswer& answer, const QByteArray& summary, const QString& file, double now)
+{
+    const auto object = answer.failure == HttpAnswer::Failure::None && answer.status == 200
+                            ? json::object(answer.body)
+                            : std::nullopt;
+    if (!object) return failure("editor.error.server", answer.errorText);
+    const bool found = json::boolean(*object, "found"_L1).value_or(false);
+    const auto section = json::optionalText(*object, "section"_L1);
+    const auto index = json::integer(*object, "index"_L1);
+    const QString text = text::trimmed(json::text(*object, "text"_L1));
+    if (!found || !section || !index || text.isEmpty()) return {};
+    const auto corrected =
+        protocolItems::corrected(current(file, summary, *section, *index), *section, *index, text, now);
+    if (!corrected) return {};
+    if (!files::writeAtomic(file, *corrected)) return failure("editor.error.save");
+    return {.outcome = Outcome::Fixed, .text = text, .section = *section, .index = *index};
+}
+
+void rebuild(const Exchange& exchange)
+{
+    // Nobody waits for it: the protocol follows when it follows.
+    if (!QFileInfo::exists(exchange.place.python)) return;
+    exchange.processes.run(
+        {.program = exchange.place.python, .arguments = {exchange.place.rebuildScript, exchange.file}},
+        &exchange.background, [](const ProcessResult&) {});
+}
+
+void ask(const Exchange& exchange, const Question& question)
+{
+    const QString token = exchange.account.freshToken();
+    if (question.answered || token.isEmpty()) {
+        exchange.ended(question.answered.value_or(failure("editor.error.auth")));
+        return;
+    }
+    const auto take = [exchange, summary = question.summary](const HttpAnswer& answer) {
+        inBackground(
+            &exchange.background,
+            [answer, summary, file = exchange.file, now = exchange.scheduler.now()] {
+                return correct(answer, summary, file, now);
+            },
+            [exchange](const Result& result) {
+                if (result.outcome == Outcome::Fixed) rebuild(exchange);
+                exchange.ended(result);
+            });
+    };
+    exchange.http.send({.method = "POST",
+                        .url = QUrl{exchange.place.webOrigin + u"/api/assist/edit"_s},
+                        .headers = {{"Content-Type", "application/json"}},
+                        .body = question.body,
+                        .bearer = token.toUtf8(),
+                        .timeout = 120s},
+                       &exchange.background, take);
+}
+
 } // namespace
 
 ProtocolEditor::ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
-                               const Language& language, const Scheduler& scheduler, QObject& rebuilding,
+                               const Language& language, const Scheduler& scheduler, QObject& background,
                                QObject* parent)
     : QObject(parent),
       m_place(std::move(place)),
@@ -67,18 +167,8 @@ ProtocolEditor::ProtocolEditor(Place place, const AuthManager& account, Http& ht
       m_processes(processes),
       m_language(language),
       m_scheduler(scheduler),
-      m_rebuilding(rebuilding)
+      m_background(background)
 {
-}
-
-QString ProtocolEditor::t(const char* key) const { return m_language.t(QString::fromLatin1(key)); }
-
-void ProtocolEditor::end(Outcome outcome, const QString& text, const Done& done)
-{
-    m_outcome = outcome;
-    m_text = text;
-    emit changed();
-    done(outcome == Outcome::Fixed);
 }
 
 void ProtocolEditor::reset()
@@ -88,73 +178,30 @@ void ProtocolEditor::reset()
 
 void ProtocolEditor::apply(const QString& remark, const Meeting& meeting, const Done& done)
 {
-    const auto bytes = files::readWhole(meeting.jsonPath, summaryFile::sizeLimit);
-    const auto summary = bytes ? json::object(*bytes) : std::nullopt;
-    if (!summary) {
-        end(Outcome::Failed, t("editor.error.read"), done);
-        return;
-    }
-    const QList<ProtocolItem> items = protocolItems::editable(*summary);
-    if (items.isEmpty()) {
-        end(Outcome::NotFound, {}, done);
-        return;
-    }
-    const QString token = m_account.freshToken();
-    if (token.isEmpty()) {
-        end(Outcome::Failed, t("editor.error.auth"), done);
-        return;
-    }
     m_outcome = Outcome::Working;
     emit changed();
-    m_http.send({.method = "POST",
-                 .url = QUrl{m_place.webOrigin + u"/api/assist/edit"_s},
-                 .headers = {{"Content-Type", "application/json"}},
-                 .body = requestBody(remark, items),
-                 .bearer = token.toUtf8(),
-                 .timeout = 120s},
-                this, [this, bytes = *bytes, file = meeting.jsonPath, done](const HttpAnswer& answer) {
-                    take(answer, bytes, file, done);
-                });
-}
-
-void ProtocolEditor::take(const HttpAnswer& answer, const QByteArray& summary, const QString& file,
-                          const Done& done)
-{
-    const auto object = answer.failure == HttpAnswer::Failure::None && answer.status == 200
-                            ? json::object(answer.body)
-                            : std::nullopt;
-    if (!object) {
-        end(Outcome::Failed, answer.errorText.isEmpty() ? t("editor.error.server") : answer.errorText, done);
-        return;
-    }
-    const bool found = json::boolean(*object, "found"_L1).value_or(false);
-    const auto section = json::optionalText(*object, "section"_L1);
-    const auto index = json::integer(*object, "index"_L1);
-    const QString text = murmeli::text::trimmed(json::text(*object, "text"_L1));
-    const auto corrected = found && section && index && !text.isEmpty()
-                               ? protocolItems::corrected(current(file, summary, *section, *index), *section,
-                                                          *index, text, m_scheduler.now())
-                               : std::nullopt;
-    if (!corrected) {
-        end(Outcome::NotFound, {}, done);
-        return;
-    }
-    if (!files::writeAtomic(file, *corrected)) {
-        end(Outcome::Failed, t("editor.error.save"), done);
-        return;
-    }
-    m_section = *section;
-    m_index = *index;
-    rebuild(file);
-    end(Outcome::Fixed, text, done);
-}
-
-void ProtocolEditor::rebuild(const QString& file)
-{
-    // Nobody waits for it: the protocol follows when it follows, also after the meeting has been left.
-    if (!QFileInfo::exists(m_place.python)) return;
-    m_processes.run({.program = m_place.python, .arguments = {m_place.rebuildScript, file}}, &m_rebuilding,
-                    [](const ProcessResult&) {});
+    const auto ended = [self = QPointer{this}, done](const Result& result) {
+        if (!self) return;
+        self->m_outcome = result.outcome;
+        self->m_text = result.text.isEmpty() && result.errorKey
+                           ? self->m_language.t(QString::fromLatin1(result.errorKey))
+                           : result.text;
+        self->m_section = result.section;
+        self->m_index = result.index;
+        emit self->changed();
+        done(result.outcome == Outcome::Fixed);
+    };
+    const Exchange exchange{.place = m_place,
+                            .account = m_account,
+                            .http = m_http,
+                            .processes = m_processes,
+                            .scheduler = m_scheduler,
+                            .background = m_background,
+                            .file = meeting.jsonPath,
+                            .ended = ended};
+    inBackground(
+        &m_background, [remark, file = meeting.jsonPath] { return question(remark, file); },
+        [exchange](const Question& question) { ask(exchange, question); });
 }
 
 } // namespace murmeli

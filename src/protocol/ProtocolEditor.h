@@ -9,7 +9,6 @@ namespace murmeli {
 
 class AuthManager;
 class Http;
-struct HttpAnswer;
 class Language;
 struct Meeting;
 struct Paths;
@@ -37,9 +36,10 @@ public:
     /// `changed` tells whether the file was.
     using Done = std::function<void(bool changed)>;
 
-    /// \param rebuilding for as long as it lives, a protocol may still be rendered anew.
+    /// \param background for as long as it lives, a remark that was sent is carried out, also when the editor
+    /// has gone with its meeting's view.
     ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
-                   const Language& language, const Scheduler& scheduler, QObject& rebuilding,
+                   const Language& language, const Scheduler& scheduler, QObject& background,
                    QObject* parent = nullptr);
 
     [[nodiscard]] Outcome outcome() const { return m_outcome; }
@@ -54,18 +54,13 @@ signals:
     void changed();
 
 private:
-    void end(Outcome outcome, const QString& text, const Done& done);
-    void take(const HttpAnswer& answer, const QByteArray& summary, const QString& file, const Done& done);
-    void rebuild(const QString& file);
-    [[nodiscard]] QString t(const char* key) const;
-
-    Place m_place;
+    const Place m_place;
     const AuthManager& m_account;
     Http& m_http;
     Processes& m_processes;
     const Language& m_language;
     const Scheduler& m_scheduler;
-    QObject& m_rebuilding;
+    QObject& m_background;
     Outcome m_outcome = Outcome::Idle;
     QString m_text;
     QString m_section;

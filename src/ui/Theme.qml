@@ -132,6 +132,10 @@ QtObject {
     readonly property var sub: ({ size: 12.5, line: 17, weight: Font.Normal, tracking: 0 })
     readonly property var caption: ({ size: 11.5, line: 16, weight: Font.Normal, tracking: 0 })
     readonly property var captionTight: ({ size: 11.5, line: 16, weight: Font.Normal, tracking: -0.115 })
+    readonly property var overline: ({ size: 11, line: 14, weight: Font.DemiBold, tracking: 0.7 })
+    readonly property var claim: ({ size: 13, line: 19, weight: Font.Normal, tracking: 0 })
+    readonly property var quotation: ({ size: 11.5, line: 17, weight: Font.Normal, tracking: 0 })
+    readonly property var badge: ({ size: 10.5, line: 14, weight: Font.Medium, tracking: 0.42 })
     readonly property var jobs: ({ size: 11, line: 14, weight: Font.Normal, tracking: 0 })
 
     // Space.
@@ -217,6 +221,7 @@ QtObject {
     readonly property int pulseSlow: 1400
     readonly property int comet: 1100
     readonly property int spin: 900
+    readonly property int confirm: 1200
     readonly property int progress: reducedMotion ? quick : 400
     readonly property int afterglow: 1600
     readonly property int spring: 260

@@ -1,6 +1,7 @@
 #include "Shot.h"
 #include "app/AppWindow.h"
 #include "app/MainModel.h"
+#include "sampleReport.h"
 #include "support/Program.h"
 
 #include <QJsonArray>
@@ -80,6 +81,11 @@ struct MainShot {
     QString glossary = {};
     bool dirty = false;
     int profileStatus = 200;
+    bool report = false;   ///< the analysis pane is open
+    bool stored = true;    ///< and has an analysis
+    QByteArray build = {}; ///< answer to a request for one; null: none is made
+    bool exact = true;
+    int height = 680;
 };
 
 QList<MainShot> mainShots()
@@ -108,22 +114,42 @@ QList<MainShot> mainShots()
         {.name = u"assistant-dirty"_s, .assistant = true, .glossary = words, .dirty = true},
         {.name = u"assistant-sync-error"_s, .assistant = true, .glossary = words, .profileStatus = 500},
         {.name = u"assistant-empty"_s, .assistant = true},
+        {.name = u"report"_s, .detail = true, .report = true},
+        {.name = u"report-unrolled"_s, .detail = true, .report = true, .exact = false, .height = 2330},
+        {.name = u"report-loading"_s, .detail = true, .report = true, .build = ""},
+        {.name = u"report-empty"_s, .detail = true, .report = true, .stored = false},
+        {.name = u"report-error"_s, .detail = true, .report = true, .stored = false, .build = "<html>"},
+        {.name = u"report-signed-out"_s, .detail = true, .signedIn = false, .report = true, .build = "{}"},
     };
 }
 
-void writeMeetings(Program& m, const Frame& frame, bool withProtocol)
+void writeMeetings(Program& m, const Frame& frame, const MainShot& shot)
 {
     const bool inRussian = frame.language == "ru"_L1;
     const QDate today = QDateTime::fromSecsSinceEpoch(qint64(m.scheduler.now())).date();
+    m.write(m.paths.vaultDir + u"/a.md"_s,
+            inRussian ? sampleReport::russianProtocol : sampleReport::englishProtocol);
     for (const Sample& sample : inRussian ? russian : english) {
         const QDateTime start{today.addDays(-sample.daysAgo),
                               QTime::fromString(QString::fromLatin1(sample.start), u"HH:mm"_s)};
         QByteArray meta = "\"started_at\":\"" + start.toUTC().toString(Qt::ISODate).toUtf8() + '"';
         if (sample.minutes > 0) meta += ",\"duration_min\":" + QByteArray::number(sample.minutes);
-        if (withProtocol) meta += ",\"protocol_md\":\"" + m.paths.prefsFile.toUtf8() + '"';
-        m.write(m.paths.logs + u'/' + start.toString(u"yyyy-MM-dd HH-mm-ss"_s) + u".protocol.json"_s,
+        if (shot.protocol) meta += ",\"protocol_md\":\"" + m.paths.vaultDir.toUtf8() + "/a.md\"";
+        if (shot.stored) meta += ",\"analytics\":" + sampleReport::analytics(inRussian, shot.exact);
+        const QString stem = m.paths.logs + u'/' + start.toString(u"yyyy-MM-dd HH-mm-ss"_s);
+        if (shot.stored)
+            m.write(stem + u".report.json"_s, inRussian ? sampleReport::russian : sampleReport::english);
+        m.write(stem + u".protocol.json"_s,
                 "{\"title\":\"" + QByteArray{sample.title} + "\",\"tldr\":\"" + sample.tldr + "\"," +
                     (inRussian ? russianItems : englishItems) + ",\"_meta\":{" + meta + "}}");
+    }
+}
+
+/// Sets a property of the views that have it.
+void setInViews(const AppWindow& window, const char* property, const QVariant& value)
+{
+    for (QQuickItem* item : window.rootObject()->findChildren<QQuickItem*>()) {
+        if (item->metaObject()->indexOfProperty(property) >= 0) item->setProperty(property, value);
     }
 }
 
@@ -133,7 +159,7 @@ bool shoot(const MainShot& shot, const Frame& frame)
     dress(m, frame);
     QQmlEngine engine;
     m.install(engine);
-    if (shot.meetings) writeMeetings(m, frame, shot.protocol);
+    if (shot.meetings) writeMeetings(m, frame, shot);
     if (shot.recording) m.write(m.paths.stateFile, R"({"status":"recording","since":1731688529})");
     if (!shot.pdf.isNull()) {
         m.write(m.paths.pdfScript, shot.pdf + '\n');
@@ -145,6 +171,8 @@ bool shoot(const MainShot& shot, const Frame& frame)
         if (request.path.startsWith("/rest/v1/profiles")) {
             socket->write(shot.profileStatus == 200 ? Server::answer(200, QJsonDocument{profile}.toJson())
                                                     : Server::answer(shot.profileStatus, "{}"));
+        } else if (request.path.startsWith("/api/assist/report") && !shot.build.isEmpty()) {
+            socket->write(Server::answer(200, shot.build));
         } else if (request.path.startsWith("/api/") && !shot.answer.isEmpty()) {
             socket->write(Server::answer(200, shot.answer));
         }
@@ -167,7 +195,7 @@ bool shoot(const MainShot& shot, const Frame& frame)
                                      {u"appState"_s, QVariant::fromValue(&m.state)},
                                      {u"record"_s, QVariant::fromValue(&m.record)}},
                       .titleKey = u"meetings.title"_s,
-                      .size = {980, 680}}};
+                      .size = {980, shot.height}}};
     window.present();
     await([&] { return model.store()->loaded() && !model.glossary()->loading(); });
     model.store()->list()->setQuery(shot.query);
@@ -189,10 +217,14 @@ bool shoot(const MainShot& shot, const Frame& frame)
     }
     if (shot.assistant) model.setTab(MainModel::Tab::Assistant);
     if (shot.dirty) model.assistant()->add(u"тау кит"_s, u"Tau Kit"_s);
-    if (shot.teach) {
-        for (QQuickItem* item : window.rootObject()->findChildren<QQuickItem*>()) {
-            if (item->property("teaching").isValid()) item->setProperty("teaching", true);
-        }
+    if (shot.teach) setInViews(window, "teaching", true);
+    if (shot.report) {
+        model.detail()->openReport();
+        await([&] { return model.detail()->report()->asked(); });
+        setInViews(window, "analysing", true);
+        if (!shot.build.isNull()) model.detail()->buildReport();
+        settle(300);
+        setInViews(window, "openStamp", u"[00:12:31]"_s);
     }
     settle(600);
     return save(window, frame, shot.name);

@@ -197,6 +197,21 @@ private slots:
         QVERIFY(m->edits().isEmpty());
     }
 
+    void aRemarkIsCarriedOutThoughItsViewHasGone()
+    {
+        m->program.signIn();
+        m->installEngine(m->program.paths.rebuildScript, "echo rendered > " + m->scratch("rendered"));
+        QTcpSocket* waiting = nullptr;
+        m->program.server.reply = [&](QTcpSocket* socket, const Server::Request&) { waiting = socket; };
+        m->editor.apply(u"поправь"_s, m->meeting(), [](bool) { QFAIL("nobody is there to be told"); });
+        QTRY_VERIFY(waiting);
+        m->ownEditor.reset();
+        waiting->write(
+            Server::answer(200, R"({"found":true,"section":"decisions","index":0,"text":"новое"})"));
+        QTRY_VERIFY(m->file().contains("новое"));
+        QTRY_VERIFY(!m->read("rendered").isEmpty());
+    }
+
     void theProtocolIsRenderedAnew()
     {
         m->program.signIn();
@@ -214,7 +229,7 @@ private slots:
         QTest::newRow("separators") << u"a/b:c"_s << u"2025-03-04 a-b-c.pdf"_s;
         QTest::newRow("line breaks") << u"a\nb\tc"_s << u"2025-03-04 a b c.pdf"_s;
         QTest::newRow("too long for a file system")
-            << QString(300, u'ж') << u"2025-03-04 "_s + QString(90, u'ж') + u".pdf"_s;
+            << QString(1'000'000, u'ж') << u"2025-03-04 "_s + QString(90, u'ж') + u".pdf"_s;
     }
     void fileNames()
     {
@@ -419,6 +434,24 @@ private slots:
         QTRY_VERIFY(store->savedAt().isValid());
     }
 
+    void anotherPersonsAnswerIsDropped()
+    {
+        QList<QTcpSocket*> waiting;
+        m->program.server.reply = [&](QTcpSocket* socket, const Server::Request& request) {
+            if (request.path.startsWith("/rest/v1/profiles")) waiting.append(socket);
+        };
+        const auto store = m->makeStore();
+        m->program.signIn();
+        QTRY_COMPARE(waiting.size(), 1);
+        m->program.account.logout();
+        m->program.signIn();
+        QTRY_COMPARE(waiting.size(), 2);
+        waiting[0]->write(Server::answer(200, R"([{"glossary":"чужое"}])"));
+        waiting[0]->flush();
+        waiting[1]->write(Server::answer(200, R"([{"glossary":"моё"}])"));
+        QTRY_COMPARE(told(store->entries()), u"моё"_s);
+    }
+
     void editingTheGlossary()
     {
         m->program.prefs.set(u"glossary"_s, u"Квен → Qwen\nOKR"_s);
@@ -466,16 +499,14 @@ private:
         Program program;
         QString path = program.paths.logs + u"/a.protocol.json"_s;
         QStringList copied;
-        QObject rebuilding;
-        ProtocolEditor editor{{.webOrigin = program.server.origin(),
-                               .python = program.paths.python,
-                               .rebuildScript = program.paths.rebuildScript},
-                              program.account,
-                              program.http,
-                              program.processes,
-                              program.language,
-                              program.scheduler,
-                              rebuilding};
+        QObject background;
+        std::unique_ptr<ProtocolEditor> ownEditor = std::make_unique<ProtocolEditor>(
+            ProtocolEditor::Place{.webOrigin = program.server.origin(),
+                                  .python = program.paths.python,
+                                  .rebuildScript = program.paths.rebuildScript},
+            program.account, program.http, program.processes, program.language, program.scheduler,
+            background);
+        ProtocolEditor& editor = *ownEditor;
         ProtocolFileMaker files{program.paths, program.processes, program.language,
                                 [this](const QString& file) { copied.append(file); }};
 

@@ -1,0 +1,39 @@
+import QtQuick
+import Murmeli.Localisation
+import Murmeli.Report
+import Murmeli.Ui
+
+// How many of the results have a property that can be checked.
+Item {
+    id: root
+
+    required property reportRow row
+    required property real growth // of the bar, from 0 to 1
+
+    implicitHeight: 34
+    Accessible.role: Accessible.ProgressBar
+    Accessible.name: title.text + ": " + row.count + " " + L.t("report.metric.name", row.total)
+
+    Label {
+        id: title
+        anchors { left: parent.left; right: bar.left; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
+        text: L.t(root.row.key)
+        Accessible.ignored: true
+    }
+    ProgressLine {
+        id: bar
+        anchors { right: figure.left; verticalCenter: parent.verticalCenter }
+        width: 120
+        value: root.row.share * root.growth
+        Accessible.ignored: true
+    }
+    Label {
+        id: figure
+        anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+        width: 52
+        horizontalAlignment: Text.AlignRight
+        type: Theme.link
+        text: root.row.count + " / " + root.row.total
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,48 @@
+#include "ReportListModel.h"
+
+#include "platform/Workspace.h"
+
+namespace murmeli {
+
+void ReportListModel::setRows(const QList<ReportRow>& rows)
+{
+    if (rows == m_rows) return;
+    beginResetModel();
+    m_rows = rows;
+    endResetModel();
+}
+
+int ReportListModel::neighbour(int row, int step) const
+{
+    for (int i = row + step; i >= 0 && i < m_rows.size(); i += step) {
+        if (m_rows[i].isItem()) return i;
+    }
+    return row;
+}
+
+int ReportListModel::direction(const QString& letter) const
+{
+    if (letter == u"j" || letter == u"о") return 1;
+    if (letter == u"k" || letter == u"л") return -1;
+    return 0;
+}
+
+void ReportListModel::copy(int row) const
+{
+    if (row >= 0 && row < m_rows.size()) workspace::copyText(reportRows::text(m_rows[row], m_language));
+}
+
+int ReportListModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+QVariant ReportListModel::data(const QModelIndex& index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid) || role != Qt::UserRole) return {};
+    return QVariant::fromValue(m_rows[index.row()]);
+}
+
+QHash<int, QByteArray> ReportListModel::roleNames() const { return {{Qt::UserRole, "row"}}; }
+
+} // namespace murmeli

@@ -1,0 +1,192 @@
+#include "ReportLoader.h"
+
+#include "account/AuthManager.h"
+#include "base/Background.h"
+#include "base/Files.h"
+#include "base/Http.h"
+#include "base/Json.h"
+#include "base/Scheduler.h"
+#include "base/Text.h"
+#include "localisation/Language.h"
+#include "meetings/MeetingCaptions.h"
+#include "meetings/ProtocolFinder.h"
+#include "meetings/SummaryFile.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QStringDecoder>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr qint64 protocolLimit = 64 * 1024 * 1024; // bytes
+constexpr qint64 analysisLimit = 16 * 1024 * 1024; // bytes
+constexpr qsizetype quoteLength = 2000;            // characters
+
+std::optional<QString> transcriptText(const Meeting& meeting, ProtocolFinder& protocols)
+{
+    const auto path = protocols.find(meeting);
+    const auto bytes = path ? files::readWhole(*path, protocolLimit) : std::nullopt;
+    if (!bytes) return std::nullopt;
+    QStringDecoder decoder{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
+    const QString protocol = decoder(*bytes);
+    return decoder.hasError() ? std::nullopt : Transcript::textOf(protocol);
+}
+
+std::optional<QJsonObject> objectIn(const QString& file, qint64 limit)
+{
+    const auto bytes = files::readWhole(file, limit);
+    return bytes ? json::object(*bytes) : std::nullopt;
+}
+
+void addAnalytics(MeetingReport& report, const Meeting& meeting)
+{
+    const auto summary = objectIn(meeting.jsonPath, summaryFile::sizeLimit).value_or(QJsonObject{});
+    const QJsonValue analytics = summary[u"_meta"_s].toObject()[u"analytics"_s];
+    if (analytics.isObject()) report.applyAnalytics(analytics.toObject());
+}
+
+MeetingReport stored(const Meeting& meeting)
+{
+    const auto analysis = objectIn(ReportLoader::storedFile(meeting), analysisLimit);
+    MeetingReport report = analysis ? MeetingReport::parse(*analysis) : MeetingReport{};
+    addAnalytics(report, meeting);
+    return report;
+}
+
+/// The report in an answer, which is stored too; nothing when there is none.
+std::optional<MeetingReport> taken(const HttpAnswer& answer, const Meeting& meeting)
+{
+    if (answer.failure != HttpAnswer::Failure::None || answer.status != 200) return std::nullopt;
+    const auto analysis = json::object(answer.body);
+    if (!analysis) return std::nullopt;
+    MeetingReport report = MeetingReport::parse(*analysis);
+    addAnalytics(report, meeting);
+    // What cannot be stored is shown all the same.
+    std::ignore = files::writeAtomic(ReportLoader::storedFile(meeting), json::pretty(answer.body));
+    return report;
+}
+
+} // namespace
+
+ReportLoader::ReportLoader(Ground ground, QObject* parent)
+    : QObject(parent), m_ground(std::move(ground)), m_rows(m_ground.language)
+{
+}
+
+QString ReportLoader::storedFile(const Meeting& meeting)
+{
+    return QFileInfo{meeting.jsonPath}.path() + u'/' + meeting.id + u".report.json"_s;
+}
+
+void ReportLoader::show(const std::optional<MeetingReport>& report)
+{
+    m_report = report;
+    m_rows.setRows(report ? reportRows::of(*report) : QList<ReportRow>{});
+}
+
+void ReportLoader::load(const Meeting& meeting)
+{
+    struct Content {
+        Transcript lines;
+        MeetingReport report;
+    };
+    const auto read = [meeting, protocols = m_ground.protocols] {
+        return Content{Transcript{transcriptText(meeting, *protocols).value_or(QString{})}, stored(meeting)};
+    };
+    inBackground(this, read, [this, load = ++m_load](const Content& content) {
+        if (load != m_load) return; // something newer is shown
+        m_lines = content.lines;
+        const bool nothing = content.report.isEmpty() && content.report.speakers.isEmpty();
+        show(nothing ? std::nullopt : std::optional{content.report});
+        m_asked = true;
+        emit changed();
+    });
+}
+
+void ReportLoader::fail(const QString& error)
+{
+    m_busy = false;
+    m_loading = false;
+    m_error = error;
+    emit changed();
+}
+
+void ReportLoader::build(const Meeting& meeting)
+{
+    if (m_busy) return;
+    const QString token = m_ground.account.freshToken();
+    if (token.isEmpty()) {
+        fail(m_ground.language.t(u"report.error.auth"_s));
+        return;
+    }
+    m_busy = true;
+    const auto read = [meeting, protocols = m_ground.protocols] {
+        const QString text = transcriptText(meeting, *protocols).value_or(QString{});
+        return text::characterCount(text) < shortestTranscript ? QString{} : text;
+    };
+    inBackground(this, read, [this, meeting, token](const QString& transcript) {
+        if (transcript.isEmpty()) {
+            fail(m_ground.language.t(u"report.error.no_transcript"_s));
+        } else {
+            ask(meeting, transcript, token);
+        }
+    });
+}
+
+void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const QString& token)
+{
+    m_loading = true;
+    m_error.clear();
+    emit changed();
+    const QDate today = m_ground.scheduler.moment().date();
+    const QJsonObject body{
+        {u"transcript"_s, transcript},
+        {u"meeting_date"_s, captions::dateLine(meeting, today, m_ground.language.locale())},
+        {u"duration_min"_s, meeting.durationMin.value_or(0)},
+    };
+    m_ground.http.send(
+        {.method = "POST",
+         .url = QUrl{m_ground.webOrigin + u"/api/assist/report"_s},
+         .headers = {{"Content-Type", "application/json"}},
+         .body = QJsonDocument{body}.toJson(QJsonDocument::Compact),
+         .bearer = token.toUtf8(),
+         .timeout = 330s},
+        this, [this, meeting](const HttpAnswer& answer) {
+            const auto take = [answer, meeting] { return taken(answer, meeting); };
+            inBackground(this, take, [this, answer](const std::optional<MeetingReport>& report) {
+                if (!report) {
+                    fail(answer.errorText.isEmpty() ? m_ground.language.t(u"report.error.server"_s)
+                                                    : answer.errorText);
+                    return;
+                }
+                ++m_load;
+                m_busy = false;
+                m_loading = false;
+                show(report);
+                emit changed();
+            });
+        });
+}
+
+QStringList ReportLoader::quote(const QString& stamp) const
+{
+    const auto found = m_lines.quote(stamp);
+    if (!found) return {};
+    return {text::shortened(found->text, quoteLength), text::shortened(found->before, quoteLength),
+            text::shortened(found->after, quoteLength)};
+}
+
+QString ReportLoader::spoken(const QString& stamp, const QString& language) const
+{
+    const auto seconds = Transcript::seconds(stamp);
+    return seconds && *seconds >= 0 ? Language::spokenDuration(language, double(*seconds)) : stamp;
+}
+
+} // namespace murmeli

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "MeetingReport.h"
+#include "ReportListModel.h"
+#include "Transcript.h"
+#include "meetings/Meeting.h"
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include <memory>
+
+namespace murmeli {
+
+class AuthManager;
+class Http;
+class ProtocolFinder;
+class Scheduler;
+
+/// The analysis of one meeting: as it is stored beside the summary file, or asked of the service anew.
+/// Reads and writes beside the main thread; its own functions are for that thread only.
+class ReportLoader final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made for a meeting and handed to its view")
+    Q_PROPERTY(bool loading READ loading NOTIFY changed FINAL) ///< an analysis is on its way
+    Q_PROPERTY(QString error READ error NOTIFY changed FINAL)  ///< empty when there is none
+    Q_PROPERTY(bool present READ present NOTIFY changed FINAL) ///< there is a report
+    Q_PROPERTY(bool empty READ empty NOTIFY changed FINAL)     ///< nothing can be shown
+    Q_PROPERTY(bool asked READ asked NOTIFY changed FINAL)     ///< the first load has ended
+    Q_PROPERTY(murmeli::ReportListModel* rows READ rows CONSTANT FINAL)
+
+public:
+    struct Ground {
+        const AuthManager& account;
+        Http& http;
+        const Language& language;
+        const Scheduler& scheduler;
+        std::shared_ptr<ProtocolFinder> protocols;
+        QString webOrigin;
+    };
+    static constexpr qsizetype shortestTranscript = 201; ///< characters; less says nothing
+
+    explicit ReportLoader(Ground ground, QObject* parent = nullptr);
+
+    [[nodiscard]] const std::optional<MeetingReport>& report() const { return m_report; }
+    [[nodiscard]] bool loading() const { return m_loading; }
+    [[nodiscard]] QString error() const { return m_error; }
+    [[nodiscard]] bool present() const { return m_report.has_value(); }
+    [[nodiscard]] bool empty() const
+    {
+        return !m_report || (m_report->isEmpty() && m_report->speakers.isEmpty());
+    }
+    [[nodiscard]] bool asked() const { return m_asked; }
+    [[nodiscard]] ReportListModel* rows() { return &m_rows; }
+
+    /// Reads transcript, stored analysis and figures of the meeting.
+    void load(const Meeting& meeting);
+
+    /// Asks the service for an analysis, unless one is on its way, and stores it.
+    void build(const Meeting& meeting);
+
+    /// What was said at a stamp, the line before and the line after it; empty when that is not known.
+    Q_INVOKABLE [[nodiscard]] QStringList quote(const QString& stamp) const;
+
+    /// A stamp as it is read out in `language`.
+    Q_INVOKABLE [[nodiscard]] QString spoken(const QString& stamp, const QString& language) const;
+
+    /// The stored analysis of a meeting.
+    static QString storedFile(const Meeting& meeting);
+
+signals:
+    void changed();
+
+private:
+    void show(const std::optional<MeetingReport>& report);
+    void fail(const QString& error);
+    void ask(const Meeting& meeting, const QString& transcript, const QString& token);
+
+    Ground m_ground;
+    std::optional<MeetingReport> m_report;
+    Transcript m_lines;
+    ReportListModel m_rows;
+    QString m_error;
+    bool m_loading = false;
+    bool m_asked = false;
+    bool m_busy = false; ///< from the press to the answer
+    quint64 m_load = 0;  ///< the latest; an older one's outcome is dropped
+};
+
+} // namespace murmeli

@@ -1,0 +1,187 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Murmeli.Localisation
+import Murmeli.Report
+import Murmeli.Ui
+
+// The analysis of a meeting, every claim of it with the moments that it stands on.
+Item {
+    id: root
+
+    required property ReportLoader loader
+    required property string meetingLine
+    property string openStamp // the one whose quotation is unfolded
+
+    signal buildAsked()
+    signal closed()
+
+    function focusFirst(): void {
+        build.forceActiveFocus(Qt.OtherFocusReason);
+    }
+    function toggle(stamp: string): void {
+        root.openStamp = root.openStamp === stamp ? "" : stamp;
+    }
+    function step(direction: int): void {
+        const from = list.activeFocus ? list.currentIndex : -1;
+        const row = root.loader.rows.neighbour(from, direction);
+        if (row < 0) return;
+        list.currentIndex = row;
+        list.positionViewAtIndex(row, ListView.Contain);
+        list.currentItem.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    Keys.onEscapePressed: {
+        if (root.openStamp.length > 0) root.openStamp = "";
+        else root.closed();
+    }
+    Keys.onDownPressed: step(1)
+    Keys.onUpPressed: step(-1)
+    Keys.onPressed: event => {
+        const direction = root.loader.rows.direction(event.text);
+        if (event.matches(StandardKey.Copy)) root.loader.rows.copy(list.currentIndex);
+        else if (direction !== 0) root.step(direction);
+        else return;
+        event.accepted = true;
+    }
+
+    Item {
+        id: header
+        width: parent.width
+
+        readonly property int above: Math.max(20, 10 + Theme.chromeInset)
+
+        height: above + 63
+
+        Column {
+            anchors { left: parent.left; leftMargin: Theme.padMain; right: build.left; rightMargin: Theme.padPanel }
+            y: header.above
+            spacing: 2
+            Label {
+                width: parent.width
+                type: Theme.title
+                text: L.t("report.title")
+                Accessible.role: Accessible.Heading
+            }
+            Item {
+                width: parent.width
+                height: line.height
+                Symbol {
+                    y: 1
+                    visible: root.loader.error.length > 0
+                    size: Theme.symbolSmall
+                    name: "exclamationmark.triangle"
+                    ink: Theme.inkRed
+                }
+                Label {
+                    id: line
+                    x: root.loader.error.length > 0 ? 19 : 0
+                    width: parent.width - x
+                    type: Theme.sub
+                    color: root.loader.error.length > 0 ? Theme.inkRed : Theme.text3
+                    text: root.loader.error.length > 0 ? root.loader.error : root.meetingLine
+                    Accessible.role: root.loader.error.length > 0 ? Accessible.AlertMessage : Accessible.StaticText
+                }
+            }
+        }
+        PillButton {
+            id: build
+            anchors { right: close.left; rightMargin: Theme.gapRow; verticalCenter: close.verticalCenter }
+            buttonHeight: Theme.buttonHeight
+            kind: root.loader.present ? PillButton.Tinted : PillButton.Primary
+            enabled: !root.loader.loading
+            text: root.loader.present ? L.t("report.rebuild") : L.t("report.build")
+            onClicked: root.buildAsked()
+        }
+        IconButton {
+            id: close
+            anchors { right: parent.right; rightMargin: 24 }
+            y: header.above + 12
+            side: Theme.buttonHeight
+            round: true
+            filled: true
+            symbol: "xmark"
+            symbolSize: Theme.symbolSmall
+            help: L.t("common.close")
+            onClicked: root.closed()
+        }
+        Rectangle {
+            anchors.bottom: parent.bottom
+            width: parent.width
+            height: Theme.hair
+            color: Theme.line
+        }
+    }
+    Column {
+        anchors.centerIn: list
+        visible: root.loader.loading
+        spacing: Theme.padCard
+        Spinner {
+            anchors.horizontalCenter: parent.horizontalCenter
+            size: 22
+        }
+        Label {
+            color: Theme.text2
+            text: L.t("report.building")
+            Accessible.role: Accessible.StatusBar
+        }
+    }
+    Label {
+        anchors.centerIn: list
+        visible: !root.loader.loading && root.loader.empty && root.loader.asked
+        horizontalAlignment: Text.AlignHCenter
+        type: Theme.body
+        color: Theme.text2
+        text: L.t("report.empty")
+        Accessible.role: Accessible.StatusBar
+    }
+    ListView {
+        id: list
+
+        property real growth: visible && count > 0 ? 1 : 0 // of bars
+
+        anchors { left: parent.left; right: parent.right; top: header.bottom; bottom: parent.bottom }
+        visible: !root.loader.loading && !root.loader.empty
+        clip: true
+        cacheBuffer: 240
+        bottomMargin: 36
+        boundsBehavior: Flickable.StopAtBounds
+        keyNavigationEnabled: false
+        highlightFollowsCurrentItem: false
+        currentIndex: -1
+        model: root.loader.rows
+        Accessible.role: Accessible.List
+        Accessible.name: L.t("report.title")
+        ScrollBar.vertical: ScrollThumb { }
+
+        Behavior on growth { NumberAnimation { duration: Theme.progress; easing.type: Easing.OutCubic } }
+
+        // qmllint disable unqualified
+        delegate: FocusScope {
+            id: place
+
+            required property reportRow row
+            required property int index
+
+            width: list.width
+            height: view.implicitHeight
+            onActiveFocusChanged: {
+                if (!activeFocus) return;
+                list.currentIndex = index;
+                list.positionViewAtIndex(index, ListView.Contain);
+            }
+            ReportRowView {
+                id: view
+                x: Theme.padMain
+                width: parent.width - 2 * Theme.padMain
+                focus: true
+                row: place.row
+                openStamp: root.openStamp
+                loader: root.loader
+                growth: list.growth
+                onStampPressed: stamp => root.toggle(stamp)
+                onCopyAsked: root.loader.rows.copy(place.index)
+            }
+        }
+        // qmllint enable unqualified
+    }
+}

@@ -1,0 +1,52 @@
+import QtQuick
+import Murmeli.Localisation
+import Murmeli.Report
+import Murmeli.Ui
+
+// How much of the talk was one person's.
+Item {
+    id: root
+
+    required property reportRow row
+    required property real growth // of the bar, from 0 to 1
+    readonly property var inks: [Theme.violet, Theme.blue, Theme.cyan, Theme.pink, Theme.green]
+    readonly property color ink: inks[row.count] ?? Theme.text4
+    readonly property int percent: Math.round(row.share * 100)
+
+    implicitHeight: 28
+    Accessible.role: Accessible.ProgressBar
+    Accessible.name: row.title + ", " + L.spokenDuration(row.seconds) + ", " + L.spokenPercent(percent)
+
+    Label {
+        anchors.verticalCenter: parent.verticalCenter
+        width: 70
+        text: root.row.title
+        Accessible.ignored: true
+    }
+    ProgressLine {
+        anchors { left: parent.left; leftMargin: 78; right: time.left; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
+        value: root.row.share * root.growth
+        from: root.ink
+        to: root.ink
+        Accessible.ignored: true
+    }
+    Label {
+        id: time
+        anchors { right: share.left; verticalCenter: parent.verticalCenter }
+        width: 52
+        horizontalAlignment: Text.AlignRight
+        type: Theme.sub
+        color: Theme.text2
+        text: root.row.value
+        Accessible.ignored: true
+    }
+    Label {
+        id: share
+        anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+        width: 52
+        horizontalAlignment: Text.AlignRight
+        type: Theme.link
+        text: L.percent(root.percent)
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,55 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Murmeli.Localisation
+import Murmeli.Ui
+
+// A moment of the meeting; pressed, it shows what was said then.
+Button {
+    id: root
+
+    required property string stamp
+    required property bool open
+    required property string spokenStamp
+
+    implicitHeight: 20
+    leftPadding: 8
+    rightPadding: 8
+    topPadding: 0
+    bottomPadding: 0
+    text: stamp
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    Accessible.role: Accessible.Button
+    Accessible.name: L.t("report.stamp.name", spokenStamp)
+    Accessible.checkable: true
+    Accessible.checked: open
+    Accessible.onPressAction: root.clicked()
+    Accessible.onToggleAction: root.clicked()
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+
+    background: Rectangle {
+        radius: height / 2
+        color: root.open ? Theme.primaryFrom : root.pressed ? Theme.tintPressed(Theme.violet)
+            : root.hovered ? Theme.tintHover(Theme.violet) : Theme.tint(Theme.violet)
+        Behavior on color { ColorAnimation { duration: Theme.quick } }
+        FocusRing { shown: root.visualFocus; corner: parent.radius }
+    }
+    contentItem: Label {
+        verticalAlignment: Text.AlignVCenter
+        type: Theme.chip
+        color: root.open ? Theme.white : Theme.inkViolet
+        text: root.text
+        Accessible.ignored: true
+    }
+    // qmllint disable unqualified
+    Loader { // a pop-up is large, and most are never seen
+        anchors.fill: parent
+        active: root.hovered
+        sourceComponent: HelpTip {
+            visible: root.hovered && !root.pressed
+            text: L.t("report.stamp.help")
+        }
+    }
+    // qmllint enable unqualified
+}
