@@ -75,6 +75,7 @@ Item {
                 type: Theme.quotation
                 text: root.shown[0] ?? ""
                 Accessible.ignored: true // the name of the whole
+                TapHandler { onTapped: root.toggle() } // the text takes presses before the card does
             }
             Label {
                 width: parent.width
