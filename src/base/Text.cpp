@@ -67,7 +67,7 @@ QString oneLine(const QString& text)
     return line;
 }
 
-std::optional<qint64> wholeNumber(const QString& text)
+std::optional<qint64> wholeNumber(QStringView text)
 {
     // toLongLong() alone would take white space too.
     const bool plain =

@@ -25,7 +25,7 @@ QString oneLine(const QString& text);
 
 /// A whole number in base 10 with an optional sign, and nothing else; nothing when the text is no such
 /// number.
-std::optional<qint64> wholeNumber(const QString& text);
+std::optional<qint64> wholeNumber(QStringView text);
 
 /// How many characters a reader would count.
 qsizetype characterCount(const QString& text);

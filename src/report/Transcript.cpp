@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -40,56 +41,62 @@ std::optional<QString> Transcript::textOf(const QString& protocol)
     return result;
 }
 
-std::optional<qint64> Transcript::seconds(const QString& stamp)
+std::optional<qint64> Transcript::seconds(QStringView stamp)
 {
-    QList<qint64> numbers;
-    const auto parts = stripped(stamp, u"[] ").split(u':', Qt::SkipEmptyParts);
-    for (const QStringView part : parts) {
-        if (const auto number = text::wholeNumber(part.toString())) numbers.append(*number);
+    std::array<qint64, 4> numbers{};
+    size_t count = 0;
+    for (const QStringView part : stripped(stamp, u"[] ").tokenize(u':', Qt::SkipEmptyParts)) {
+        const auto number = text::wholeNumber(part);
+        if (number && count < numbers.size()) numbers.at(count++) = *number;
     }
-    if (numbers.size() < 2) return std::nullopt;
-    const std::array<qint64, 3> factors =
-        numbers.size() == 3 ? std::array<qint64, 3>{3600, 60, 1} : std::array<qint64, 3>{60, 1, 0};
+    if (count < 2) return std::nullopt;
     qint64 sum = 0;
-    for (size_t i = 0; i < factors.size(); ++i) {
-        qint64 part = 0;
-        const qint64 number = numbers.value(qsizetype(i));
-        if (factors.at(i) == 0) break;
-        if (qMulOverflow(number, factors.at(i), &part) || qAddOverflow(sum, part, &sum)) return std::nullopt;
+    // Hours, minutes and seconds when there are three; else minutes and seconds, and whatever follows.
+    for (size_t i = 0; i < (count == 3 ? 3U : 2U); ++i) {
+        if (qMulOverflow(sum, qint64{60}, &sum) || qAddOverflow(sum, numbers.at(i), &sum))
+            return std::nullopt;
     }
     return sum;
 }
 
-Transcript::Transcript(const QString& text)
+Transcript::Transcript(const QString& text) : m_text(text)
 {
-    const auto lines = QStringView{text}.split(u'\n', Qt::SkipEmptyParts);
-    QStringList stamps;
+    const QList<QStringView> lines = QStringView{m_text}.split(u'\n', Qt::SkipEmptyParts);
+    QList<QStringView> stamps;
     m_lines.reserve(lines.size());
+    m_byStamp.reserve(lines.size());
+    m_marks.reserve(lines.size());
     for (const QStringView line : lines) {
         const qsizetype end = line.indexOf(u']');
         if (end < 0) continue;
-        const QString stamp = line.first(end + 1).toString();
-        if (!m_byStamp.contains(stamp)) stamps.append(stamp);
-        m_byStamp.insert(stamp, m_lines.size());
-        m_lines.append(text::trimmed(line.sliced(end + 1).toString()));
+        const QStringView stamp = line.first(end + 1);
+        const qsizetype known = m_byStamp.size();
+        m_byStamp[stamp] = m_lines.size();
+        if (m_byStamp.size() > known) stamps.append(stamp);
+        m_lines.append(line.sliced(end + 1));
     }
-    for (const QString& stamp : std::as_const(stamps)) {
+    for (const QStringView stamp : std::as_const(stamps)) {
         if (const auto at = seconds(stamp)) m_marks.append({*at, m_byStamp.value(stamp)});
     }
     std::ranges::stable_sort(m_marks, {}, &Mark::seconds);
 }
 
+QString Transcript::line(qsizetype index) const
+{
+    return index >= 0 && index < m_lines.size() ? text::trimmed(m_lines[index].toString()) : QString{};
+}
+
 std::optional<Transcript::Quote> Transcript::quote(const QString& stamp) const
 {
-    qsizetype line = m_byStamp.value(stamp, -1);
-    if (line < 0) {
-        const auto at = seconds(stamp);
-        if (!at) return std::nullopt;
-        const auto after = std::ranges::upper_bound(m_marks, *at, {}, &Mark::seconds);
+    qsizetype at = m_byStamp.value(stamp, -1);
+    if (at < 0) {
+        const auto moment = seconds(stamp);
+        if (!moment) return std::nullopt;
+        const auto after = std::ranges::upper_bound(m_marks, *moment, {}, &Mark::seconds);
         if (after == m_marks.begin()) return std::nullopt;
-        line = std::ranges::lower_bound(m_marks, std::prev(after)->seconds, {}, &Mark::seconds)->line;
+        at = std::ranges::lower_bound(m_marks, std::prev(after)->seconds, {}, &Mark::seconds)->line;
     }
-    return Quote{m_lines[line], m_lines.value(line - 1), m_lines.value(line + 1)};
+    return Quote{line(at), line(at - 1), line(at + 1)};
 }
 
 } // namespace murmeli

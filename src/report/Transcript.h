@@ -20,7 +20,7 @@ public:
 
     /// Of a stamp with two or three numbers, "12:34" or "[01:02:03]"; of one with more, its first two are
     /// minutes and seconds. Nothing when it is no stamp or beyond what can be counted.
-    static std::optional<qint64> seconds(const QString& stamp);
+    static std::optional<qint64> seconds(QStringView stamp);
 
     /// A line, and those beside it.
     struct Quote {
@@ -36,9 +36,12 @@ private:
         qint64 seconds = 0;
         qsizetype line = 0;
     };
-    QStringList m_lines;
-    QHash<QString, qsizetype> m_byStamp; ///< of equal stamps the last line
-    QList<Mark> m_marks;                 ///< ascending; of equal seconds the first stamp
+    [[nodiscard]] QString line(qsizetype index) const;
+
+    QString m_text; ///< the others point into it
+    QList<QStringView> m_lines;
+    QHash<QStringView, qsizetype> m_byStamp; ///< of equal stamps the last line
+    QList<Mark> m_marks;                     ///< ascending; of equal seconds the first stamp
 };
 
 } // namespace murmeli
