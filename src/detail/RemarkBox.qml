@@ -166,7 +166,7 @@ Item {
                 ink: root.working ? Theme.inkCyan : root.failed ? Theme.inkRed
                     : root.editor.outcome === ProtocolEditor.NotFound ? Theme.inkPink : Theme.inkGreen
                 RotationAnimation on rotation {
-                    running: root.working && Theme.motion
+                    running: root.working && root.Window.visibility !== Window.Hidden && Theme.motion
                     loops: Animation.Infinite
                     from: 0
                     to: 180

@@ -7,7 +7,7 @@ Item {
     id: root
 
     required property var lines // the text, the line before, the line after; empty: folded
-    property var shown: lines // stays while it folds
+    property var shown: [] // stays while it folds
     property bool wide: false
     readonly property bool unfolded: lines.length > 0
     readonly property string before: shown[1] ?? ""
@@ -24,7 +24,7 @@ Item {
     clip: extent < 1
     opacity: extent
     onLinesChanged: {
-        if (!unfolded) return;
+        if (lines.length === 0) return;
         shown = lines;
         wide = false;
     }

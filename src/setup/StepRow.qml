@@ -63,7 +63,7 @@ Rectangle {
                 ink: root.failed ? Theme.inkRed : Theme.inkGreen
             }
             NumberAnimation on scale {
-                running: badge.visible && Theme.motion
+                running: badge.visible && root.Window.visibility !== Window.Hidden && Theme.motion
                 from: 0.6
                 to: 1
                 duration: Theme.spring

@@ -34,7 +34,7 @@ Item {
             to: 360
             duration: Theme.spin
             loops: Animation.Infinite
-            running: root.visible && Theme.motion
+            running: root.visible && root.Window.visibility !== Window.Hidden && Theme.motion
         }
     }
 }

@@ -1,6 +1,9 @@
+#include "app/MainModel.h"
 #include "support/Program.h"
 
+#include <QClipboard>
 #include <QFile>
+#include <QGuiApplication>
 #include <QJsonDocument>
 #include <QQmlContext>
 #include <QTest>
@@ -19,6 +22,7 @@ class Fixture : public QObject {
     Q_PROPERTY(QObject* panel READ panel CONSTANT)
     Q_PROPERTY(QObject* account READ account CONSTANT)
     Q_PROPERTY(QObject* updater READ updater CONSTANT)
+    Q_PROPERTY(murmeli::MainModel* library READ library NOTIFY libraryChanged)
 
 public:
     Fixture() { connect(&m.state, &AppState::statusRead, &m.language, &Language::refresh); }
@@ -29,6 +33,7 @@ public:
     [[nodiscard]] QObject* panel() { return &m.panel; }
     [[nodiscard]] QObject* account() { return &m.account; }
     [[nodiscard]] QObject* updater() { return &m.updater; }
+    [[nodiscard]] MainModel* library() { return m_library.get(); }
 
     /// Back to an idle service, empty preferences, no flag, no account, no release, nothing pending.
     Q_INVOKABLE void reset()
@@ -85,8 +90,56 @@ public:
             qFatal("The update server does not answer");
     }
 
+    /// A summary file of a meeting that begins at `stem`, with its protocol and, if any, its analysis.
+    Q_INVOKABLE void writeMeeting(const QString& stem, const QJsonObject& members,
+                                  const QString& protocol = {}, const QString& analysis = {})
+    {
+        const QString base = m.paths.logs + u'/' + stem;
+        QJsonObject summary = members;
+        QJsonObject meta = summary[u"_meta"_s].toObject();
+        meta[u"protocol_md"_s] = base + u".md"_s;
+        summary[u"_meta"_s] = meta;
+        m.write(base + u".md"_s, protocol.toUtf8());
+        if (!analysis.isEmpty()) m.write(base + u".report.json"_s, analysis.toUtf8());
+        m.write(base + u".protocol.json"_s, QJsonDocument{summary}.toJson());
+    }
+    /// Makes the state of the main window anew, with what was written.
+    Q_INVOKABLE void openLibrary()
+    {
+        m_library = std::make_unique<MainModel>(MainModel::Ground{.paths = m.paths,
+                                                                  .prefs = m.prefs,
+                                                                  .account = m.account,
+                                                                  .http = m.http,
+                                                                  .processes = m.processes,
+                                                                  .language = m.language,
+                                                                  .scheduler = m.scheduler,
+                                                                  .webOrigin = m.server.origin()});
+        emit libraryChanged();
+        if (!QTest::qWaitFor([this] { return m_library->store()->loaded(); }))
+            qFatal("The scan does not end");
+    }
+    /// Leaves no meeting behind.
+    Q_INVOKABLE void closeLibrary()
+    {
+        m_library.reset();
+        emit libraryChanged();
+        QDir{m.paths.logs}.removeRecursively();
+        QDir{}.mkpath(m.paths.logs);
+    }
+    /// What the service answers from now on; nothing: it never does.
+    Q_INVOKABLE void serviceAnswers(int status, const QString& body)
+    {
+        const QByteArray wire = status == 0 ? QByteArray{} : Server::answer(status, body.toUtf8());
+        m.server.reply = [wire](QTcpSocket* socket, const Server::Request&) { socket->write(wire); };
+    }
+    Q_INVOKABLE [[nodiscard]] QString clipboard() const { return QGuiApplication::clipboard()->text(); }
+
+signals:
+    void libraryChanged();
+
 private:
     Program m;
+    std::unique_ptr<MainModel> m_library;
 };
 
 class Setup : public QObject {
