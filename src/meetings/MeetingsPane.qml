@@ -45,7 +45,7 @@ Item {
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom; top: heading.bottom; topMargin: 12 }
         clip: true
         reuseItems: true
-        cacheBuffer: 400
+        cacheBuffer: 0 // rows are reused; spare ones would only delay the first picture
         topMargin: 4
         bottomMargin: 20
         boundsBehavior: Flickable.StopAtBounds

@@ -1,5 +1,6 @@
-// The analysis of a long meeting: report_bench. Prints figures and bounds.
+// What a long list and a long analysis take to be seen: views_bench. Prints figures and bounds.
 
+#include "meetings/MeetingStore.h"
 #include "meetings/ProtocolFinder.h"
 #include "report/ReportLoader.h"
 #include "support/Program.h"
@@ -67,17 +68,62 @@ int countWith(const QQuickItem* item, const char* property)
     return count;
 }
 
-} // namespace
+/// A view that is made again and again in one window.
+class View {
+public:
+    View(QQmlEngine& engine, QQuickWindow& window, const QString& file, QVariantMap properties)
+        : m_window(window),
+          m_component(&engine, QUrl{u"qrc:/qt/qml/Murmeli/"_s + file}),
+          m_properties(std::move(properties))
+    {
+        m_properties[u"width"_s] = window.width();
+        m_properties[u"height"_s] = window.height();
+    }
 
-int main(int argc, char* argv[])
+    /// Milliseconds from nothing to its first picture.
+    double opening()
+    {
+        const auto open = [this] {
+            m_pane.reset(m_component.createWithInitialProperties(m_properties));
+            if (!m_pane) qFatal("%s", qPrintable(m_component.errorString()));
+            item()->setParentItem(m_window.contentItem());
+        };
+        until(&m_window, &QQuickWindow::frameSwapped, open); // reads fonts and symbols
+        return median(9, [&] { return until(&m_window, &QQuickWindow::frameSwapped, open); });
+    }
+    [[nodiscard]] QQuickItem* item() const { return qobject_cast<QQuickItem*>(m_pane.get()); }
+
+private:
+    QQuickWindow& m_window;
+    QQmlComponent m_component;
+    QVariantMap m_properties;
+    std::unique_ptr<QObject> m_pane;
+};
+
+void measureList(Program& m, QQmlEngine& engine, QQuickWindow& window)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-    const QApplication app{argc, argv};
-    Program m;
-    QQmlEngine engine;
-    m.install(engine);
+    MeetingStore store{m.paths, m.language, m.scheduler};
+    until(&store, &MeetingStore::scanned, [] {});
+    const auto opening = [&](int count) {
+        QList<ListedMeeting> meetings;
+        for (int i = 0; i < count; ++i) {
+            Meeting meeting{.id = QString::number(i), .title = u"Встреча %1 про релиз"_s.arg(i)};
+            meeting.tldr = u"Договорились о сроках, разобрали риски и решили, кто пишет тексты."_s;
+            meeting.startedAt = QDateTime::fromSecsSinceEpoch(1'700'000'000 - i * 7200);
+            meetings.append({meeting, meeting.title.toLower()});
+        }
+        store.list()->setMeetings(meetings, {2026, 1, 1});
+        return View{
+            engine, window, u"Meetings/MeetingsPane.qml"_s, {{u"store"_s, QVariant::fromValue(&store)}}}
+            .opening();
+    };
+    const double few = opening(10);
+    row("10 meetings, to the first picture", few, "ms", 50);
+    row("10 000 meetings, to the first picture", opening(10'000), "ms", 1.25 * few);
+}
 
+void measureReport(Program& m, QQmlEngine& engine, QQuickWindow& window)
+{
     const Meeting meeting{.id = u"a"_s,
                           .title = u"План"_s,
                           .startedAt = QDateTime{{2026, 3, 4}, {10, 15}},
@@ -107,23 +153,12 @@ int main(int argc, char* argv[])
         median(9, [&] { return until(&loader, &ReportLoader::changed, [&] { loader.load(meeting); }); }),
         "ms", 20);
 
-    QQuickWindow window;
-    window.resize(750, 680);
-    window.show();
-    QQmlComponent component{&engine, QUrl{u"qrc:/qt/qml/Murmeli/Report/ReportPane.qml"_s}};
-    std::unique_ptr<QObject> pane;
-    const auto open = [&] {
-        pane.reset(component.createWithInitialProperties({{u"loader"_s, QVariant::fromValue(&loader)},
-                                                          {u"meetingLine"_s, u"План"_s},
-                                                          {u"width"_s, 750},
-                                                          {u"height"_s, 680}}));
-        if (!pane) qFatal("%s", qPrintable(component.errorString()));
-        qobject_cast<QQuickItem*>(pane.get())->setParentItem(window.contentItem());
-    };
-    until(&window, &QQuickWindow::frameSwapped, open); // reads fonts and symbols
-    row("opening it, to the first picture",
-        median(9, [&] { return until(&window, &QQuickWindow::frameSwapped, open); }), "ms", 50);
-    auto* item = qobject_cast<QQuickItem*>(pane.get());
+    View view{engine,
+              window,
+              u"Report/ReportPane.qml"_s,
+              {{u"loader"_s, QVariant::fromValue(&loader)}, {u"meetingLine"_s, u"План"_s}}};
+    row("opening it, to the first picture", view.opening(), "ms", 50);
+    auto* item = view.item();
     row("rows alive", countWith(item, "edge"), "", 2 * 680 / 78.0);
     int second = 0;
     row("a press on a stamp, to the next picture",
@@ -134,5 +169,22 @@ int main(int argc, char* argv[])
                    });
                }),
         "ms", 16.7);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    const QApplication app{argc, argv};
+    Program m;
+    QQmlEngine engine;
+    m.install(engine);
+    QQuickWindow window;
+    window.resize(750, 680);
+    window.show();
+    measureList(m, engine, window);
+    measureReport(m, engine, window);
     return 0;
 }
