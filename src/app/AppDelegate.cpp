@@ -3,6 +3,7 @@
 #include "KeyPanel.h"
 #include "base/Scheduler.h"
 #include "localisation/Language.h"
+#include "platform/LoginItem.h"
 #include "platform/PanelPlacement.h"
 #include "platform/StatusItem.h"
 #include "platform/WindowSystem.h"
@@ -58,6 +59,14 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
                  .current = AppInfo::version,
                  .installation = ground.installation},
                 ground.http, ground.processes, ground.scheduler, [this] { return m_state.status(); }),
+      m_settings({.paths = ground.paths,
+                  .prefs = ground.prefs,
+                  .state = m_state,
+                  .account = m_account,
+                  .updater = m_updater,
+                  .language = ground.language,
+                  .processes = ground.processes,
+                  .setLoginItem = [this](bool on) { loginItem::set(on, m_ground.paths.home); }}),
       m_toasts(m_engine, ground.scheduler,
                [] {
                    const QScreen* screen = QGuiApplication::primaryScreen();
@@ -69,6 +78,7 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
                      m_toasts.show(toast);
                  }),
       m_updateWindow(m_engine, ground.language, m_updater),
+      m_settingsWindow(m_engine, ground.language, m_settings),
       m_mainWindow(m_engine,
                    {.paths = ground.paths,
                     .prefs = ground.prefs,
@@ -77,6 +87,7 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
                     .processes = ground.processes,
                     .language = ground.language,
                     .scheduler = ground.scheduler,
+                    .settings = m_settings,
                     .webOrigin = AppInfo::webOrigin()},
                    m_state, m_record, workspace::stateFolder(ground.paths.home) + u"/window.ini"_s)
 {
@@ -98,6 +109,7 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
     connect(&m_ground.statusItem, &StatusItem::pressed, this, &AppDelegate::toggle);
     connect(&m_ground.statusItem, &StatusItem::recordChosen, &m_record, &RecordControl::toggle);
     connect(&m_ground.statusItem, &StatusItem::openChosen, this, &AppDelegate::openPanel);
+    connect(&m_ground.statusItem, &StatusItem::settingsChosen, this, [this] { m_settingsWindow.show(); });
     connect(&m_ground.statusItem, &StatusItem::quitChosen, qApp, &QCoreApplication::quit,
             Qt::QueuedConnection);
     connectPanel();
@@ -121,6 +133,13 @@ void AppDelegate::connectPanel()
         closePanel();
         m_mainWindow.show();
     });
+    connect(&m_panel, &PanelModel::settingsRequested, this, [this] {
+        closePanel();
+        m_settingsWindow.show();
+    });
+    // The panel and the settings show some of the same preferences.
+    connect(&m_settings, &SettingsModel::stored, &m_panel, &PanelModel::readPreferences);
+    connect(&m_panel, &PanelModel::preferencesChanged, &m_settings, &SettingsModel::refresh);
     connect(&m_panel, &PanelModel::botRequested, this, [] { workspace::openUrl(QUrl{AppInfo::botLink()}); });
     connect(&m_panel, &PanelModel::updateRequested, this, [this] {
         closePanel();
@@ -314,8 +333,7 @@ void AppDelegate::updateTexts()
     m_ground.statusItem.setMenu(
         {m_record.waiting() ? m_panel.line() : m_panel.title(),
          m_ground.language.t(m_state.isRecording() ? u"tray.stop"_s : u"tray.start"_s),
-         m_ground.language.t(u"tray.open"_s),
-         PanelModel::hasSettings() ? m_ground.language.t(u"tray.settings"_s) : QString{},
+         m_ground.language.t(u"tray.open"_s), m_ground.language.t(u"tray.settings"_s),
          m_ground.language.t(u"tray.quit"_s)});
 }
 

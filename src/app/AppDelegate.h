@@ -5,12 +5,14 @@
 #include "Notifier.h"
 #include "PanelModel.h"
 #include "RecordControl.h"
+#include "SettingsWindowController.h"
 #include "SetupWindowController.h"
 #include "ToastCenter.h"
 #include "UpdateWindowController.h"
 #include "account/AuthManager.h"
 #include "platform/Installation.h"
 #include "service/AppState.h"
+#include "settings/SettingsModel.h"
 #include "update/Updater.h"
 
 #include <QElapsedTimer>
@@ -90,10 +92,12 @@ private:
     PanelModel m_panel;
     AuthManager m_account;
     Updater m_updater;
+    SettingsModel m_settings;
     QQmlEngine m_engine;
     ToastCenter m_toasts;
     Notifier m_notifier;
     UpdateWindowController m_updateWindow;
+    SettingsWindowController m_settingsWindow;
     MainWindowController m_mainWindow;
     std::unique_ptr<SetupWindowController> m_setupWindow;
     std::unique_ptr<KeyPanel> m_floating;

@@ -24,7 +24,7 @@ AppWindow::AppWindow(QQmlEngine& engine, const Language& language, const View& v
     : QQuickView(&engine, nullptr), m_placeFile(view.placeFile), m_escapeCloses(view.escapeCloses)
 {
     const auto retitle = [this, &language, key = view.titleKey] { setTitle(language.t(key)); };
-    connect(&language, &Language::changed, this, retitle);
+    if (!view.titleStays) connect(&language, &Language::changed, this, retitle);
     retitle();
     setResizeMode(QQuickView::SizeRootObjectToView);
     resize(view.size);

@@ -16,9 +16,10 @@ public:
         QString url;
         QVariantMap properties; ///< the view's required ones
         QString titleKey;
-        QSize size;            ///< device-independent pixels
-        QSize least = {};      ///< when smaller than `size`
-        bool resizable = true; ///< from `least` upwards
+        bool titleStays = false; ///< in the language of the window's first moment
+        QSize size;              ///< device-independent pixels
+        QSize least = {};        ///< when smaller than `size`
+        bool resizable = true;   ///< from `least` upwards
         bool escapeCloses = false;
         QString placeFile = {}; ///< where size and place are remembered, if they are
     };

@@ -4,6 +4,7 @@
 #include "meetings/MeetingStore.h"
 #include "protocol/AssistantModel.h"
 #include "protocol/GlossaryStore.h"
+#include "settings/SettingsModel.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -22,9 +23,10 @@ class MainModel final : public QObject {
     Q_PROPERTY(murmeli::MeetingStore* store READ store CONSTANT FINAL)
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::AssistantModel* assistant READ assistant CONSTANT FINAL)
+    Q_PROPERTY(murmeli::SettingsModel* settings READ settings CONSTANT FINAL)
 
 public:
-    enum class Tab { Meetings, Assistant };
+    enum class Tab { Meetings, Assistant, Settings };
     Q_ENUM(Tab)
 
     struct Ground {
@@ -35,6 +37,7 @@ public:
         Processes& processes;
         const Language& language;
         Scheduler& scheduler;
+        SettingsModel& settings;
         QString webOrigin;
     };
 
@@ -48,6 +51,7 @@ public:
     [[nodiscard]] MeetingStore* store() { return &m_store; }
     [[nodiscard]] GlossaryStore* glossary() { return &m_glossary; }
     [[nodiscard]] AssistantModel* assistant() { return &m_assistant; }
+    [[nodiscard]] SettingsModel* settings() { return &m_ground.settings; }
 
     Q_INVOKABLE void open(const QString& id);
     /// Back to the list. \return the meeting that was open.

@@ -4,6 +4,7 @@ import Murmeli.Detail
 import Murmeli.Meetings
 import Murmeli.Protocol
 import Murmeli.Service
+import Murmeli.Settings
 import Murmeli.Ui
 
 // The large window: the sidebar, and beside it the meetings, one of them, or the assistant.
@@ -14,6 +15,8 @@ Rectangle {
     required property AppState appState
     required property RecordControl record
     readonly property bool onMeetings: model.tab === MainModel.Meetings
+    readonly property bool onAssistant: model.tab === MainModel.Assistant
+    readonly property bool onSettings: model.tab === MainModel.Settings
     readonly property bool inDetail: onMeetings && model.detail !== null
 
     function back(): void {
@@ -24,7 +27,7 @@ Rectangle {
     function search(): void {
         if (root.inDetail) root.back();
         if (root.onMeetings) meetings.search();
-        else assistant.search();
+        else if (root.onAssistant) assistant.search();
     }
 
     color: Theme.bgWindow
@@ -32,6 +35,7 @@ Rectangle {
     Shortcut { sequence: "Ctrl+F"; onActivated: root.search() }
     Shortcut { sequence: "Ctrl+1"; onActivated: root.model.tab = MainModel.Meetings }
     Shortcut { sequence: "Ctrl+2"; onActivated: root.model.tab = MainModel.Assistant }
+    Shortcut { sequence: "Ctrl+3"; onActivated: root.model.tab = MainModel.Settings }
     Shortcut { sequence: "Alt+Left"; onActivated: root.back() }
 
     Sidebar {
@@ -87,8 +91,18 @@ Rectangle {
             height: parent.height
             model: root.model.assistant
             store: root.model.glossary
-            enabled: !root.onMeetings
+            enabled: root.onAssistant
             visible: enabled
         }
+        // qmllint disable unqualified
+        Loader {
+            width: parent.width
+            height: parent.height
+            active: root.onSettings || status === Loader.Ready
+            enabled: root.onSettings
+            visible: enabled
+            sourceComponent: SettingsView { model: root.model.settings }
+        }
+        // qmllint enable unqualified
     }
 }

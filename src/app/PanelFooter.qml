@@ -33,7 +33,6 @@ RowLayout {
     IconButton {
         symbol: "gearshape"
         help: L.t("settings.window.title")
-        enabled: root.panel.hasSettings
         onClicked: root.panel.settingsRequested()
     }
     IconButton {

@@ -32,7 +32,6 @@ class PanelModel final : public QObject {
     Q_PROPERTY(QString time READ time NOTIFY timeChanged FINAL) ///< of the running recording, as "24:31"
     Q_PROPERTY(QString spokenTime READ spokenTime NOTIFY timeChanged FINAL)
     Q_PROPERTY(bool hoverOrb READ hoverOrb WRITE setHoverOrb NOTIFY changed FINAL)
-    Q_PROPERTY(bool hasSettings READ hasSettings CONSTANT FINAL)
     Q_PROPERTY(QString version READ version CONSTANT FINAL)
 
 public:
@@ -59,7 +58,6 @@ public:
     [[nodiscard]] QString time() const;
     [[nodiscard]] QString spokenTime() const;
     [[nodiscard]] bool hoverOrb() const { return m_hoverOrb; }
-    [[nodiscard]] static bool hasSettings() { return false; }
     [[nodiscard]] static QString version();
 
     /// A panel has come on screen, or gone from it. While there is none, no clock runs.
@@ -69,6 +67,9 @@ public:
     void setFormat(const QString& format);
     void setAutoRecord(bool on);
     void setHoverOrb(bool over);
+
+    /// Looks which preferences have changed.
+    void readPreferences();
 
 signals:
     void changed();
@@ -86,7 +87,6 @@ signals:
 private:
     [[nodiscard]] qint64 elapsedSeconds() const;
     [[nodiscard]] QString text(const char* key) const;
-    void readPreferences();
     void runClock();
 
     const AppState& m_state;

@@ -16,7 +16,8 @@ Rectangle {
     required property RecordControl record
     readonly property var tabs: [
         { tab: MainModel.Meetings, symbol: "calendar", key: "tab.meetings" },
-        { tab: MainModel.Assistant, symbol: "brain", key: "tab.assistant" }
+        { tab: MainModel.Assistant, symbol: "brain", key: "tab.assistant" },
+        { tab: MainModel.Settings, symbol: "wrench.and.screwdriver", key: "tab.settings" }
     ]
 
     implicitWidth: Theme.sidebarWidth

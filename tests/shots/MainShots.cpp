@@ -85,6 +85,7 @@ struct MainShot {
     bool stored = true;    ///< and has an analysis
     QByteArray build = {}; ///< answer to a request for one; null: none is made
     bool exact = true;
+    bool settings = false;
     int height = 680;
 };
 
@@ -114,6 +115,7 @@ QList<MainShot> mainShots()
         {.name = u"assistant-dirty"_s, .assistant = true, .glossary = words, .dirty = true},
         {.name = u"assistant-sync-error"_s, .assistant = true, .glossary = words, .profileStatus = 500},
         {.name = u"assistant-empty"_s, .assistant = true},
+        {.name = u"settings-tab"_s, .settings = true},
         {.name = u"report"_s, .detail = true, .report = true},
         {.name = u"report-unrolled"_s, .detail = true, .report = true, .exact = false, .height = 2330},
         {.name = u"report-loading"_s, .detail = true, .report = true, .build = ""},
@@ -187,6 +189,7 @@ bool shoot(const MainShot& shot, const Frame& frame)
                      .processes = m.processes,
                      .language = m.language,
                      .scheduler = m.scheduler,
+                     .settings = m.settings,
                      .webOrigin = m.server.origin()}};
     AppWindow window{engine,
                      m.language,
@@ -216,6 +219,7 @@ bool shoot(const MainShot& shot, const Frame& frame)
             await([&] { return model.detail()->files()->outcome() != ProtocolFileMaker::Outcome::Working; });
     }
     if (shot.assistant) model.setTab(MainModel::Tab::Assistant);
+    if (shot.settings) model.setTab(MainModel::Tab::Settings);
     if (shot.dirty) model.assistant()->add(u"тау кит"_s, u"Tau Kit"_s);
     if (shot.teach) setInViews(window, "teaching", true);
     if (shot.report) {

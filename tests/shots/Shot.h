@@ -36,5 +36,6 @@ bool shootUpdates(const Frame& frame, const QString& only);
 bool shootSetups(const Frame& frame, const QString& only);
 bool shootMain(const Frame& frame, const QString& only);
 bool shootPermissions(const Frame& frame, const QString& only);
+bool shootSettings(const Frame& frame, const QString& only);
 
 } // namespace murmeli

@@ -60,8 +60,8 @@ int main(int argc, char* argv[])
                               .folder = QString::fromLocal8Bit(argv[1]) + u'/' + language +
                                         (dark ? u"-dark/"_s : u"-light/"_s)};
             QDir{}.mkpath(frame.folder);
-            for (const auto& shoot :
-                 {shootPanels, shootToasts, shootUpdates, shootSetups, shootPermissions, shootMain})
+            for (const auto& shoot : {shootPanels, shootToasts, shootUpdates, shootSetups, shootPermissions,
+                                      shootMain, shootSettings})
                 good = shoot(frame, only) && good;
         }
     }

@@ -11,6 +11,7 @@
 #include "permissions/PermissionsModel.h"
 #include "platform/SignInSession.h"
 #include "service/Prefs.h"
+#include "settings/SettingsModel.h"
 #include "setup/SetupRunner.h"
 #include "support/Desktop.h"
 #include "support/Server.h"
@@ -32,7 +33,15 @@ struct Program {
                    .script = paths.updateScript,
                    .current = QStringLiteral("0.8.0"),
                    .installation = installation},
-                  http, processes, scheduler, [this] { return state.status(); })
+                  http, processes, scheduler, [this] { return state.status(); }),
+          settings({.paths = paths,
+                    .prefs = prefs,
+                    .state = state,
+                    .account = account,
+                    .updater = updater,
+                    .language = language,
+                    .processes = processes,
+                    .loader = home.filePath(QStringLiteral("launchctl"))})
     {
         scheduler.advance(std::chrono::milliseconds{0});
     }
@@ -89,6 +98,7 @@ struct Program {
         *signInSession,
         scheduler};
     Updater updater;
+    SettingsModel settings;
 };
 
 } // namespace murmeli

@@ -113,6 +113,7 @@ public:
                                                                   .processes = m.processes,
                                                                   .language = m.language,
                                                                   .scheduler = m.scheduler,
+                                                                  .settings = m.settings,
                                                                   .webOrigin = m.server.origin()});
         emit libraryChanged();
         if (!QTest::qWaitFor([this] { return m_library->store()->loaded(); }))

@@ -3,6 +3,7 @@ pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 set(MURMELI_PLATFORM_SOURCES
     linux/Appearance.cpp
     linux/ClickOutside.cpp
+    linux/LoginItem.cpp
     linux/SessionBus.cpp linux/SessionBus.h
     linux/ShareMenu.cpp
     linux/SignInSession.cpp

@@ -1,6 +1,7 @@
 set(MURMELI_PLATFORM_SOURCES
     macos/Appearance.mm
     macos/ClickOutside.mm
+    macos/LoginItem.cpp
     macos/ShareMenu.mm
     macos/SignInSession.mm
     macos/StatusItem.cpp

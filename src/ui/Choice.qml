@@ -1,0 +1,112 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Murmeli.Ui
+
+// One of a few values, chosen from a list that opens over it.
+ComboBox {
+    id: root
+
+    required property var options // { value, text }
+    required property string current // a value
+    required property string name
+    property string description
+
+    signal chosen(string value)
+
+    implicitHeight: 30
+    implicitWidth: implicitContentWidth + 20 + Theme.symbolSmall + 8
+    leftPadding: 12
+    rightPadding: 8
+    topPadding: 0
+    bottomPadding: 0
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    wheelEnabled: false
+    model: options
+    textRole: "text"
+    valueRole: "value"
+    currentIndex: options.findIndex(option => option.value === current)
+    onActivated: index => root.chosen(options[index].value)
+
+    Accessible.role: Accessible.ComboBox
+    Accessible.name: name + ", " + displayText
+    Accessible.description: description
+    Accessible.onPressAction: popup.open()
+    Keys.onReturnPressed: if (!popup.visible) popup.open()
+
+    background: Rectangle {
+        radius: Theme.rField
+        color: root.pressed ? Theme.press : root.hovered ? Theme.fillHover : Theme.fill
+        FocusRing { shown: root.visualFocus; corner: parent.radius }
+    }
+    contentItem: Label {
+        verticalAlignment: Text.AlignVCenter
+        type: Theme.button
+        text: root.displayText
+        Accessible.ignored: true
+    }
+    indicator: Symbol {
+        x: root.width - width - 8
+        anchors.verticalCenter: parent.verticalCenter
+        size: Theme.symbolSmall
+        name: "chevron.up.chevron.down"
+        ink: Theme.text3
+    }
+    // qmllint disable unqualified
+    delegate: ItemDelegate {
+        id: line
+        required property var modelData
+        required property int index
+        readonly property bool marked: root.highlightedIndex === index
+        width: ListView.view.width
+        height: 30
+        padding: 0
+        Accessible.role: Accessible.ListItem
+        Accessible.name: modelData.text
+        Accessible.selected: root.currentIndex === index
+        background: Rectangle {
+            radius: 7
+            color: line.marked ? Theme.primaryFrom : Theme.clear
+        }
+        contentItem: Item {
+            Symbol {
+                x: 9
+                anchors.verticalCenter: parent.verticalCenter
+                visible: root.currentIndex === line.index
+                size: Theme.symbolSmall
+                name: "checkmark"
+                ink: line.marked ? Theme.white : Theme.text1
+            }
+            Label {
+                x: 30
+                anchors.verticalCenter: parent.verticalCenter
+                color: line.marked ? Theme.white : Theme.text1
+                text: line.modelData.text
+                Accessible.ignored: true
+            }
+        }
+    }
+    popup: Popup {
+        x: root.width - width
+        y: -6
+        width: Math.max(root.width, 170)
+        padding: 6
+        margins: Theme.gapRow
+        contentItem: ListView {
+            clip: true
+            implicitHeight: contentHeight
+            model: root.popup.visible ? root.delegateModel : null
+            currentIndex: root.highlightedIndex
+            highlightMoveDuration: 0
+        }
+        background: Rectangle {
+            radius: Theme.rCard
+            color: Theme.bgPop
+            border.width: Theme.hair
+            border.color: Theme.popEdge
+        }
+        enter: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.quick } }
+        exit: Transition { NumberAnimation { property: "opacity"; to: 0; duration: Theme.quick } }
+    }
+    // qmllint enable unqualified
+}
