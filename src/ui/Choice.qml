@@ -10,6 +10,7 @@ ComboBox {
     required property string current // a value
     required property string name
     property string description
+    property bool opening: false
 
     signal chosen(string value)
 
@@ -32,7 +33,20 @@ ComboBox {
     Accessible.name: name + ", " + displayText
     Accessible.description: description
     Accessible.onPressAction: popup.open()
-    Keys.onReturnPressed: if (!popup.visible) popup.open()
+    // Return opens the list; its release, which would choose and close, is then no answer to it.
+    Keys.onPressed: event => {
+        if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && !popup.visible) {
+            opening = true;
+            event.accepted = true;
+            popup.open();
+        }
+    }
+    Keys.onReleased: event => {
+        if (opening && (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)) {
+            opening = false;
+            event.accepted = true;
+        }
+    }
 
     background: Rectangle {
         radius: Theme.rField

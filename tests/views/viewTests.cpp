@@ -22,6 +22,7 @@ class Fixture : public QObject {
     Q_PROPERTY(QObject* panel READ panel CONSTANT)
     Q_PROPERTY(QObject* account READ account CONSTANT)
     Q_PROPERTY(QObject* updater READ updater CONSTANT)
+    Q_PROPERTY(QObject* settings READ settings CONSTANT)
     Q_PROPERTY(murmeli::MainModel* library READ library NOTIFY libraryChanged)
 
 public:
@@ -33,6 +34,7 @@ public:
     [[nodiscard]] QObject* panel() { return &m.panel; }
     [[nodiscard]] QObject* account() { return &m.account; }
     [[nodiscard]] QObject* updater() { return &m.updater; }
+    [[nodiscard]] QObject* settings() { return &m.settings; }
     [[nodiscard]] MainModel* library() { return m_library.get(); }
 
     /// Back to an idle service, empty preferences, no flag, no account, no release, nothing pending.
