@@ -1,5 +1,6 @@
 #include "Http.h"
 
+#include <QCoreApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkCookieJar>
 #include <QNetworkReply>
@@ -40,6 +41,8 @@ private:
     {
         if (m_answer.failure != HttpAnswer::Failure::None) return;
         m_answer.failure = failure;
+        if (failure == HttpAnswer::Failure::Timeout)
+            m_answer.errorText = QCoreApplication::translate("QAbstractSocket", "Socket operation timed out");
         m_answer.body.clear();
         m_reply->abort(); // emits finished()
     }
@@ -59,7 +62,8 @@ private:
                        m_answer.status < 400) {
                 m_answer.failure = HttpAnswer::Failure::Transport;
             }
-            if (m_answer.failure != HttpAnswer::Failure::None) m_answer.errorText = m_reply->errorString();
+            if (m_answer.failure == HttpAnswer::Failure::Transport)
+                m_answer.errorText = m_reply->errorString();
         }
         deleteLater();
         // Moved out first: the callback may delete the context, and this exchange with it.

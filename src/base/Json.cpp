@@ -85,8 +85,14 @@ QString decodedKey(const Member& member)
     return QJsonDocument::fromJson('[' + member.key + ']').array().first().toString();
 }
 
+constexpr qsizetype deepestIndent = 32; // columns; what lies deeper would be mostly white space
+
 void writePretty(QByteArray& out, const QByteArray& value, qsizetype indent)
 {
+    if (indent > deepestIndent) {
+        out += value;
+        return;
+    }
     const bool isObject = value.startsWith('{');
     const QList<Member> members = isObject || value.startsWith('[') ? membersOf(value) : QList<Member>{};
     if (members.isEmpty()) {

@@ -38,9 +38,9 @@ Item {
         height: said.height + 20
         radius: Theme.rSmall
         color: Theme.tintSoft(Theme.violet)
-        activeFocusOnTab: root.unfolded
+        readonly property bool stop: root.unfolded // of the keyboard
         Accessible.role: Accessible.Button
-        Accessible.name: text.text
+        Accessible.name: middle.text
         Accessible.description: root.more ? L.t("report.quote.more") : ""
         Accessible.focusable: true
         Accessible.onPressAction: root.toggle()
@@ -48,10 +48,16 @@ Item {
         Keys.onEnterPressed: root.toggle()
         Keys.onSpacePressed: root.toggle()
 
-        Rectangle {
+        Item { // follows the rounded corners
             width: 3
             height: parent.height
-            color: Theme.violet
+            clip: true
+            Rectangle {
+                width: 2 * radius
+                height: parent.height
+                radius: card.radius
+                color: Theme.violet
+            }
         }
         FocusRing { shown: card.activeFocus; corner: parent.radius }
         TapHandler { onTapped: root.toggle() }
@@ -63,14 +69,14 @@ Item {
             spacing: 3
             Label {
                 width: parent.width
-                visible: root.wide && text.length > 0
+                visible: root.wide && root.before.length > 0
                 type: Theme.quotation
                 color: Theme.text3
                 wrapMode: Text.Wrap
                 text: root.before
             }
             SelectableText {
-                id: text
+                id: middle
                 width: parent.width
                 type: Theme.quotation
                 text: root.shown[0] ?? ""
@@ -79,7 +85,7 @@ Item {
             }
             Label {
                 width: parent.width
-                visible: root.wide && text.length > 0
+                visible: root.wide && root.after.length > 0
                 type: Theme.quotation
                 color: Theme.text3
                 wrapMode: Text.Wrap

@@ -1,5 +1,6 @@
 #include "ReportListModel.h"
 
+#include "localisation/Language.h"
 #include "platform/Workspace.h"
 
 namespace murmeli {
@@ -20,6 +21,15 @@ int ReportListModel::neighbour(int row, int step) const
     return row;
 }
 
+int ReportListModel::stampedNeighbour(int row, int step) const
+{
+    for (int i = row < 0 && step < 0 ? int(m_rows.size()) - 1 : row + step; i >= 0 && i < m_rows.size();
+         i += step) {
+        if (!m_rows[i].firstStamp().isEmpty()) return i;
+    }
+    return -1;
+}
+
 int ReportListModel::direction(const QString& letter) const
 {
     if (letter == u"j" || letter == u"о") return 1;
@@ -29,7 +39,14 @@ int ReportListModel::direction(const QString& letter) const
 
 void ReportListModel::copy(int row) const
 {
-    if (row >= 0 && row < m_rows.size()) workspace::copyText(reportRows::text(m_rows[row], m_language));
+    if (row < 0 || row >= m_rows.size() || !m_rows[row].isItem()) return;
+    workspace::copyText(reportRows::text(m_rows[row], m_language.locale()));
+}
+
+QString ReportListModel::spoken(int row, const QString& language) const
+{
+    const bool known = row >= 0 && row < m_rows.size() && m_rows[row].isItem();
+    return known ? reportRows::spoken(m_rows[row], language) : QString{};
 }
 
 int ReportListModel::rowCount(const QModelIndex& parent) const

@@ -7,6 +7,8 @@
 
 namespace murmeli {
 
+class Language;
+
 /// The rows of a report. Main thread only.
 class ReportListModel final : public QAbstractListModel {
     Q_OBJECT
@@ -24,11 +26,17 @@ public:
     /// The next row after `row` in the direction of `step` (1, -1) that is an item; `row` when there is none.
     Q_INVOKABLE [[nodiscard]] int neighbour(int row, int step) const;
 
+    /// The next row with a moment to look at; -1 when there is none. From -1 it looks from either end.
+    Q_INVOKABLE [[nodiscard]] int stampedNeighbour(int row, int step) const;
+
     /// Which way a letter key steps: 1, -1, or 0 for none. Keys count by their place, whatever the layout.
     Q_INVOKABLE [[nodiscard]] int direction(const QString& letter) const;
 
-    /// Puts what the row says on the clipboard, with its stamps.
+    /// Puts what the item in a row says on the clipboard, with its stamps.
     Q_INVOKABLE void copy(int row) const;
+
+    /// What the item in a row says, as it is read out in `language`.
+    Q_INVOKABLE [[nodiscard]] QString spoken(int row, const QString& language) const;
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;

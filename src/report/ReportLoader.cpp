@@ -28,6 +28,7 @@ namespace {
 constexpr qint64 protocolLimit = 64 * 1024 * 1024; // bytes
 constexpr qint64 analysisLimit = 16 * 1024 * 1024; // bytes
 constexpr qsizetype quoteLength = 2000;            // characters
+constexpr qsizetype stampLength = 40;              // characters; a stamp has ten
 
 std::optional<QString> transcriptText(const Meeting& meeting, ProtocolFinder& protocols)
 {
@@ -52,25 +53,31 @@ void addAnalytics(MeetingReport& report, const Meeting& meeting)
     if (analytics.isObject()) report.applyAnalytics(analytics.toObject());
 }
 
-MeetingReport stored(const Meeting& meeting)
+ReportLoader::Analysis analysisOf(const QJsonObject& object, const Meeting& meeting)
 {
-    const auto analysis = objectIn(ReportLoader::storedFile(meeting), analysisLimit);
-    MeetingReport report = analysis ? MeetingReport::parse(*analysis) : MeetingReport{};
+    MeetingReport report = MeetingReport::parse(object);
     addAnalytics(report, meeting);
-    return report;
+    return {report, reportRows::of(report)};
 }
 
-/// The report in an answer, which is stored too; nothing when there is none.
-std::optional<MeetingReport> taken(const HttpAnswer& answer, const Meeting& meeting)
+ReportLoader::Analysis stored(const Meeting& meeting)
+{
+    return analysisOf(objectIn(ReportLoader::storedFile(meeting), analysisLimit).value_or(QJsonObject{}),
+                      meeting);
+}
+
+/// The analysis in an answer, which is stored too; nothing when there is none.
+std::optional<ReportLoader::Analysis> taken(const HttpAnswer& answer, const Meeting& meeting)
 {
     if (answer.failure != HttpAnswer::Failure::None || answer.status != 200) return std::nullopt;
     const auto analysis = json::object(answer.body);
     if (!analysis) return std::nullopt;
-    MeetingReport report = MeetingReport::parse(*analysis);
-    addAnalytics(report, meeting);
-    // What cannot be stored is shown all the same.
-    std::ignore = files::writeAtomic(ReportLoader::storedFile(meeting), json::pretty(answer.body));
-    return report;
+    // For people to read, unless it would then be too large for us. What cannot be stored is shown all the
+    // same.
+    const QByteArray pretty = json::pretty(answer.body);
+    std::ignore = files::writeAtomic(ReportLoader::storedFile(meeting),
+                                     pretty.size() <= analysisLimit ? pretty : answer.body);
+    return analysisOf(*analysis, meeting);
 }
 
 } // namespace
@@ -85,17 +92,17 @@ QString ReportLoader::storedFile(const Meeting& meeting)
     return QFileInfo{meeting.jsonPath}.path() + u'/' + meeting.id + u".report.json"_s;
 }
 
-void ReportLoader::show(const std::optional<MeetingReport>& report)
+void ReportLoader::show(const std::optional<Analysis>& analysis)
 {
-    m_report = report;
-    m_rows.setRows(report ? reportRows::of(*report) : QList<ReportRow>{});
+    m_report = analysis ? std::optional{analysis->report} : std::nullopt;
+    m_rows.setRows(analysis ? analysis->rows : QList<ReportRow>{});
 }
 
 void ReportLoader::load(const Meeting& meeting)
 {
     struct Content {
         Transcript lines;
-        MeetingReport report;
+        Analysis analysis;
     };
     const auto read = [meeting, protocols = m_ground.protocols] {
         return Content{Transcript{transcriptText(meeting, *protocols).value_or(QString{})}, stored(meeting)};
@@ -103,8 +110,9 @@ void ReportLoader::load(const Meeting& meeting)
     inBackground(this, read, [this, load = ++m_load](const Content& content) {
         if (load != m_load) return; // something newer is shown
         m_lines = content.lines;
-        const bool nothing = content.report.isEmpty() && content.report.speakers.isEmpty();
-        show(nothing ? std::nullopt : std::optional{content.report});
+        const MeetingReport& report = content.analysis.report;
+        const bool nothing = report.isEmpty() && report.speakers.isEmpty();
+        show(nothing ? std::nullopt : std::optional{content.analysis});
         m_asked = true;
         emit changed();
     });
@@ -151,28 +159,28 @@ void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const 
         {u"meeting_date"_s, captions::dateLine(meeting, today, m_ground.language.locale())},
         {u"duration_min"_s, meeting.durationMin.value_or(0)},
     };
-    m_ground.http.send(
-        {.method = "POST",
-         .url = QUrl{m_ground.webOrigin + u"/api/assist/report"_s},
-         .headers = {{"Content-Type", "application/json"}},
-         .body = QJsonDocument{body}.toJson(QJsonDocument::Compact),
-         .bearer = token.toUtf8(),
-         .timeout = 330s},
-        this, [this, meeting](const HttpAnswer& answer) {
-            const auto take = [answer, meeting] { return taken(answer, meeting); };
-            inBackground(this, take, [this, answer](const std::optional<MeetingReport>& report) {
-                if (!report) {
-                    fail(answer.errorText.isEmpty() ? m_ground.language.t(u"report.error.server"_s)
-                                                    : answer.errorText);
-                    return;
-                }
-                ++m_load;
-                m_busy = false;
-                m_loading = false;
-                show(report);
-                emit changed();
-            });
-        });
+    m_ground.http.send({.method = "POST",
+                        .url = QUrl{m_ground.webOrigin + u"/api/assist/report"_s},
+                        .headers = {{"Content-Type", "application/json"}},
+                        .body = QJsonDocument{body}.toJson(QJsonDocument::Compact),
+                        .bearer = token.toUtf8(),
+                        .timeout = 330s},
+                       this, [this, meeting](const HttpAnswer& answer) {
+                           const auto take = [answer, meeting] { return taken(answer, meeting); };
+                           inBackground(this, take, [this, answer](const std::optional<Analysis>& analysis) {
+                               if (!analysis) {
+                                   fail(answer.errorText.isEmpty()
+                                            ? m_ground.language.t(u"report.error.server"_s)
+                                            : answer.errorText);
+                                   return;
+                               }
+                               ++m_load;
+                               m_busy = false;
+                               m_loading = false;
+                               show(analysis);
+                               emit changed();
+                           });
+                       });
 }
 
 QStringList ReportLoader::quote(const QString& stamp) const
@@ -186,7 +194,8 @@ QStringList ReportLoader::quote(const QString& stamp) const
 QString ReportLoader::spoken(const QString& stamp, const QString& language) const
 {
     const auto seconds = Transcript::seconds(stamp);
-    return seconds && *seconds >= 0 ? Language::spokenDuration(language, double(*seconds)) : stamp;
+    return seconds && *seconds >= 0 ? Language::spokenDuration(language, double(*seconds))
+                                    : text::shortened(stamp, stampLength);
 }
 
 } // namespace murmeli

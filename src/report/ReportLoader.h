@@ -39,6 +39,10 @@ public:
         std::shared_ptr<ProtocolFinder> protocols;
         QString webOrigin;
     };
+    struct Analysis {
+        MeetingReport report;
+        QList<ReportRow> rows;
+    };
     static constexpr qsizetype shortestTranscript = 201; ///< characters; less says nothing
 
     explicit ReportLoader(Ground ground, QObject* parent = nullptr);
@@ -73,7 +77,7 @@ signals:
     void changed();
 
 private:
-    void show(const std::optional<MeetingReport>& report);
+    void show(const std::optional<Analysis>& analysis);
     void fail(const QString& error);
     void ask(const Meeting& meeting, const QString& transcript, const QString& token);
 

@@ -27,7 +27,34 @@ Item {
         if (row < 0) return;
         list.currentIndex = row;
         list.positionViewAtIndex(row, ListView.Contain);
-        list.currentItem.forceActiveFocus(Qt.TabFocusReason);
+        const item = list.currentItem;
+        item.take();
+    }
+    // To the next moment in reading order, which rows that are not there yet have too.
+    function walk(direction: int): void {
+        const here = list.activeFocus ? list.currentItem : null;
+        const stops = here?.stops() ?? [];
+        const at = stops.indexOf(root.Window.activeFocusItem);
+        const next = at >= 0 ? at + direction : direction > 0 ? 0 : -1;
+        if (next >= 0 && next < stops.length) {
+            list.show(stops[next]);
+            return;
+        }
+        const row = root.loader.rows.stampedNeighbour(here ? list.currentIndex : -1, direction);
+        if (row < 0) {
+            gate.nextItemInFocusChain(direction > 0).forceActiveFocus(direction > 0 ? Qt.TabFocusReason : Qt.BacktabFocusReason);
+            return;
+        }
+        list.positionViewAtIndex(row, ListView.Contain);
+        list.currentIndex = row;
+        const there = list.currentItem.stops();
+        list.show(there[direction > 0 ? 0 : there.length - 1]);
+    }
+
+    function walkFromWithin(direction: int): bool {
+        const within = list.activeFocus;
+        if (within) walk(direction);
+        return within;
     }
 
     Keys.onEscapePressed: {
@@ -36,9 +63,11 @@ Item {
     }
     Keys.onDownPressed: step(1)
     Keys.onUpPressed: step(-1)
+    Keys.onTabPressed: event => event.accepted = walkFromWithin(1)
+    Keys.onBacktabPressed: event => event.accepted = walkFromWithin(-1)
     Keys.onPressed: event => {
         const direction = root.loader.rows.direction(event.text);
-        if (event.matches(StandardKey.Copy)) root.loader.rows.copy(list.currentIndex);
+        if (event.matches(StandardKey.Copy) && list.activeFocus) root.loader.rows.copy(list.currentIndex);
         else if (direction !== 0) root.step(direction);
         else return;
         event.accepted = true;
@@ -111,8 +140,22 @@ Item {
             color: Theme.line
         }
     }
+    Control { // the keyboard comes this way to the moments, from either side
+        id: gate
+        focusPolicy: Qt.TabFocus
+        Accessible.ignored: true
+        onActiveFocusChanged: if (activeFocus) root.walk(focusReason === Qt.BacktabFocusReason ? -1 : 1)
+    }
+    Connections {
+        target: root.loader.rows
+        function onModelReset() {
+            root.openStamp = "";
+            list.currentIndex = -1;
+        }
+    }
     Column {
         anchors.centerIn: list
+        anchors.verticalCenterOffset: -30
         visible: root.loader.loading
         spacing: Theme.padCard
         Spinner {
@@ -125,17 +168,37 @@ Item {
             Accessible.role: Accessible.StatusBar
         }
     }
-    Label {
+    Column {
+        readonly property var lines: L.t("report.empty").split("\n")
         anchors.centerIn: list
+        anchors.verticalCenterOffset: -30
         visible: !root.loader.loading && root.loader.empty && root.loader.asked
-        horizontalAlignment: Text.AlignHCenter
-        type: Theme.body
-        color: Theme.text2
-        text: L.t("report.empty")
         Accessible.role: Accessible.StatusBar
+        Accessible.name: L.t("report.empty")
+        Label {
+            anchors.horizontalCenter: parent.horizontalCenter
+            type: Theme.row
+            text: parent.lines[0]
+            Accessible.ignored: true
+        }
+        Label {
+            anchors.horizontalCenter: parent.horizontalCenter
+            type: Theme.body
+            color: Theme.text2
+            text: parent.lines[1] ?? ""
+            Accessible.ignored: true
+        }
     }
     ListView {
         id: list
+
+        function show(item: Item): void {
+            const top = item.mapToItem(contentItem, 0, 0).y - 8;
+            const bottom = top + item.height + 16;
+            if (top < contentY) contentY = top;
+            else if (bottom > contentY + height) contentY = bottom - height;
+            item.forceActiveFocus(Qt.TabFocusReason);
+        }
 
         property real growth: visible && count > 0 ? 1 : 0 // of bars
 
@@ -164,11 +227,16 @@ Item {
 
             width: list.width
             height: view.implicitHeight
+            function stops(): var { return view.stops(); }
+            function take(): void { view.forceActiveFocus(Qt.TabFocusReason); }
+
             onActiveFocusChanged: {
                 if (!activeFocus) return;
+                const y = list.contentY; // whoever presses a text reads just there
                 list.currentIndex = index;
-                list.positionViewAtIndex(index, ListView.Contain);
+                list.contentY = y;
             }
+            HoverHandler { id: over }
             ReportRowView {
                 id: view
                 x: Theme.padMain
@@ -178,6 +246,8 @@ Item {
                 openStamp: root.openStamp
                 loader: root.loader
                 growth: list.growth
+                spoken: root.loader.rows.spoken(place.index, L.language)
+                pointed: over.hovered
                 onStampPressed: stamp => root.toggle(stamp)
                 onCopyAsked: root.loader.rows.copy(place.index)
             }

@@ -25,13 +25,6 @@ QString ReportRow::firstStamp() const
     return found == sides.end() ? QString{} : found->at;
 }
 
-QString ReportRow::spoken() const
-{
-    QStringList parts{title, lead, value, body, quote};
-    parts.removeAll(QString{});
-    return parts.join(u", "_s);
-}
-
 namespace reportRows {
 
 namespace {
@@ -39,7 +32,7 @@ namespace {
 /// As much of a count as a row can show.
 int shown(qint64 count) { return int(std::clamp<qint64>(count, 0, std::numeric_limits<int>::max())); }
 
-constexpr qsizetype chipLength = 40; // characters; a stamp has ten
+constexpr qsizetype mostInRow = 60; // of a kind; each is a control of its own, and all are made at once
 constexpr double longestSeconds = 1e12;
 
 QString shown(const QString& text) { return text::shortened(text); }
@@ -48,7 +41,7 @@ QString shown(const std::optional<QString>& text) { return text::shortened(text.
 QStringList shown(const QStringList& texts)
 {
     QStringList result;
-    for (const QString& text : texts)
+    for (const QString& text : texts.first(std::min(texts.size(), mostInRow)))
         result.append(shown(text));
     return result;
 }
@@ -57,7 +50,7 @@ QStringList stamps(const QStringList& at)
 {
     QStringList result;
     for (const QString& stamp : at) {
-        if (!stamp.isEmpty()) result.append(text::shortened(stamp, chipLength));
+        if (!stamp.isEmpty() && result.size() < mostInRow) result.append(stamp);
     }
     return result;
 }
@@ -100,6 +93,7 @@ ReportRow disagreementRow(const Disagreement& disagreement)
                   .title = shown(disagreement.topic),
                   .ending = shown(disagreement.outcome)};
     for (const Disagreement::Side& side : disagreement.sides) {
+        if (row.sides.size() == mostInRow) break;
         ReportSide shownSide;
         shownSide.who = shown(side.who);
         shownSide.position = shown(side.position);
@@ -127,6 +121,33 @@ QList<ReportRow> dynamics(const MeetingReport& report)
                      .count = int(rows.size()) - 1});
     }
     return rows;
+}
+
+/// The parts that are there.
+QString joined(const QStringList& parts, const QString& separator)
+{
+    QStringList present = parts;
+    present.removeAll(QString{});
+    return present.join(separator);
+}
+
+/// What a row says, without its own stamps.
+QStringList words(const ReportRow& row, const QString& language, bool stampsOfSides)
+{
+    QStringList lines{joined({row.title, row.lead, row.value}, u" · "_s), row.body, row.quote};
+    for (const ReportSide& side : row.sides)
+        lines.append(joined({joined({side.who, side.position}, u": "_s), stampsOfSides ? side.at : QString{}},
+                            u" "_s));
+    for (const QString& text : row.pros)
+        lines.append(u"+ "_s + text);
+    for (const QString& text : row.cons)
+        lines.append(u"− "_s + text);
+    if (!row.ending.isEmpty()) {
+        const bool commitment = row.kind == reportKind::Commitment;
+        lines.append(
+            Language::text(language, commitment ? u"report.dod"_s : u"report.outcome"_s, row.ending));
+    }
+    return lines;
 }
 
 } // namespace
@@ -200,28 +221,19 @@ QList<ReportRow> of(const MeetingReport& report)
     return rows.all();
 }
 
-QString text(const ReportRow& row, const Language& language)
+QString text(const ReportRow& row, const QString& language)
 {
-    const auto joined = [](const QStringList& parts, const QString& separator) {
-        QStringList present;
-        for (const QString& part : parts) {
-            if (!part.isEmpty()) present.append(part);
-        }
-        return present.join(separator);
-    };
-    QStringList lines{joined({row.title, row.lead, row.value}, u" · "_s), row.body};
-    if (!row.quote.isEmpty()) lines.append(row.quote);
-    for (const ReportSide& side : row.sides)
-        lines.append(joined({joined({side.who, side.position}, u": "_s), side.at}, u" "_s));
-    for (const QString& text : row.pros)
-        lines.append(u"+ "_s + text);
-    for (const QString& text : row.cons)
-        lines.append(u"− "_s + text);
-    if (!row.ending.isEmpty())
-        lines.append(language.t(row.kind == reportKind::Commitment ? u"report.dod"_s : u"report.outcome"_s,
-                                row.ending));
+    QStringList lines = words(row, language, true);
     lines.append(row.stamps.join(u' '));
     return joined(lines, u"\n"_s);
+}
+
+QString spoken(const ReportRow& row, const QString& language)
+{
+    QStringList lines = words(row, language, false);
+    if (row.kind == reportKind::Commitment)
+        lines.append(Language::text(language, row.firm ? u"report.firm"_s : u"report.soft"_s));
+    return text::shortened(joined(lines, u", "_s));
 }
 
 } // namespace reportRows

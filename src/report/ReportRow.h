@@ -7,7 +7,6 @@
 
 namespace murmeli {
 
-class Language;
 struct MeetingReport;
 
 namespace reportKind {
@@ -74,7 +73,6 @@ class ReportRow {
     Q_PROPERTY(int total MEMBER total FINAL)
     Q_PROPERTY(bool item READ isItem FINAL)
     Q_PROPERTY(QString firstStamp READ firstStamp FINAL)
-    Q_PROPERTY(QString spoken READ spoken FINAL)
 
 public:
     int kind = reportKind::Heading; ///< a reportKind; views compare numbers better than enumerators
@@ -105,7 +103,6 @@ public:
     /// Whether the claim stands on that moment, among others.
     Q_INVOKABLE [[nodiscard]] bool holds(const QString& stamp) const;
     [[nodiscard]] QString firstStamp() const; ///< also one of a side; empty when there is none
-    [[nodiscard]] QString spoken() const;     ///< what it says, as it is read out
 };
 
 namespace reportRows {
@@ -114,7 +111,10 @@ namespace reportRows {
 QList<ReportRow> of(const MeetingReport& report);
 
 /// What a row says, in lines, with its stamps at the end.
-QString text(const ReportRow& row, const Language& language);
+QString text(const ReportRow& row, const QString& language);
+
+/// What a row says as it is read out, without the stamps, which are controls of their own.
+QString spoken(const ReportRow& row, const QString& language);
 
 /// A running time as "12:34" or, from an hour on, "1:02:03"; "0:00" for what is no time.
 QString mmss(double seconds);

@@ -11,6 +11,8 @@ Item {
     required property string openStamp
     required property ReportLoader loader
     required property real growth // of bars, from 0 to 1
+    required property string spoken
+    required property bool pointed // at its line
     readonly property bool claim: row.item && row.kind !== ReportKind.Blocker
     readonly property bool onCard: row.kind !== ReportKind.Heading && row.kind !== ReportKind.Note
     readonly property int edge: row.kind === ReportKind.Blocker ? padCard : row.kind === ReportKind.Metric ? 6
@@ -24,13 +26,24 @@ Item {
 
     implicitHeight: content.y + content.implicitHeight + (row.last ? edge : 0)
     Accessible.role: Accessible.ListItem
-    Accessible.name: row.spoken
+    Accessible.name: spoken
     Accessible.focusable: row.item
     Accessible.ignored: !row.item
     Keys.onReturnPressed: event => event.accepted = firstStamp()
     Keys.onEnterPressed: event => event.accepted = firstStamp()
     Keys.onSpacePressed: event => event.accepted = firstStamp()
 
+    // What the keyboard reaches in this row, in reading order.
+    function stops(): var {
+        const found = [];
+        const ahead = [root];
+        while (ahead.length > 0) {
+            const item = ahead.pop();
+            if (item["stop"] === true) found.push(item);
+            else ahead.push(...Array.from(item.children).filter(child => child.visible).reverse());
+        }
+        return found;
+    }
     function firstStamp(): bool {
         if (!root.activeFocus || root.row.firstStamp.length === 0) return false;
         root.stampPressed(root.row.firstStamp);
@@ -123,13 +136,13 @@ Item {
     Loader { // quiet: there for who points at the row or steps to it
         id: copying
         x: root.width + 3
-        y: 8
-        active: root.row.item && (over.hovered || root.activeFocus)
+        y: Math.min(6, (root.height - 28) / 2)
+        active: root.row.item && (root.pointed || root.activeFocus)
         sourceComponent: IconButton {
             id: copyButton
             property bool done: false
             focusPolicy: Qt.NoFocus // by keyboard: the usual key for copying
-            side: 24
+            side: 28
             symbolSize: Theme.symbolSmall
             symbol: done ? "checkmark" : "doc.plaintext"
             help: L.t("report.copy")
@@ -145,6 +158,5 @@ Item {
         }
     }
     // qmllint enable unqualified
-    HoverHandler { id: over; margin: 32 }
     FocusRing { shown: root.row.item && root.activeFocus; corner: Theme.rSmall; gap: -4 }
 }

@@ -10,15 +10,22 @@ Button {
     required property string stamp
     required property bool open
     required property string spokenStamp
+    readonly property bool stop: visible // of the keyboard
 
     implicitHeight: 20
     leftPadding: 8
     rightPadding: 8
     topPadding: 0
     bottomPadding: 0
-    text: stamp
+    text: stamp.length > 40 ? stamp.substring(0, 40) + "…" : stamp
     hoverEnabled: true
-    focusPolicy: Qt.TabFocus
+    focusPolicy: Qt.NoFocus // the pane leads the keyboard from one to the next
+    containmentMask: QtObject { // larger than it looks
+        function contains(point: point): bool {
+            return point.x >= 0 && point.x < root.width && point.y >= -4 && point.y < root.height + 4;
+        }
+    }
+    Accessible.focusable: true
     Accessible.role: Accessible.Button
     Accessible.name: L.t("report.stamp.name", spokenStamp)
     Accessible.checkable: true
@@ -30,15 +37,14 @@ Button {
 
     background: Rectangle {
         radius: height / 2
-        color: root.open ? Theme.primaryFrom : root.pressed ? Theme.tintPressed(Theme.violet)
-            : root.hovered ? Theme.tintHover(Theme.violet) : Theme.tint(Theme.violet)
+        color: root.open || root.pressed ? Theme.fillViolet : root.hovered ? Theme.tintHover(Theme.violet) : Theme.tint(Theme.violet)
         Behavior on color { ColorAnimation { duration: Theme.quick } }
         FocusRing { shown: root.visualFocus; corner: parent.radius }
     }
     contentItem: Label {
         verticalAlignment: Text.AlignVCenter
         type: Theme.chip
-        color: root.open ? Theme.white : Theme.inkViolet
+        color: root.open || root.pressed ? Theme.white : Theme.inkViolet
         text: root.text
         Accessible.ignored: true
     }

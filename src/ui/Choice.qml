@@ -80,7 +80,7 @@ ComboBox {
         Accessible.selected: root.currentIndex === index
         background: Rectangle {
             radius: 7
-            color: line.marked ? Theme.primaryFrom : Theme.clear
+            color: line.marked ? Theme.fillViolet : Theme.clear
         }
         contentItem: Item {
             Symbol {

@@ -33,6 +33,7 @@ QtObject {
 
     // Fills under white text, from left to right.
     readonly property color primaryFrom: "#6F50F2"
+    readonly property color fillViolet: "#6B4BF0"
     readonly property color primaryTo: "#4468E6"
     readonly property color primaryHoverFrom: "#7A5CFB"
     readonly property color primaryHoverTo: "#4F75F0"

@@ -169,6 +169,9 @@ class Report(JourneyTest):
         session.tree.wait("heading", summary.title)
         return summary
 
+    def requests(self, session: Session) -> int:
+        return sum(request["path"] == REPORT for request in session.ask_web("/sandbox/requests"))
+
     def test_what_goes_wrong_leaves_what_is_there(self):
         session = self.open_library(seconds="0.1")
         summary = self.open_detail(session, analysed=True)
@@ -178,7 +181,10 @@ class Report(JourneyTest):
         for fault in ("status=500", "reset", "html", "array", "empty", "redirect=https://127.0.0.1:1/"):
             with self.case(fault):
                 session.ask_web("/sandbox/faults", {"path": REPORT, "fault": fault})
+                before_it = self.requests(session)
                 session.press("push button", AGAIN)
+                wait_for(lambda: self.requests(session) > before_it, "the request")
+                session.tree.wait_gone("status bar", WORKING)
                 session.tree.wait("alert message")
                 session.tree.wait("heading", CLAIMS)
                 self.assertEqual(stored(summary).read_bytes(), before)

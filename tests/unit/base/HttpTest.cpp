@@ -107,6 +107,9 @@ private slots:
         QTRY_VERIFY(m_answer);
         QTEST(m_answer->failure, "failure");
         QVERIFY(m_answer->body.size() <= 1'000'000);
+        const bool inThePlatformsWords = m_answer->failure == HttpAnswer::Failure::Transport ||
+                                         m_answer->failure == HttpAnswer::Failure::Timeout;
+        QCOMPARE(!m_answer->errorText.isEmpty(), inThePlatformsWords);
     }
 
     void anAnswerForNobodyIsDropped()

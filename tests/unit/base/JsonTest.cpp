@@ -125,6 +125,16 @@ private slots:
         QTEST(json::withValueAt(old, path, u"n"_s).value_or(QByteArray{}), "expected");
     }
 
+    void prettyStaysWithinReason()
+    {
+        QByteArray deep = "[1,2]";
+        for (int i = 0; i < 500; ++i)
+            deep = "{\"a\": " + deep + ", \"b\": \"" + QByteArray(100, 'x') + "\"}";
+        const QByteArray pretty = json::pretty(deep);
+        QVERIFY(pretty.size() < 2 * deep.size());
+        QCOMPARE(QJsonDocument::fromJson(pretty), QJsonDocument::fromJson(deep));
+    }
+
     void keysAndValuesAreEscaped()
     {
         const QByteArray bytes = json::withMember("{}", u"«\"\\»"_s, u"строка\n\"x\""_s);

@@ -147,4 +147,108 @@ TestCase {
         keyClick(Qt.Key_Escape);
         compare(closings, 1);
     }
+
+    function many(count) {
+        const insights = [];
+        for (let i = 1; i <= count; ++i)
+            insights.push({ title: `Пункт ${i}`, at: [`[01:${String(i).padStart(2, "0")}]`, `[02:${String(i).padStart(2, "0")}]`] });
+        return JSON.stringify({ insights });
+    }
+    function reached(key, count) {
+        const names = [];
+        for (let i = 0; i < count; ++i) {
+            keyClick(key);
+            const item = pane.Window.activeFocusItem;
+            names.push(item.stamp ?? item.text ?? item.Accessible.name);
+        }
+        return names;
+    }
+
+    function test_theKeyboardGoesFromStampToStampInReadingOrder() {
+        open(many(30));
+        const stamps = [];
+        for (let i = 1; i <= 30; ++i) stamps.push(...[1, 2].map(minute => `[0${minute}:${String(i).padStart(2, "0")}]`));
+        compare(named("Закрыть").activeFocus, false);
+        keyClick(Qt.Key_Tab);
+        verify(named("Закрыть").activeFocus);
+        compare(reached(Qt.Key_Tab, 60), stamps);
+        compare(reached(Qt.Key_Backtab, 60), [...stamps.slice(0, -1).reverse(), named("Закрыть").text]);
+        const list = all(item => item.positionViewAtIndex !== undefined)[0];
+        verify(list.contentY <= 0 || chip(stamps[0]) !== undefined);
+    }
+
+    function test_anItemSteppedToLeadsToItsOwnStamps() {
+        open(analysis);
+        keyClick("j");
+        keyClick("j");
+        compare(reached(Qt.Key_Tab, 2), ["[00:05]", "[00:07]"]);
+        keyClick(Qt.Key_Return);
+        tryVerify(() => quotations().length === 1);
+        compare(reached(Qt.Key_Tab, 2), ["Илья: два", "[00:09]"]);
+        compare(reached(Qt.Key_Backtab, 1), ["Илья: два"]);
+    }
+
+    function test_theCopyButtonIsTheRowsOwn_data() {
+        return [{ tag: "above", part: 0.15 }, { tag: "middle", part: 0.5 }, { tag: "below", part: 0.9 }];
+    }
+    function test_theCopyButtonIsTheRowsOwn(data) {
+        open(JSON.stringify({ blockers: ["раз", "два", "три"], insights: [{ title: "Один", at: ["[00:05]"] }, { title: "Два" }] }));
+        for (const text of ["раз", "два", "три", "Один", "Два"]) {
+            const row = all(item => item.Accessible.role === Accessible.ListItem && item.spoken === text)[0];
+            mouseMove(row, row.width - 40, row.height * data.part);
+            tryVerify(() => named("Скопировать") !== null, 1000, text);
+            const button = named("Скопировать");
+            mouseClick(button, button.width / 2, Math.min(button.height / 2, row.height / 2));
+            compare(fixture.clipboard().split("\n")[0], text);
+        }
+    }
+
+    function test_whatIsNoItemIsNotCopied() {
+        open(analysis);
+        keyClick("j");
+        keyClick(Qt.Key_C, Qt.ControlModifier);
+        compare(fixture.clipboard(), "Ждали доступа");
+        const note = all(item => item.text !== undefined && String(item.text).startsWith("Оценивается встреча"))[0];
+        mouseClick(note, 5, 25);
+        keyClick(Qt.Key_C, Qt.ControlModifier);
+        compare(fixture.clipboard(), "Ждали доступа");
+        pane.focusFirst();
+        keyClick(Qt.Key_C, Qt.ControlModifier);
+        compare(fixture.clipboard(), "Ждали доступа");
+    }
+
+    function test_aPressDoesNotMoveTheText() {
+        open(JSON.stringify({ insights: [{ title: "Один", detail: "слово ".repeat(1500), at: ["[00:05]"] }, { title: "Два" }] }));
+        const list = all(item => item.positionViewAtIndex !== undefined)[0];
+        list.contentY = 500;
+        mouseClick(list, 300, 300);
+        compare(list.contentY, 500);
+    }
+
+    function test_theFirstLineHasNothingBeforeIt() {
+        open(JSON.stringify({ insights: [{ title: "Один", at: ["[00:01]"] }] }));
+        mouseClick(chip("[00:01]"));
+        const quotation = () => all(item => item.unfolded === true)[0];
+        tryVerify(() => quotation() !== undefined);
+        tryCompare(quotation(), "extent", 1);
+        const height = quotation().implicitHeight;
+        mouseClick(quotation(), 200, 24);
+        tryVerify(() => named("Илья: два"));
+        tryVerify(() => quotation().implicitHeight - height === named("Илья: два").height + 3);
+    }
+
+    function test_aNewAnalysisBeginsFolded() {
+        open(analysis);
+        fixture.signIn();
+        keyClick("j");
+        mouseClick(chip("[00:05]"));
+        tryVerify(() => quotations().length === 1);
+        fixture.serviceAnswers(200, JSON.stringify({ insights: [{ title: "Новое", at: ["[00:09]"] }] }));
+        named("Разобрать заново").clicked();
+        tryVerify(() => named("Новое"));
+        compare(pane.openStamp, "");
+        pane.focusFirst();
+        keyClick(Qt.Key_Escape);
+        compare(closings, 1);
+    }
 }
