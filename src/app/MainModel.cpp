@@ -30,17 +30,28 @@ void MainModel::open(const QString& id)
                                                  m_ground.http, m_ground.processes, m_ground.language,
                                                  m_ground.scheduler, m_ground.webOrigin, m_background},
                       *meeting));
+    m_detail->setDraft(m_drafts.value(id));
     emit detailChanged();
-    if (old) old.release()->deleteLater(); // its view still reads it
+    leave(std::move(old));
+}
+
+void MainModel::leave(std::unique_ptr<MeetingDetailModel> detail)
+{
+    if (!detail) return;
+    if (detail->draft().isEmpty()) {
+        m_drafts.remove(detail->id());
+    } else {
+        m_drafts[detail->id()] = detail->draft();
+    }
+    detail.release()->deleteLater(); // its view still reads it
 }
 
 QString MainModel::back()
 {
     auto old = std::exchange(m_detail, nullptr);
     emit detailChanged();
-    if (!old) return {};
-    const QString id = old->id();
-    old.release()->deleteLater();
+    const QString id = old ? old->id() : QString{};
+    leave(std::move(old));
     return id;
 }
 

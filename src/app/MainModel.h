@@ -6,6 +6,7 @@
 #include "protocol/GlossaryStore.h"
 #include "settings/SettingsModel.h"
 
+#include <QHash>
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
@@ -62,6 +63,8 @@ signals:
     void detailChanged();
 
 private:
+    void leave(std::unique_ptr<MeetingDetailModel> detail);
+
     Ground m_ground;
     QObject m_background;
     MeetingStore m_store;
@@ -69,6 +72,7 @@ private:
     AssistantModel m_assistant;
     Tab m_tab = Tab::Meetings;
     std::unique_ptr<MeetingDetailModel> m_detail;
+    QHash<QString, QString> m_drafts; ///< remarks that were not sent, by the meeting
 };
 
 } // namespace murmeli

@@ -36,7 +36,7 @@ Rectangle {
     Shortcut { sequence: "Ctrl+1"; onActivated: root.model.tab = MainModel.Meetings }
     Shortcut { sequence: "Ctrl+2"; onActivated: root.model.tab = MainModel.Assistant }
     Shortcut { sequence: "Ctrl+3"; onActivated: root.model.tab = MainModel.Settings }
-    Shortcut { sequence: "Alt+Left"; onActivated: root.back() }
+    Shortcut { sequence: "Alt+Left"; onActivated: if (root.inDetail) (detail.item as MeetingDetail).back() }
 
     Sidebar {
         id: sidebar

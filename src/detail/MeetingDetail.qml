@@ -23,7 +23,17 @@ Item {
         root.analysing = true;
     }
 
-    Keys.onEscapePressed: root.closed()
+    // One step: from the analysis to the protocol, from there to the meetings.
+    function back(): void {
+        if (!root.analysing) {
+            root.closed();
+            return;
+        }
+        root.analysing = false;
+        header.focusAnalysis();
+    }
+
+    Keys.onEscapePressed: root.back()
 
     Connections {
         target: root.detail
@@ -138,10 +148,7 @@ Item {
             loader: root.detail.report
             meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine(L.language)
             onBuildAsked: root.detail.buildReport()
-            onClosed: {
-                root.analysing = false;
-                header.focusAnalysis();
-            }
+            onClosed: root.back()
         }
     }
     // qmllint enable unqualified

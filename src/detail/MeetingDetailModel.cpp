@@ -109,6 +109,11 @@ void MeetingDetailModel::take(const Content& content)
     }
 }
 
+void MeetingDetailModel::setDraft(const QString& draft)
+{
+    if (std::exchange(m_draft, draft) != draft) emit draftChanged();
+}
+
 void MeetingDetailModel::sendRemark(const QString& remark)
 {
     if (text::trimmed(remark).isEmpty() || m_editor.outcome() == ProtocolEditor::Outcome::Working) return;

@@ -26,6 +26,7 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(bool edited READ edited NOTIFY changed FINAL)
     Q_PROPERTY(bool loaded READ loaded NOTIFY changed FINAL)
     Q_PROPERTY(bool hasProtocol READ hasProtocol NOTIFY changed FINAL)
+    Q_PROPERTY(QString draft READ draft WRITE setDraft NOTIFY draftChanged FINAL) ///< of a remark
     Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
     Q_PROPERTY(murmeli::ReportLoader* report READ report CONSTANT FINAL)
@@ -56,6 +57,8 @@ public:
     [[nodiscard]] bool edited() const { return m_edited; }
     [[nodiscard]] bool loaded() const { return m_loaded; }
     [[nodiscard]] bool hasProtocol() const { return m_protocol.has_value(); }
+    [[nodiscard]] QString draft() const { return m_draft; }
+    void setDraft(const QString& draft);
     [[nodiscard]] SectionListModel* sections() { return &m_sections; }
     [[nodiscard]] ProtocolEditor* editor() { return &m_editor; }
     [[nodiscard]] ReportLoader* report() { return &m_report; }
@@ -85,6 +88,7 @@ public:
 
 signals:
     void changed();
+    void draftChanged();
     void remarkDone();       ///< the protocol was corrected
     void corrected(int row); ///< where, in the list of sections
 
@@ -105,6 +109,7 @@ private:
     ProtocolFileMaker m_files;
     ReportLoader m_report;
     std::optional<QString> m_protocol;
+    QString m_draft;
     bool m_edited = false;
     bool m_loaded = false;
     struct Correction {

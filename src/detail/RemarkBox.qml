@@ -50,7 +50,10 @@ Item {
                 id: teach
                 width: parent.width
                 detail: root.detail
-                onLearned: rule => root.learned = rule
+                onLearned: rule => {
+                    if (!root.working) root.editor.reset(); // the line tells what was done last
+                    root.learned = rule;
+                }
                 onClosed: {
                     root.teaching = false;
                     teachLink.forceActiveFocus(Qt.OtherFocusReason);
@@ -98,7 +101,11 @@ Item {
                     KeyNavigation.tab: button.visible && button.ready ? button : teachLink
                     Accessible.role: Accessible.EditableText
                     Accessible.name: L.t("detail.remark")
-                    onTextChanged: if (text.length > 0 && !root.working) root.editor.reset()
+                    Component.onCompleted: text = root.detail.draft
+                    onTextChanged: {
+                        root.detail.draft = text;
+                        if (text.length > 0 && !root.working) root.editor.reset();
+                    }
                     Keys.onReturnPressed: event => {
                         if (event.modifiers & Qt.ShiftModifier) event.accepted = false;
                         else root.send();

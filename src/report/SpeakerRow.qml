@@ -19,12 +19,12 @@ Item {
 
     Label {
         anchors.verticalCenter: parent.verticalCenter
-        width: 70
+        width: 140 // a first name and a family name
         text: root.row.title
         Accessible.ignored: true
     }
     ProgressLine {
-        anchors { left: parent.left; leftMargin: 78; right: time.left; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
+        anchors { left: parent.left; leftMargin: 148; right: time.left; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
         value: root.row.share * root.growth
         from: root.ink
         to: root.ink

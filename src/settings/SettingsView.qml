@@ -22,7 +22,7 @@ Rectangle {
         function show(item: Item): void {
             const top = item.mapToItem(column, 0, 0).y - 40;
             const bottom = top + item.height + 80;
-            if (top < contentY) contentY = Math.max(0, top);
+            if (top < contentY) contentY = top < 120 ? 0 : top; // with the title, if it is near
             else if (bottom > contentY + height) contentY = Math.min(contentHeight - height, bottom - height);
         }
 

@@ -33,6 +33,7 @@ CheckBox {
     Accessible.onPressAction: if (root.enabled) root.clicked()
     Accessible.onToggleAction: if (root.enabled) root.clicked()
     Keys.onReturnPressed: if (root.enabled) root.clicked()
+    Keys.onEnterPressed: if (root.enabled) root.clicked()
 
     background: Rectangle {
         radius: Theme.rCard

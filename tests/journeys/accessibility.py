@@ -14,6 +14,7 @@ ROOT = "/org/a11y/atspi/accessible/root"
 REGISTRY = "org.a11y.atspi.Registry"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 COMPONENT = "org.a11y.atspi.Component"
+ACTION = "org.a11y.atspi.Action"
 PATIENCE = 5000  # milliseconds
 STATES = {1: "active", 4: "checked", 7: "editable", 8: "enabled", 11: "focusable", 12: "focused", 24: "sensitive",
           25: "showing", 30: "visible"}
@@ -61,6 +62,15 @@ class Node:
         children = _call(self.bus, self.owner, self.path, ACCESSIBLE, "GetChildren")[0]
         return [_call(self.bus, owner, path, "org.freedesktop.DBus.Properties", "Get",
                       GLib.Variant("(ss)", (ACCESSIBLE, "Name")))[0] for owner, path in children]
+
+    def act(self, *names: str) -> None:
+        """Has it do the first of these that it can."""
+        offered = [name for name, _, _ in _call(self.bus, self.owner, self.path, ACTION, "GetActions")[0]]
+        for name in names:
+            if name in offered:
+                _call(self.bus, self.owner, self.path, ACTION, "DoAction", GLib.Variant("(i)", (offered.index(name),)))
+                return
+        raise AssertionError(f"{self} does none of {names}, but {offered}")
 
     def _property(self, name: str):
         return _call(self.bus, self.owner, self.path, "org.freedesktop.DBus.Properties", "Get",

@@ -111,7 +111,7 @@ class Keyboard(JourneyTest):
         session.look_away()
         session.open_panel()
         expected = ["Начать запись", "Формат протокола", AUTO_RECORD, "Подключить", "Войти в Murmeli", "Протоколы",
-                    "Открыть окно", "Выйти из Murmeli (снова открыть — через меню приложений)", "Начать запись"]
+                    "Открыть окно", "Настройки", "Выйти из Murmeli (снова открыть — через меню приложений)", "Начать запись"]
         for name in expected:
             wait_for(lambda: session.tree.focus_is_on(name), f"the focus on «{name}»", 3)
             session.screen.key("Tab")

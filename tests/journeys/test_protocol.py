@@ -21,6 +21,7 @@ REMARK, SEND = "Замечание к протоколу", "Отправить �
 WORKING = "Ищу пункт и правлю протокол…"
 NOT_FOUND = "Не нашёл пункт, о котором речь — уточните формулировку"
 NO_SERVER = "Сервер не ответил — попробуйте ещё раз"
+HINT = "Напишите замечание своими словами — найду нужный пункт и исправлю его"
 NO_ACCOUNT = "Войдите в аккаунт, чтобы править протокол"
 NOT_SAVED = "Не удалось сохранить правку"
 EDITED = "Протокол исправлен"
@@ -157,6 +158,24 @@ class Correcting(ProtocolTest):
         session.ask_web("/sandbox/faults", {})
         session.press("push button", SEND)  # what was written is still there
         session.tree.wait("list item", old.replace(word, "переправа"))
+
+    def test_a_remark_that_was_not_sent_is_still_there(self):
+        session = self.open_library(account=False)
+        first, second = [one for one in summaries(session) if one.members.get("language") == "ru"][:2]
+        open_window(session)
+        open_meeting(session, first.title)
+        fill(session, REMARK, "срок — пятн")
+        session.screen.key("Escape")
+        wait_list(session)
+        open_meeting(session, second.title)
+        session.press("push button", SEND)
+        stays(lambda: session.tree.find("status bar", HINT), "the hint: there is nothing to send", 0.5)
+        session.screen.key("alt+Left")
+        wait_list(session)
+        open_meeting(session, first.title)
+        session.tree.wait("status bar", HINT)
+        session.press("push button", SEND)
+        session.tree.wait("alert message", NO_ACCOUNT)
 
     def test_signed_out(self):
         session = self.open_library(account=False)

@@ -1,0 +1,248 @@
+"""A first day with Murmeli, from nothing installed to leaving: by mouse, by keyboard, through assistive programs."""
+
+from __future__ import annotations
+
+import json
+import re
+from functools import cache
+
+from main_window import ANNA, clipboard, glossary, paste, summaries, write_library
+from session import REPOSITORY, JourneyTest, Session
+from test_sign_in import address_of, wait_signed_in
+from test_updates import install_updater, publish, runs
+from waiting import wait_for
+
+WEB = ["--pace", "0.1", "--assist-seconds", "0.1", "--engine-arguments=--poll-seconds 0.05 --processing-seconds 0.5"]
+COPY = 3  # the entry of the share menu
+
+
+@cache
+def texts(language: str) -> dict[str, str]:
+    """What the interface says, by its keys."""
+    table = REPOSITORY / f"src/localisation/Texts{dict(ru='Russian', en='English')[language]}.cpp"
+    pairs = re.findall(r'\{"([a-z_.]+)",\s*((?:u"(?:[^"\\]|\\.)*"\s*)+)\}', table.read_text("utf-8"))
+    return {key: "".join(re.findall(r'u"((?:[^"\\]|\\.)*)"', text)).replace("\\n", "\n") for key, text in pairs}
+
+
+class Mouse:
+    def __init__(self, session: Session):
+        self.session = session
+
+    def press(self, role: str | None, name) -> None:
+        self.session.press(role, name)
+
+    def write(self, field: str, text: str) -> None:
+        self.press("text", field)
+        wait_for(lambda: self.session.tree.focus_is_on(field), f"«{field}» to have the focus")
+        paste(self.session, text)
+
+    def open_row(self, name) -> None:
+        self.press("list item", name)
+
+    def scroll_to(self, name: str) -> None:
+        for _ in range(20):
+            if self.session.tree.find(None, name):
+                return
+            self.session.screen.click(*self.session.tree.find("frame").extents.middle, button=5)
+        raise AssertionError(f"«{name}» is not where one can scroll to")
+
+    def pick(self, entry: int, before) -> None:
+        """From the menu that has just come up."""
+        menu = wait_for(lambda: [one for one in self.session.screen.windows() if one not in before], "the menu", 20)[0]
+        self.session.screen.click(menu.middle[0], menu.y + menu.height * (2 * entry + 1) // 8)
+        self.session.look_away()
+
+
+class Keyboard(Mouse):
+    def reach(self, name) -> None:
+        fits = name if callable(name) else lambda found: found == name
+        for _ in range(80):
+            was = self.session.tree.focused()
+            if was and fits(was.name):
+                return
+            self.session.screen.key("Tab")
+            wait_for(lambda: (now := self.session.tree.focused()) and now.path != (was and was.path), "the focus to move")
+        raise AssertionError(f"the keyboard does not reach «{name}», but {self.session.tree.focused()}")
+
+    def press(self, role: str | None, name) -> None:
+        self.session.tree.wait(role, name)
+        self.reach(name)
+        self.session.screen.key("Return")
+
+    def scroll_to(self, name: str) -> None:
+        self.reach(name)
+
+    def write(self, field: str, text: str) -> None:
+        self.session.tree.wait("text", field)
+        self.reach(field)
+        paste(self.session, text)
+
+    def open_row(self, name) -> None:
+        self.session.tree.wait("list item", name)
+        self.session.screen.key("ctrl+f", "Down", "Return")
+
+    def pick(self, entry: int, before) -> None:
+        wait_for(lambda: [one for one in self.session.screen.windows() if one not in before], "the menu", 20)
+        self.session.screen.key(*["Down"] * (entry + 1), "Return")
+
+
+class Assistive(Keyboard):
+    """What a screen reader does: it tells controls to act, and the person types."""
+
+    def press(self, role: str | None, name) -> None:
+        self.session.tree.wait(role, name).act("Press", "Toggle")
+
+    def open_row(self, name) -> None:
+        self.press("list item", name)
+
+    def scroll_to(self, name: str) -> None:
+        next(node for node in self.session.tree.nodes() if node.name == name).act("SetFocus")
+
+    def write(self, field: str, text: str) -> None:
+        self.session.tree.wait("text", field).act("SetFocus")
+        wait_for(lambda: self.session.tree.focus_is_on(field), f"«{field}» to have the focus")
+        paste(self.session, text)
+
+
+class FirstDay(JourneyTest):
+    def test_by_mouse_in_russian(self):
+        self.live("ru", Mouse)
+
+    def test_by_keyboard_in_english(self):
+        self.live("en", Keyboard)
+
+    def test_through_the_accessibility_tree_in_russian(self):
+        self.live("ru", Assistive)
+
+    def live(self, language: str, hands) -> None:
+        self.session = self.open_session(notes=False, program=False, language=language, keyring=True, web=WEB)
+        self.hands = hands(self.session)
+        self.texts = texts(language)
+        self.language = language
+        write_library(self.session)
+        self.known = {summary.path for summary in summaries(self.session)}
+        self.session.start_program()
+        for chapter in (self.install, self.sign_in, self.record, self.read_and_correct, self.pass_on, self.analyse,
+                        self.teach, self.set, self.update, self.leave):
+            chapter()
+
+    def t(self, key: str, argument="") -> str:
+        return self.texts[key].replace("%@", argument)
+
+    def press(self, key: str, argument="", role: str | None = "push button") -> None:
+        self.hands.press(role, self.t(key, argument))
+
+    def wait(self, key: str, argument="", role: str | None = None, seconds=5):
+        return self.session.tree.wait(role, self.t(key, argument), seconds)
+
+    def install(self) -> None:
+        self.wait("setup.action.start_anyway", role="push button", seconds=30)
+        for kind in ("microphone", "screen"):
+            self.press("perm.allow.name", self.t(f"perm.{kind}.title"))
+            self.session.tree.wait_gone("push button", self.t("perm.allow.name", self.t(f"perm.{kind}.title")))
+        self.press("setup.action.start")
+        self.session.wait_open()
+        self.wait("panel.title.idle")
+
+    def sign_in(self) -> None:
+        self.press("panel.sign_in")
+        self.wait("account.paste.name", role="text")
+        self.assertEqual(self.session.run_program(address_of(self.session)).returncode, 0)
+        self.wait("panel.account")
+        wait_signed_in(self.session)
+
+    def record(self) -> None:
+        self.press("panel.orb.name.record")
+        wait_for(lambda: self.session.status() == "recording", "the service to record")
+        self.press("panel.orb.name.stop")
+        added = wait_for(lambda: [one for one in summaries(self.session) if one.path not in self.known], "the meeting", 30)
+        self.meeting = added[0]
+        wait_for(lambda: self.session.status() == "idle", "the service to be idle")
+        self.wait("panel.title.idle")
+        self.session.tree.wait_gone("alert message", seconds=20)  # banners move what is below them
+
+    def read_and_correct(self) -> None:
+        self.press("panel.open_app")
+        self.session.wait_closed()
+        self.session.tree.wait("frame", self.t("meetings.title"))
+        self.hands.open_row(lambda name: name.startswith(f"{self.meeting.title}, "))
+        self.session.tree.wait("heading", self.meeting.title)
+        old = next(text for text in self.meeting.members["decisions"])
+        self.session.tree.wait("list item", old)
+        word = re.findall(r"\w{5,}", old)[0]
+        new = old.replace(word, "Рассвет", 1)
+        wish = f"в первом решении замени {word} на Рассвет"
+        self.hands.write(self.t("detail.remark"), wish)
+        self.press("detail.send")
+        self.wait("editor.done", new, "status bar")
+        stored = json.loads(self.meeting.path.read_text("utf-8"))
+        self.assertEqual(stored["decisions"][0], new)
+
+    def pass_on(self) -> None:
+        target = self.session.home / "Итог.pdf"
+        self.press("file.save")
+        self.wait("file.dialog", role="dialog")
+        wait_for(lambda: (node := self.session.tree.focused()) and node.role == "text", "the name to have the focus")
+        paste(self.session, str(target))
+        self.session.screen.key("Return")
+        self.wait("file.saved", target.name, "status bar", 30)
+        self.assertTrue(target.read_bytes().startswith(b"%PDF-"))
+        before = self.session.screen.windows()
+        self.press("file.share")
+        self.hands.pick(COPY, before)
+        wait_for(lambda: clipboard(self.session, "text/uri-list").split() == [target.as_uri()], "the copied file")
+
+    def analyse(self) -> None:
+        self.press("report.open")
+        self.hands.press("push button", lambda name: name in (self.t("report.build"), self.t("report.rebuild")))
+        self.wait("report.insights", role="heading", seconds=20)
+        chip = self.t("report.stamp.name")
+        self.hands.press(None, lambda name: name.startswith(chip))
+        quotation = self.session.tree.wait("push button", lambda name: re.match(r"\w+( \w+)?: ", name))
+        self.assertIn(quotation.name.partition(": ")[2], self.meeting.protocol.read_text("utf-8"))
+        self.session.screen.key("Escape", "Escape")
+        self.session.tree.wait("heading", self.meeting.title)
+
+    def teach(self) -> None:
+        self.press("editor.teach")
+        self.hands.write(self.t("assistant.placeholder.heard"), "маркел")
+        self.hands.write(self.t("assistant.placeholder.correct"), "Murmeli")
+        self.press("assistant.add.name")
+        self.wait("detail.learned", "маркел → Murmeli", "status bar")
+        wait_for(lambda: "маркел → Murmeli" in (glossary(self.session, ANNA) or ""), "the word on the backend")
+        self.session.screen.key("Escape", "Escape")
+        self.session.screen.key("ctrl+2")
+        self.session.tree.wait("list item", lambda name: name.startswith("маркел ") and name.endswith(" Murmeli"))
+
+    def set(self) -> None:
+        self.session.screen.key("ctrl+3")
+        self.wait("settings.title", role="heading")
+        self.press("notifications.title", role="check box")
+        stored = lambda: json.loads(self.session.prefs_file.read_text("utf-8"))
+        wait_for(lambda: stored().get("notifications") is False, "the setting")
+        self.hands.press("combo box", f"{self.t('locale.title')}, {self.t('locale.' + self.language)}")
+        other = dict(ru="en", en="ru")[self.language]
+        self.session.tree.wait("list item", self.t(f"locale.{other}"))
+        self.session.screen.key(*(["Down"] if other == "en" else ["Up"]), "Return")
+        wait_for(lambda: stored().get("locale") == other, "the language")
+        self.texts = texts(other)
+        self.wait("settings.title", role="heading")
+        self.wait("notifications.title", role="check box")
+
+    def update(self) -> None:
+        install_updater(self.session)
+        publish(self.session, version="9.0.0")
+        check = f"{self.t('check_update.action')}: {self.t('version.title')}"
+        self.hands.scroll_to(check)
+        self.hands.press("push button", check)
+        wait_for(lambda: runs(self.session) == 1, "the updater to run")
+
+    def leave(self) -> None:
+        self.session.open_panel()  # the tray is the desktop's: how it is reached is not ours to say
+        self.press("panel.sign_out")
+        self.wait("panel.sign_in", role="push button")
+        started = {pid for pid, line in self.session.processes_in_home().items() if "murmeli" in line.split()[0]}
+        self.press("panel.quit.help.linux")
+        self.assertEqual(self.session.program.wait(5), 0)
+        wait_for(lambda: not started & self.session.processes_in_home().keys(), "every process to end")
+        self.assertTrue(self.meeting.path.exists())
