@@ -89,17 +89,21 @@ struct MainShot {
     int height = 680;
 };
 
-QList<MainShot> mainShots()
+QList<MainShot> mainShots(bool inRussian)
 {
     const QString words =
-        u"мурмели → Murmeli\nКвен → Qwen\nсеверный ветер → «Северный ветер»\nMurmeli\nпостгрест → PostgREST\nэн эс кью → NSQ\nЛаптева\nкубер → Kubernetes\nOKR"_s;
+        inRussian
+            ? u"мурмели → Murmeli\nКвен → Qwen\nсеверный ветер → «Северный ветер»\nMurmeli\nпостгрест → PostgREST\nэн эс кью → NSQ\nЛаптева\nкубер → Kubernetes\nOKR"_s
+            : u"murmly → Murmeli\ncue when → Qwen\nnorth wind → North Wind\nMurmeli\npost grest → PostgREST\nan ess queue → NSQ\nLapteva\ncuber netties → Kubernetes\nOKR"_s;
     const QByteArray fixed =
-        R"({"found":true,"section":"action_items","index":0,"text":"Анна — подготовить тексты экрана установки до среды."})";
+        inRussian
+            ? R"({"found":true,"section":"action_items","index":0,"text":"Анна — подготовить тексты экрана установки до среды."})"
+            : R"({"found":true,"section":"action_items","index":0,"text":"Anna: setup screen copy by Wednesday."})";
     return {
         {.name = u"main-meetings"_s},
-        {.name = u"main-search"_s, .query = u"релиз"_s, .recording = true},
+        {.name = u"main-search"_s, .query = inRussian ? u"релиз"_s : u"release"_s, .recording = true},
         {.name = u"main-empty"_s, .meetings = false},
-        {.name = u"main-nothing-found"_s, .query = u"отпуск"_s},
+        {.name = u"main-nothing-found"_s, .query = inRussian ? u"отпуск"_s : u"holiday"_s},
         {.name = u"detail"_s, .detail = true},
         {.name = u"detail-no-protocol"_s, .detail = true, .protocol = false},
         {.name = u"detail-fixed-teach"_s,
@@ -220,7 +224,8 @@ bool shoot(const MainShot& shot, const Frame& frame)
     }
     if (shot.assistant) model.setTab(MainModel::Tab::Assistant);
     if (shot.settings) model.setTab(MainModel::Tab::Settings);
-    if (shot.dirty) model.assistant()->add(u"тау кит"_s, u"Tau Kit"_s);
+    if (shot.dirty)
+        model.assistant()->add(frame.language == "ru"_L1 ? u"тау кит"_s : u"tow kit"_s, u"Tau Kit"_s);
     if (shot.teach) setInViews(window, "teaching", true);
     if (shot.report) {
         model.detail()->openReport();
@@ -239,7 +244,7 @@ bool shoot(const MainShot& shot, const Frame& frame)
 bool shootMain(const Frame& frame, const QString& only)
 {
     bool good = true;
-    for (const MainShot& shot : mainShots()) {
+    for (const MainShot& shot : mainShots(frame.language == "ru"_L1)) {
         if (shot.name.contains(only)) good = shoot(shot, frame) && good;
     }
     return good;

@@ -15,8 +15,10 @@ const Installation diskImage{.bundlePath = u"/Volumes/Murmeli/Murmeli.app"_s, .f
 const Installation package{.bundlePath = u"/usr/bin/murmeli"_s, .packageManaged = true};
 const Installation own{.bundlePath = u"/opt/murmeli/bin/murmeli"_s};
 
-const QByteArray release =
+const QByteArray russianRelease =
     R"({"version":"0.9.0","released":"28 ноября 2026","notes":"Разбор встречи показывает покрытие повестки и числа, которые прозвучали.\nЗамечание к протоколу правит нужный пункт сразу, без повторной расшифровки.\nСловарь помощника принимает правила: как слышится и как пишется.\nЗапись больше не прерывается, когда компьютер меняет аудиоустройство.\nИсправлено: после сна таймер записи показывал неверное время."})";
+const QByteArray englishRelease =
+    R"({"version":"0.9.0","released":"28 November 2026","notes":"The analysis of a meeting shows how much of the agenda was covered, and the numbers that were named.\nA remark on a protocol corrects the right item at once, without transcribing again.\nThe assistant’s glossary takes rules: how a word is heard, and how it is written.\nA recording no longer breaks off when the computer changes its audio device.\nFixed: after sleep the recording’s timer showed the wrong time."})";
 
 /// A recorder that gives `answer`, after `wait` has gone when that is not empty.
 void installRecorder(const Program& m, const QByteArray& answer, const QByteArray& wait = {})
@@ -44,6 +46,7 @@ bool shootUpdates(const Frame& frame, const QString& only)
         QList<QByteArray> answers; ///< of the checks, one after the other; empty: none comes
         Phase phase;
     };
+    const QByteArray& release = frame.language == "ru"_L1 ? russianRelease : englishRelease;
     const QList<Shot> shots = {
         {.name = u"checking"_s, .answers = {""}, .phase = Phase::Checking},
         {.name = u"available"_s, .answers = {release}, .phase = Phase::Available},
