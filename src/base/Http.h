@@ -29,7 +29,8 @@ struct HttpAnswer {
     Failure failure = Failure::None;
     int status = 0; ///< 0 when no answer came
     QByteArray body;
-    QString errorText; ///< of a transport failure or time-out, in the platform's own words; no header or token
+    QString
+        errorText; ///< of a transport failure or time-out, in the platform's own words; no header or token
 
     [[nodiscard]] bool ok() const { return failure == Failure::None && status >= 200 && status < 300; }
 };
