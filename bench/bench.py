@@ -11,7 +11,10 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[1]
 sys.path.insert(0, str(ROOT / "tests" / "journeys"))
 
+from main_window import SEARCH, fill, open_meeting, sign_in, summaries, write_library  # noqa: E402
 from session import Session  # noqa: E402
+from test_report import analysis_of  # noqa: E402
+from test_updates import start_with_a_check  # noqa: E402
 
 BIN = ROOT / "build" / "dev" / "bin"
 ROUNDS = int(os.environ.get("ROUNDS", "7"))
@@ -110,6 +113,35 @@ def wake_ups(pid):
     return int(status.split("voluntary_ctxt_switches:")[1].split()[0])
 
 
+def with_every_window():
+    """Resident memory, MB, once everything that has a window has shown it."""
+    with Session(program=False, web=["--release", "9.0.0"], prefs={"notifications": False},
+                 state={"status": "recording", "since": time.time() - 60}) as session:
+        write_library(session)
+        sign_in(session)
+        start_with_a_check(session)  # the setup, and then the panel
+        session.press("push button", "Обновить")
+        session.tree.wait("status bar", "Доступно обновление")
+        session.open_panel()
+        session.press("push button", "Открыть окно")
+        session.tree.wait("frame", "Встречи")
+        meeting = next(one for one in summaries(session) if one.members.get("language") == "ru" and analysis_of(one))
+        fill(session, SEARCH, meeting.title)
+        open_meeting(session, meeting.title)
+        session.press("push button", "Разбор встречи")
+        session.tree.wait("heading", "ГЛАВНОЕ — ЧТО ЛЕГКО ПРОПУСТИТЬ")
+        session.screen.key("ctrl+2")
+        session.tree.wait("heading", "Помощник")
+        session.screen.key("ctrl+3")
+        session.tree.wait("heading", "Настройки")
+        session.press_icon()
+        session.tree.wait("push button", "Настройки")
+        session.press("push button", "Настройки")
+        session.tree.wait("frame", "Настройки")
+        time.sleep(2.5)
+        return memory(session.program.pid)[0]
+
+
 def median(values):
     return statistics.median(values)
 
@@ -153,6 +185,9 @@ def main():
                                           ("proportional memory", "MB", "pss", 1, None)):
         one, other = median(ours[key]) * scale, median(theirs[key]) * scale
         print(f"{name + ', ' + unit:36} {one:8.1f} {other:9.1f} {one / other:7.2f}   {bound or ''}")
+    everything = with_every_window()
+    print(f"{'every window shown once, MB':36} {everything:8.1f} {median(theirs['rss']):9.1f} "
+          f"{everything / median(theirs['rss']):7.2f}   2")
     pairs = [a / b for a, b in zip(ours["start"], theirs["start"])]
     print(f"{'start, ratio pair by pair':36} {'':18} {median(pairs):7.2f}   from {min(pairs):.2f} to {max(pairs):.2f}")
     print(f"click to panel on screen, ms         {median(opening) * 1000:8.1f}")

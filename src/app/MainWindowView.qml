@@ -98,7 +98,7 @@ Rectangle {
         Loader {
             width: parent.width
             height: parent.height
-            active: root.onSettings || status === Loader.Ready
+            active: root.onSettings
             enabled: root.onSettings
             visible: enabled
             sourceComponent: SettingsView { model: root.model.settings }

@@ -28,6 +28,10 @@ void SettingsWindowController::show()
                 .titleStays = true,
                 .size = {560, 640},
                 .escapeCloses = true});
+        // Closed, it needs no memory; it has nothing of its own to keep.
+        QObject::connect(m_window.get(), &QWindow::visibleChanged, m_window.get(), [this](bool visible) {
+            if (!visible && m_window) m_window.release()->deleteLater();
+        });
     }
     m_window->present();
 }

@@ -12,7 +12,7 @@ class AppWindow;
 class Language;
 class SettingsModel;
 
-/// Opens the settings in a window of their own, which is made with the first look at it. Main thread only.
+/// Opens the settings in a window of their own, which is there until it is closed. Main thread only.
 class SettingsWindowController final {
 public:
     SettingsWindowController(QQmlEngine& engine, const Language& language, SettingsModel& model);

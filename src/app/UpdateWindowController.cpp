@@ -28,6 +28,10 @@ void UpdateWindowController::show()
                             .size = {520, 560},
                             .resizable = false,
                             .escapeCloses = true});
+        // Closed, it needs no memory; it has nothing of its own to keep.
+        QObject::connect(m_window.get(), &QWindow::visibleChanged, m_window.get(), [this](bool visible) {
+            if (!visible && m_window) m_window.release()->deleteLater();
+        });
         if (QQuickItem* view = m_window->rootObject()) {
             QObject::connect(view, SIGNAL(closed()), m_window.get(), SLOT(close()));
         }

@@ -12,7 +12,7 @@ class AppWindow;
 class Language;
 class Updater;
 
-/// Opens the update window, which is made with the first look at it. Main thread only.
+/// Opens the update window, which is there until it is closed. Main thread only.
 class UpdateWindowController final {
 public:
     UpdateWindowController(QQmlEngine& engine, const Language& language, Updater& updater);

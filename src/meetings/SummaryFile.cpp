@@ -46,9 +46,14 @@ Said readFast(const dom::object& summary)
     return said;
 }
 
+constexpr qsizetype usualSize = 64 * 1024; // bytes
+
 std::optional<Said> read(const QByteArray& bytes)
 {
-    thread_local dom::parser parser;
+    // It keeps room for the largest text that it has seen, so an unusual one gets one of its own.
+    thread_local dom::parser usual;
+    dom::parser own;
+    dom::parser& parser = bytes.size() <= usualSize ? usual : own;
     dom::object summary;
     const auto error = parser.parse(bytes.constData(), size_t(bytes.size())).get(summary);
     if (error == simdjson::SUCCESS) return readFast(summary);
