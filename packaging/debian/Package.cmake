@@ -22,6 +22,7 @@ foreach(paper ${CMAKE_CURRENT_SOURCE_DIR}/murmeli.1 ${CMAKE_CURRENT_BINARY_DIR}/
 endforeach()
 add_custom_target(murmeli_papers ALL DEPENDS ${papers})
 
+set_target_properties(murmeli PROPERTIES INSTALL_RPATH "") # it brings no libraries along
 install(TARGETS murmeli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES murmeli.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES icons/murmeli.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
@@ -68,10 +69,10 @@ set(depends
     libqt6svg6 # reads the icons
     hicolor-icon-theme # without its index nobody finds the icons by their names
     qt6-translations-l10n
+    fonts-inter # in wider fonts the panel's texts are cut short
     curl # fetches the installer
     ca-certificates)
 set(recommends
-    fonts-inter
     "default-dbus-session-bus | dbus-session-bus"
     "gnome-keyring | kwalletmanager | keepassxc" # keep the session's tokens
     libsecret-1-0
