@@ -1,5 +1,6 @@
 #include "Look.h"
 
+#include "ShadowImages.h"
 #include "platform/Appearance.h"
 
 #include <QGuiApplication>
@@ -7,6 +8,8 @@
 #include <QScreen>
 
 #include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
@@ -47,7 +50,11 @@ void Look::setCompositing(bool compositing)
     if (std::exchange(m_compositing, compositing) != compositing) emit changed();
 }
 
-void Look::install(QQmlEngine& engine) { engine.setProperty(engineProperty, QVariant::fromValue(this)); }
+void Look::install(QQmlEngine& engine)
+{
+    engine.setProperty(engineProperty, QVariant::fromValue(this));
+    engine.addImageProvider(u"shadow"_s, new ShadowImages); // the engine's from now on
+}
 
 Look* Look::create(QQmlEngine* engine, QJSEngine*)
 {

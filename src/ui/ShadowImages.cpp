@@ -1,6 +1,8 @@
-#include "Shadow.h"
+#include "ShadowImages.h"
 
+#include <QColor>
 #include <QPainter>
+#include <QStringList>
 
 #include <vector>
 
@@ -44,18 +46,16 @@ void blurImage(QImage& alpha, int radius)
 
 } // namespace
 
-Shadow::Shadow(QQuickItem* parent) : QQuickPaintedItem(parent)
+QImage ShadowImages::requestImage(const QString& id, QSize* size, const QSize&)
 {
-    connect(this, &Shadow::lookChanged, this, [this] {
-        m_patch = {};
-        update();
-    });
-}
+    const QStringList parts = id.split(u'/');
+    const double extent = parts.value(0).toDouble();
+    const double radius = parts.value(1).toDouble();
+    const double blur = parts.value(2).toDouble();
+    const QColor color = QColor::fromString(u'#' + parts.value(3));
 
-void Shadow::blurPatch()
-{
-    const int inner = int(2 * (m_extent + m_radius)) + 1;
-    const int side = inner + int(2 * m_extent);
+    const int inner = int(2 * (extent + radius)) + 1;
+    const int side = inner + int(2 * extent);
     QImage alpha{side, side, QImage::Format_Alpha8};
     alpha.fill(0);
     {
@@ -63,38 +63,18 @@ void Shadow::blurPatch()
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.setBrush(Qt::black);
-        painter.drawRoundedRect(QRectF{m_extent, m_extent, double(inner), double(inner)}, m_radius, m_radius);
+        painter.drawRoundedRect(QRectF{extent, extent, double(inner), double(inner)}, radius, radius);
     }
     // Half of the blur length is two standard deviations; three means of width w have the deviation w / 2.
-    blurImage(alpha, qMax(1, qRound(m_blur / 4)));
-    m_patch = QImage{alpha.size(), QImage::Format_ARGB32_Premultiplied};
-    m_patch.fill(Qt::transparent);
-    QPainter painter{&m_patch};
+    blurImage(alpha, qMax(1, qRound(blur / 4)));
+    QImage shadow{alpha.size(), QImage::Format_ARGB32_Premultiplied};
+    shadow.fill(Qt::transparent);
+    QPainter painter{&shadow};
     painter.drawImage(0, 0, alpha);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(m_patch.rect(), m_color);
-}
-
-void Shadow::paint(QPainter* painter)
-{
-    if (m_extent <= 0 || width() <= 0 || height() <= 0) return;
-    if (m_patch.isNull()) blurPatch();
-    const double corner = (m_patch.width() - 1) / 2.0;
-    const double cornerX = qMin(corner, width() / 2);
-    const double cornerY = qMin(corner, height() / 2);
-    const double xs[] = {0, cornerX, width() - cornerX, width()};
-    const double ys[] = {0, cornerY, height() - cornerY, height()};
-    const double sourceXs[] = {0, cornerX, m_patch.width() - cornerX, double(m_patch.width())};
-    const double sourceYs[] = {0, cornerY, m_patch.height() - cornerY, double(m_patch.height())};
-    painter->translate(0, m_offset);
-    for (size_t row = 0; row < 3; ++row) {
-        for (size_t column = 0; column < 3; ++column) {
-            const QRectF target{QPointF{xs[column], ys[row]}, QPointF{xs[column + 1], ys[row + 1]}};
-            const QRectF from{QPointF{sourceXs[column], sourceYs[row]},
-                              QPointF{sourceXs[column + 1], sourceYs[row + 1]}};
-            if (!target.isEmpty()) painter->drawImage(target, m_patch, from);
-        }
-    }
+    painter.fillRect(shadow.rect(), color);
+    *size = shadow.size();
+    return shadow;
 }
 
 } // namespace murmeli
