@@ -213,6 +213,10 @@ KeyPanel* AppDelegate::floatingPanel()
         m_closedFromOutside.start();
         closePanel();
     });
+    // It is made anew in a blink; a program that sits in the tray all day keeps no memory for it.
+    connect(m_floating.get(), &QWindow::visibleChanged, this, [this](bool visible) {
+        if (!visible && m_floating) m_floating.release()->deleteLater();
+    });
     return m_floating.get();
 }
 

@@ -2,11 +2,13 @@
 
 #include "FocusKeeper.h"
 #include "localisation/Language.h"
+#include "platform/Memory.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
 #include <QSettings>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -64,6 +66,7 @@ void AppWindow::hideEvent(QHideEvent* event)
 {
     rememberPlace();
     QQuickView::hideEvent(event);
+    QTimer::singleShot(0, qApp, memory::giveBack); // once what was shown has gone
 }
 
 void AppWindow::present()

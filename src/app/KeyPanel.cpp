@@ -4,11 +4,14 @@
 #include "PanelModel.h"
 #include "account/AuthManager.h"
 #include "platform/ClickOutside.h"
+#include "platform/Memory.h"
 #include "platform/WindowSystem.h"
 #include "update/Updater.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QQuickItem>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -104,6 +107,7 @@ void KeyPanel::setOpen(bool open)
 void KeyPanel::hideEvent(QHideEvent* event)
 {
     QQuickView::hideEvent(event);
+    QTimer::singleShot(0, qApp, memory::giveBack); // once what was shown has gone
     if (m_kind == Kind::Ordinary && m_open) setOpen(false);
 }
 

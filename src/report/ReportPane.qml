@@ -27,8 +27,8 @@ Item {
         if (row < 0) return;
         list.currentIndex = row;
         list.positionViewAtIndex(row, ListView.Contain);
-        const item = list.currentItem;
-        item.take();
+        const item = list.itemAtIndex(row) ?? null; // of a type of its own
+        item?.take();
     }
     // To the next moment in reading order, which rows that are not there yet have too.
     function walk(direction: int): void {

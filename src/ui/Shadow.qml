@@ -18,7 +18,7 @@ Item {
         width: root.width
         height: root.height
         visible: root.extent > 0
-        source: "image://shadow/" + [root.extent, root.radius, root.blur, argb(root.color)].join("/")
+        source: `image://shadow/${root.extent}/${root.radius}/${root.blur}/${argb(root.color)}`
         border {
             left: Math.min(corner, width / 2)
             right: Math.min(corner, width / 2)
@@ -28,8 +28,8 @@ Item {
 
         // An opaque colour spells no alpha by itself.
         function argb(color: color): string {
-            return [color.a, color.r, color.g, color.b]
-                .map(part => Math.round(part * 255).toString(16).padStart(2, "0")).join("");
+            const two = part => Math.round(part * 255).toString(16).padStart(2, "0");
+            return two(color.a) + two(color.r) + two(color.g) + two(color.b);
         }
     }
 }

@@ -181,6 +181,15 @@ def paste(session: Session, text: str) -> None:
     session.screen.key("ctrl+a", "ctrl+v")
 
 
+def answer_dialog(session: Session, dialog: str, file: Path) -> None:
+    """By the dialog's own field."""
+    session.tree.wait("dialog", dialog)
+    wait_for(lambda: (node := session.tree.focused()) and node.role == "text", "the name to have the focus")
+    paste(session, str(file))
+    session.screen.key("Return")
+    session.tree.wait_gone("dialog", dialog)
+
+
 def clipboard(session: Session, target: str) -> str:
     told = subprocess.run(["xclip", "-selection", "clipboard", "-out", "-target", target], timeout=10, check=False,
                           env=session.environment, stdin=subprocess.DEVNULL, capture_output=True)

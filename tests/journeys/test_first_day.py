@@ -6,7 +6,7 @@ import json
 import re
 from functools import cache
 
-from main_window import ANNA, clipboard, glossary, paste, summaries, write_library
+from main_window import ANNA, answer_dialog, clipboard, glossary, paste, summaries, write_library
 from session import REPOSITORY, JourneyTest, Session
 from test_sign_in import address_of, wait_signed_in
 from test_updates import install_updater, publish, runs
@@ -181,10 +181,7 @@ class FirstDay(JourneyTest):
     def pass_on(self) -> None:
         target = self.session.home / "Итог.pdf"
         self.press("file.save")
-        self.wait("file.dialog", role="dialog")
-        wait_for(lambda: (node := self.session.tree.focused()) and node.role == "text", "the name to have the focus")
-        paste(self.session, str(target))
-        self.session.screen.key("Return")
+        answer_dialog(self.session, self.t("file.dialog"), target)
         self.wait("file.saved", target.name, "status bar", 30)
         self.assertTrue(target.read_bytes().startswith(b"%PDF-"))
         before = self.session.screen.windows()

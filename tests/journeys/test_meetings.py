@@ -63,16 +63,17 @@ class Looking(MeetingsTest):
         expected = [summary.title for summary in summaries(session)]
         self.assertEqual(len(expected), 52)
         self.assertEqual([node.name for node in session.tree.all("heading")][:3], [MEETINGS, "Сегодня", "Вчера"])
-        listed = row_names(session)
+        listed = [name for name, _ in wait_still(session)]
         middle = session.tree.find("list", MEETINGS).extents.middle
 
         def scrolled() -> bool:
-            session.screen.click(*middle, button=5, times=2, delay=5)
-            shown = row_names(session)
+            session.screen.click(*middle, button=5, times=4, delay=250)  # any faster, and it passes rows over
+            shown = [name for name, _ in wait_still(session)]
+            self.assertIn(shown[0], listed, "no row is passed over")
             listed.extend(name for name in shown if name not in listed)
             return shown[-1].startswith(expected[-1])
 
-        wait_for(scrolled, "the oldest meeting", 30)
+        wait_for(scrolled, "the oldest meeting", 60)
         self.assertEqual([in_one_line(title)[:60] for title in titles(listed)],
                          [title[:60] for title in expected])
 

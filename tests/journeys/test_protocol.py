@@ -10,8 +10,8 @@ from urllib.parse import unquote, urlsplit
 
 from gi.repository import Gio
 
-from main_window import (BACK, WITHOUT_PRIVILEGES, Summary, add_tool, clipboard, fill, install_scripts, is_root,
-                         lines, open_meeting, open_window, paste, quit_program, script_calls, set_engine_fault,
+from main_window import (BACK, WITHOUT_PRIVILEGES, Summary, add_tool, answer_dialog, clipboard, fill, install_scripts, is_root,
+                         lines, open_meeting, open_window, quit_program, script_calls, set_engine_fault,
                          sign_in, summaries, wait_list, wait_row, write_library, write_meeting)
 from screen import Rectangle
 from session import PYTHON, JourneyTest, Session
@@ -243,13 +243,8 @@ class Correcting(ProtocolTest):
 
 class Saving(ProtocolTest):
     def choose(self, session: Session, path: Path) -> None:
-        """In the dialog, by its field."""
         session.press("push button", SAVE)
-        session.tree.wait("dialog", DIALOG)
-        wait_for(lambda: (node := session.tree.focused()) and node.role == "text", "the name to have the focus")
-        paste(session, str(path))
-        session.screen.key("Return")
-        session.tree.wait_gone("dialog", DIALOG)
+        answer_dialog(session, DIALOG, path)
 
     def test_from_the_dialog_to_the_clipboard(self):
         session = self.open_library()

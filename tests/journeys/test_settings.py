@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from main_window import lines, open_window, paste, quit_program, write_meeting
+from main_window import answer_dialog, lines, open_window, quit_program, write_meeting
 from session import JourneyTest, Session
 from test_preferences import is_checked, stored, stores
 from waiting import settles, wait_for
@@ -169,11 +169,7 @@ class Effects(SettingsTest):
 
     def choose(self, session: Session, button: str, file) -> None:
         session.press("push button", button)
-        session.tree.wait("dialog", INSTRUCTIONS)
-        wait_for(lambda: (node := session.tree.focused()) and node.role == "text", "the name to have the focus")
-        paste(session, str(file))
-        session.screen.key("Return")
-        session.tree.wait_gone("dialog", INSTRUCTIONS)
+        answer_dialog(session, INSTRUCTIONS, file)
 
     def test_an_update_is_looked_for(self):
         session = self.open_settings(web=["--release", "0.8.0"])

@@ -4,6 +4,7 @@ set(MURMELI_PLATFORM_SOURCES
     linux/Appearance.cpp
     linux/ClickOutside.cpp
     linux/LoginItem.cpp
+    linux/Memory.cpp
     linux/SessionBus.cpp linux/SessionBus.h
     linux/ShareMenu.cpp
     linux/SignInSession.cpp

@@ -2,6 +2,7 @@ set(MURMELI_PLATFORM_SOURCES
     macos/Appearance.mm
     macos/ClickOutside.mm
     macos/LoginItem.cpp
+    macos/Memory.cpp
     macos/ShareMenu.mm
     macos/SignInSession.mm
     macos/StatusItem.cpp
