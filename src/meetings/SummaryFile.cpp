@@ -81,7 +81,7 @@ public:
         for (int i = 0; i < count; ++i) {
             const ushort c = m_at < m_text.size() ? m_text[m_at].unicode() : 0;
             m_good = m_good && c >= '0' && c <= '9';
-            value = value * 10 + (c - '0');
+            value = m_good ? value * 10 + (c - '0') : 0;
             ++m_at;
         }
         return value;
