@@ -46,6 +46,7 @@ bool AuthManager::takesAddress() const { return signingIn() && m_signInSession.u
 
 QString AuthManager::freshToken() const
 {
+    if (m_fileIsBehind) return m_session.accessToken;
     const auto session = accountFile::session(accountFile::read(m_place.accountFile));
     return session ? session->accessToken : m_session.accessToken;
 }
@@ -90,8 +91,9 @@ void AuthManager::adopt(const accountFile::Session& session, accountFile::Tokens
 {
     m_decided = true;
     m_session = session;
+    m_fileIsBehind = tokens == accountFile::Tokens::FromSession;
     registerDevice();
-    syncAccount(tokens);
+    syncAccount();
     emit changed();
 }
 
@@ -146,6 +148,7 @@ void AuthManager::logout()
     keychain::remove(emailKey);
     m_decided = true;
     m_session = {};
+    m_fileIsBehind = false;
     ++m_sync; // an answer that is still on its way belongs to nobody now
     emit changed();
 }
@@ -160,24 +163,33 @@ void AuthManager::registerDevice()
                 this, [](const HttpAnswer&) {}); // tried again at the next start
 }
 
-void AuthManager::syncAccount(accountFile::Tokens tokens)
+void AuthManager::syncAccount()
 {
+    const quint64 sync = ++m_sync;
     const auto accountId = signIn::subject(m_session.accessToken);
     if (!accountId) return;
-    const quint64 sync = ++m_sync;
     // A new session reaches the service at once: the answer may take a minute, and the store may be missing.
-    if (tokens == accountFile::Tokens::FromSession) writeFile(*accountId, {}, tokens);
+    if (m_fileIsBehind) writeFile(*accountId, {});
     m_http.send(m_backend.request("GET", u"/rest/v1/telegram_links?select=chat_id"_s, m_session.accessToken),
-                this, [this, sync, tokens, id = *accountId](const HttpAnswer& answer) {
-                    if (sync == m_sync) writeFile(id, accountFile::chatIn(answer.body), tokens);
+                this, [this, sync, id = *accountId](const HttpAnswer& answer) {
+                    if (sync == m_sync) writeFile(id, accountFile::chatIn(answer.body));
                 });
 }
 
-void AuthManager::writeFile(const QString& accountId, const accountFile::Chat& chat,
-                            accountFile::Tokens tokens)
+void AuthManager::handOver()
 {
-    std::ignore = QtConcurrent::run(&m_writer, [=, path = m_place.accountFile, session = m_session] {
+    if (m_fileIsBehind) syncAccount();
+}
+
+void AuthManager::writeFile(const QString& accountId, const accountFile::Chat& chat)
+{
+    // Once the service has the tokens it may renew them, and then those in the file are the newer ones.
+    const auto tokens = m_fileIsBehind ? accountFile::Tokens::FromSession : accountFile::Tokens::FromFile;
+    const auto write = [=, path = m_place.accountFile, session = m_session] {
         return accountFile::update(path, session, accountId, chat, tokens);
+    };
+    whenFinished(QtConcurrent::run(&m_writer, write), this, [this, sync = m_sync](bool written) {
+        if (written && sync == m_sync) m_fileIsBehind = false;
     });
 }
 

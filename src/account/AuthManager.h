@@ -48,7 +48,8 @@ public:
 
     /// For requests to the backend; empty when signed out. Never for a log, an argument or an error text.
     [[nodiscard]] QString accessToken() const { return m_session.accessToken; }
-    /// The same, but as account.json has it when it has one: the service may have renewed it there.
+    /// The same, but as account.json has it when it has one: the service may have renewed it there. Until a
+    /// sign-in has reached the file, what stands there may be another person's.
     [[nodiscard]] QString freshToken() const;
     [[nodiscard]] const Backend& backend() const { return m_backend; }
 
@@ -63,6 +64,9 @@ public:
 
     /// The same for an address that the user pastes; says when it is refused.
     Q_INVOKABLE void paste(const QString& text);
+
+    /// Writes account.json again when a sign-in could not be written there, as before the setup.
+    void handOver();
 
     /// Forgets the session here. account.json stays, so that the service can still deliver.
     Q_INVOKABLE void logout();
@@ -80,8 +84,8 @@ private:
     void adopt(const accountFile::Session& session, accountFile::Tokens tokens);
     void keep(const accountFile::Session& session);
     void registerDevice();
-    void syncAccount(accountFile::Tokens tokens);
-    void writeFile(const QString& accountId, const accountFile::Chat& chat, accountFile::Tokens tokens);
+    void syncAccount();
+    void writeFile(const QString& accountId, const accountFile::Chat& chat);
 
     Place m_place;
     Backend m_backend;
@@ -93,8 +97,9 @@ private:
     quint64 m_attempt = 0; ///< the sign-in under way; 0: none
     quint64 m_sync = 0;    ///< the latest; an older one's answer is dropped
     bool m_addressRefused = false;
-    bool m_decided = false; ///< the user has signed in or out, or a session was restored
-    QThreadPool m_writer;   ///< one thread, so that files are written in the order of the calls
+    bool m_fileIsBehind = false; ///< account.json has not got this sign-in's session yet
+    bool m_decided = false;      ///< the user has signed in or out, or a session was restored
+    QThreadPool m_writer;        ///< one thread, so that files are written in the order of the calls
 };
 
 } // namespace murmeli

@@ -189,7 +189,7 @@ bool writeAtomic(const QString& path, const QByteArray& bytes)
 bool writePrivate(const QString& path, const QByteArray& bytes)
 {
     QByteArray temporary = encoded(path) + ".XXXXXX";
-    const int fd = ::mkstemp(temporary.data()); // made 0600
+    const int fd = ::mkostemp(temporary.data(), O_CLOEXEC); // made 0600
     if (fd < 0) return false;
     const bool written = writeAll(fd, bytes) && ::fsync(fd) == 0;
     const bool closed = ::close(fd) == 0;

@@ -64,6 +64,8 @@ private:
             }
             if (m_answer.failure == HttpAnswer::Failure::Transport)
                 m_answer.errorText = m_reply->errorString();
+            // What came before the break may look like a whole answer.
+            if (m_answer.failure != HttpAnswer::Failure::None) m_answer.body.clear();
         }
         deleteLater();
         // Moved out first: the callback may delete the context, and this exchange with it.

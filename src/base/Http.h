@@ -27,8 +27,8 @@ struct HttpRequest {
 struct HttpAnswer {
     enum class Failure { None, Transport, Timeout, TooLarge, Redirect };
     Failure failure = Failure::None;
-    int status = 0; ///< 0 when no answer came
-    QByteArray body;
+    int status = 0;  ///< 0 when no answer came
+    QByteArray body; ///< empty after a failure
     QString
         errorText; ///< of a transport failure or time-out, in the platform's own words; no header or token
 

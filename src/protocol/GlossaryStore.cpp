@@ -44,11 +44,12 @@ GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, con
       m_language(language),
       m_scheduler(scheduler),
       m_entries(glossaryText::parseAll(prefs.string(copyKey, {}))),
-      m_base(prefs.string(baseKey, prefs.string(copyKey, {})))
+      m_base(prefs.string(baseKey, prefs.string(copyKey, {}))),
+      m_unsent(prefs.load().value(baseKey).isString())
 {
     reload();
-    connect(&account, &AuthManager::changed, this, [this, was = account.isAuthed()]() mutable {
-        if (std::exchange(was, m_account.isAuthed()) == m_account.isAuthed()) return;
+    connect(&account, &AuthManager::changed, this, [this, was = account.accessToken()]() mutable {
+        if (std::exchange(was, m_account.accessToken()) == m_account.accessToken()) return;
         // Another person's glossary, perhaps: what is on its way is nobody's now.
         m_loaded = false;
         m_loading = false;
@@ -65,17 +66,15 @@ void GlossaryStore::setEntries(const QString& text)
     if (std::exchange(m_entries, entries) != entries) emit entriesChanged();
 }
 
-bool GlossaryStore::unsent() const { return m_prefs.load().value(baseKey).isString(); }
-
 void GlossaryStore::keepCopy(const QString& text, bool sent)
 {
+    m_unsent = !sent;
+    if (sent) m_base = text;
+    // In this order words that were not sent are never taken for sent ones, wherever we are interrupted.
+    const bool marked = m_prefs.load().value(baseKey).isString();
+    if (!sent && !marked) m_prefs.set(baseKey, m_base);
     if (m_prefs.string(copyKey, {}) != text || !m_prefs.load().contains(copyKey)) m_prefs.set(copyKey, text);
-    if (sent) {
-        m_base = text;
-        if (unsent()) m_prefs.set(baseKey, QJsonValue::Null);
-    } else if (!unsent()) {
-        m_prefs.set(baseKey, m_base);
-    }
+    if (sent && marked) m_prefs.set(baseKey, QJsonValue::Null);
 }
 
 QString GlossaryStore::problem(const HttpAnswer& answer, const char* key) const
@@ -107,7 +106,7 @@ void GlossaryStore::loaded(const HttpAnswer& answer)
         return;
     }
     m_loaded = true;
-    if (!unsent()) {
+    if (!m_unsent) {
         m_syncError.clear();
         setEntries(*text);
         keepCopy(*text, true);
@@ -115,7 +114,7 @@ void GlossaryStore::loaded(const HttpAnswer& answer)
         return;
     }
     // What was written here meanwhile joins what came there meanwhile.
-    const auto base = glossaryText::parseAll(m_prefs.string(baseKey, {}));
+    const auto base = glossaryText::parseAll(m_base);
     const QString merged =
         glossaryText::serialised(glossaryText::merged(base, m_entries, glossaryText::parseAll(*text)));
     setEntries(merged);

@@ -56,7 +56,6 @@ signals:
 private:
     void setEntries(const QString& text);
     void keepCopy(const QString& text, bool sent);
-    [[nodiscard]] bool unsent() const;
     void loaded(const HttpAnswer& answer);
     void send();
     void finish(bool saved);
@@ -68,7 +67,8 @@ private:
     const Language& m_language;
     Scheduler& m_scheduler;
     QList<GlossaryEntry> m_entries;
-    QString m_base;              ///< the text that we and the backend had in common last
+    QString m_base; ///< the text that we and the backend had in common last
+    bool m_unsent;  ///< the backend has not got what is here; true also when the preferences cannot keep it
     std::vector<Then> m_waiting; ///< for the running save
     bool m_loading = false;
     bool m_loaded = false; ///< what the backend has is known

@@ -60,10 +60,10 @@ struct Program {
         };
     }
 
-    void signIn()
+    void signIn(const QString& token = QStringLiteral("a"))
     {
         account.login();
-        account.handle(QStringLiteral("murmeli://auth#access_token=a&email=anna%40example.org"));
+        account.handle(QStringLiteral("murmeli://auth#email=anna%40example.org&access_token=") + token);
     }
 
     void install(QQmlEngine& engine)

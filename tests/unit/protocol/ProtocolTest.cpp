@@ -452,6 +452,47 @@ private slots:
         QTRY_COMPARE(told(store->entries()), u"моё"_s);
     }
 
+    void aNewPersonIsNotServedTheLastOnesWords()
+    {
+        m->program.write(m->program.paths.accountFile, R"({"access_token":"boris"})");
+        m->backendHas(R"([{"glossary":"чьё"}])");
+        const auto store = m->makeStore();
+        QTRY_COMPARE(told(store->entries()), u"чьё"_s);
+        const auto whose = [&] {
+            const auto requests = m->program.server.requestsTo("/rest/v1/profiles");
+            return requests.isEmpty() ? QByteArray{} : requests.last().header("Authorization");
+        };
+        QCOMPARE(whose(), "Bearer boris"_ba);
+        m->program.signIn(u"anna"_s);
+        QTRY_COMPARE(whose(), "Bearer anna"_ba);
+        m->program.signIn(u"vera"_s); // without a sign-out before
+        QTRY_COMPARE(whose(), "Bearer vera"_ba);
+    }
+
+    void wordsThatNoFileKeepsAreSentAllTheSame()
+    {
+        QVERIFY(QDir{}.mkpath(m->program.paths.prefsFile)); // no preferences can be written
+        const auto store = m->makeStore();
+        store->save(glossaryText::parseAll(u"моё"_s));
+        m->backendHas(R"([{"glossary":"там"}])");
+        m->program.signIn();
+        QTRY_VERIFY(store->savedAt().isValid());
+        QCOMPARE(told(store->entries()), u"там|моё"_s);
+        QVERIFY(m->program.server.requests.last().body.contains("там\\nмоё"));
+    }
+
+    void aTermWithAnArrowIsARule()
+    {
+        m->reply(Server::answer(500, "{}"));
+        m->program.signIn();
+        const auto store = m->makeStore();
+        AssistantModel model{*store};
+        QVERIFY(model.add({}, u"а → б"_s));
+        model.save();
+        QTRY_VERIFY(!model.saving());
+        QCOMPARE(model.total(), 1);
+    }
+
     void editingTheGlossary()
     {
         m->program.prefs.set(u"glossary"_s, u"Квен → Qwen\nOKR"_s);
