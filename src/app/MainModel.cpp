@@ -43,7 +43,23 @@ void MainModel::leave(std::unique_ptr<MeetingDetailModel> detail)
     } else {
         m_drafts[detail->id()] = detail->draft();
     }
-    detail.release()->deleteLater(); // its view still reads it
+    auto* left = detail.release(); // its view still reads it
+    if (left->editor()->outcome() != ProtocolEditor::Outcome::Working) {
+        left->deleteLater();
+        return;
+    }
+    // The remark is still carried out, and its words are wanted again only if nothing comes of it.
+    left->setParent(this);
+    connect(left->editor(), &ProtocolEditor::changed, this, [this, left, remark = left->draft()] {
+        if (left->editor()->outcome() == ProtocolEditor::Outcome::Fixed) forget(left->id(), remark);
+        left->deleteLater();
+    });
+}
+
+void MainModel::forget(const QString& id, const QString& remark)
+{
+    if (m_drafts.value(id) == remark) m_drafts.remove(id);
+    if (m_detail && m_detail->id() == id && m_detail->draft() == remark) m_detail->setDraft({});
 }
 
 QString MainModel::back()

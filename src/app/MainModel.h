@@ -64,6 +64,7 @@ signals:
 
 private:
     void leave(std::unique_ptr<MeetingDetailModel> detail);
+    void forget(const QString& id, const QString& remark); ///< it has been carried out
 
     Ground m_ground;
     QObject m_background;

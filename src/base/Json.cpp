@@ -25,6 +25,8 @@ QByteArray compact(const QJsonValue& value)
     return array.mid(1, array.size() - 2);
 }
 
+QByteArray bare(const QByteArray& bytes) { return bytes.mid(markLength(bytes)).trimmed(); }
+
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 /// Splits an object or an array that a parser has accepted already, so every bracket and quotation mark has
@@ -118,6 +120,12 @@ void writePretty(QByteArray& out, const QByteArray& value, qsizetype indent)
 
 } // namespace
 
+qsizetype markLength(const QByteArray& bytes)
+{
+    constexpr QByteArrayView mark{"\xef\xbb\xbf"};
+    return bytes.startsWith(mark) ? mark.size() : 0;
+}
+
 std::optional<QJsonObject> object(const QByteArray& bytes)
 {
     const QJsonDocument document = QJsonDocument::fromJson(bytes);
@@ -178,13 +186,13 @@ QList<QJsonObject> objects(const QJsonObject& object, QLatin1StringView key)
 
 QByteArray withMember(const QByteArray& bytes, const QString& key, const QJsonValue& value)
 {
-    return withValueAt(object(bytes) ? bytes : "{}"_ba, {key}, value).value_or(QByteArray{});
+    return withValueAt(object(bytes) ? bytes : "{}"_ba, {key}, value).value_or(bytes);
 }
 
 QByteArray pretty(const QByteArray& bytes)
 {
     QByteArray result;
-    writePretty(result, bytes.trimmed(), 0);
+    writePretty(result, bare(bytes), 0);
     return result;
 }
 
@@ -192,7 +200,7 @@ std::optional<QByteArray> withValueAt(const QByteArray& bytes, const QList<Step>
                                       const QJsonValue& value)
 {
     if (path.isEmpty()) return compact(value);
-    const QByteArray text = bytes.trimmed();
+    const QByteArray text = bare(bytes);
     const bool isObject = text.startsWith('{');
     const auto* const key = std::get_if<QString>(&path.constFirst());
     if (isObject != (key != nullptr) || (!isObject && !text.startsWith('['))) return std::nullopt;

@@ -15,6 +15,9 @@
 ///   number   any JSON number              flag     a boolean, or the numbers 1 and 0
 namespace murmeli::json {
 
+/// How many bytes the byte order mark takes that some editors write first; JSON begins after it.
+qsizetype markLength(const QByteArray& bytes);
+
 /// The top-level object of `bytes`, or nothing when they are not JSON or not an object. Any thread.
 std::optional<QJsonObject> object(const QByteArray& bytes);
 

@@ -57,9 +57,10 @@ Column {
         topPadding: 3
         type: Theme.lead
         color: Theme.text2
-        text: root.detail.dateLine(L.language)
+        text: root.detail.dateLine
     }
-    Row {
+    Flow {
+        width: parent.width
         topPadding: 16
         spacing: Theme.gapRow
         PillButton {

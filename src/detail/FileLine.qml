@@ -12,7 +12,7 @@ Item {
     readonly property bool failed: files.outcome === ProtocolFileMaker.Failed
     property real unfolded: files.outcome === ProtocolFileMaker.Idle ? 0 : 1
 
-    implicitHeight: 28 * unfolded
+    implicitHeight: 28 * Theme.unfolded(unfolded)
     opacity: unfolded
     visible: unfolded > 0
     clip: true

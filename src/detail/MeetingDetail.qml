@@ -146,7 +146,7 @@ Item {
         onLoaded: (item as ReportPane).focusFirst()
         sourceComponent: ReportPane {
             loader: root.detail.report
-            meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine(L.language)
+            meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine
             onBuildAsked: root.detail.buildReport()
             onClosed: root.back()
         }

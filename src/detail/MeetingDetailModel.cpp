@@ -51,14 +51,18 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
 {
     load();
     connect(&ground.store, &MeetingStore::scanned, this, [this] {
-        const Meeting* now = m_ground.store.list()->find(m_meeting.id);
-        if (!now || *now == m_meeting) return;
-        m_meeting = *now;
+        if (const Meeting* now = m_ground.store.list()->find(m_meeting.id); now && *now != m_meeting) {
+            m_meeting = *now;
+            m_file.reset(); // its protocol's place is part of it
+        }
         load();
-        emit changed();
+        emit changed(); // the day may have
     });
+    connect(&ground.language, &Language::changed, this, &MeetingDetailModel::changed);
     connect(&m_files, &ProtocolFileMaker::shared, this, [this](const QString& path) {
-        if (!m_anchor || !m_anchor->window()) return;
+        // The file may take minutes, and the user be elsewhere by then. A second press has it at once.
+        if (!m_anchor || !m_anchor->isVisible() || !m_anchor->window() || !m_anchor->window()->isVisible())
+            return;
         const auto t = [this](const char* key) { return m_ground.language.t(QString::fromLatin1(key)); };
         shareMenu::present(
             path, {t("file.share.mail"), t("file.share.open"), t("file.share.folder"), t("file.share.copy")},
@@ -72,17 +76,20 @@ QString MeetingDetailModel::title() const { return text::oneLine(m_meeting.title
 
 QString MeetingDetailModel::tldr() const { return text::shortened(m_meeting.tldr); }
 
-QString MeetingDetailModel::dateLine(const QString& language) const
+QString MeetingDetailModel::dateLine() const
 {
     const QDate today = m_ground.scheduler.moment().date();
-    return captions::dateLine(m_meeting, today, language);
+    return captions::dateLine(m_meeting, today, m_ground.language.current());
 }
 
 void MeetingDetailModel::load()
 {
-    const auto read = [meeting = m_meeting, protocols = m_ground.store.protocols()] {
+    const auto read = [meeting = m_meeting, known = m_file, protocols = m_ground.store.protocols()] {
         Content content;
-        const auto bytes = files::readWhole(meeting.jsonPath, summaryFile::sizeLimit);
+        const QByteArray path = QFile::encodeName(meeting.jsonPath);
+        content.changed = files::identity(path) != known || !files::isSettled(*known);
+        if (!content.changed) return content;
+        const auto bytes = files::readWhole(path, summaryFile::sizeLimit, &content.file);
         if (const auto summary = bytes ? json::object(*bytes) : std::nullopt) {
             content.readable = true;
             content.sections = protocolItems::sections(*summary);
@@ -96,14 +103,17 @@ void MeetingDetailModel::load()
 
 void MeetingDetailModel::take(const Content& content)
 {
-    // A file that is being rewritten at this moment leaves what is shown.
-    if (content.readable || !m_loaded) {
-        m_sections.setSections(content.sections);
-        m_edited = content.edited;
+    if (content.changed) {
+        // A file that is being rewritten at this moment leaves what is shown.
+        if (content.readable || !m_loaded) {
+            m_sections.setSections(content.sections);
+            m_edited = content.edited;
+        }
+        m_file = content.readable ? std::optional{content.file} : std::nullopt;
+        m_protocol = content.protocol;
+        m_loaded = true;
+        emit changed();
     }
-    m_protocol = content.protocol;
-    m_loaded = true;
-    emit changed();
     if (const auto correction = std::exchange(m_correction, std::nullopt)) {
         emit corrected(m_sections.markCorrected(correction->section, correction->index, correction->before));
     }

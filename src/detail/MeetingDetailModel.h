@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SectionListModel.h"
+#include "base/Files.h"
 #include "meetings/Meeting.h"
 #include "protocol/ProtocolEditor.h"
 #include "protocol/ProtocolFileMaker.h"
@@ -23,6 +24,7 @@ class MeetingDetailModel final : public QObject {
     QML_UNCREATABLE("made for a meeting and handed to its view")
     Q_PROPERTY(QString title READ title NOTIFY changed FINAL)
     Q_PROPERTY(QString tldr READ tldr NOTIFY changed FINAL)
+    Q_PROPERTY(QString dateLine READ dateLine NOTIFY changed FINAL) ///< day and time
     Q_PROPERTY(bool edited READ edited NOTIFY changed FINAL)
     Q_PROPERTY(bool loaded READ loaded NOTIFY changed FINAL)
     Q_PROPERTY(bool hasProtocol READ hasProtocol NOTIFY changed FINAL)
@@ -54,6 +56,7 @@ public:
     [[nodiscard]] QString id() const { return m_meeting.id; }
     [[nodiscard]] QString title() const;
     [[nodiscard]] QString tldr() const;
+    [[nodiscard]] QString dateLine() const;
     [[nodiscard]] bool edited() const { return m_edited; }
     [[nodiscard]] bool loaded() const { return m_loaded; }
     [[nodiscard]] bool hasProtocol() const { return m_protocol.has_value(); }
@@ -63,9 +66,6 @@ public:
     [[nodiscard]] ProtocolEditor* editor() { return &m_editor; }
     [[nodiscard]] ReportLoader* report() { return &m_report; }
     [[nodiscard]] ProtocolFileMaker* files() { return &m_files; }
-
-    /// Day and time, as `language` writes them.
-    Q_INVOKABLE [[nodiscard]] QString dateLine(const QString& language) const;
 
     /// Nothing when the remark is empty or another one is on its way.
     Q_INVOKABLE void sendRemark(const QString& remark);
@@ -94,6 +94,8 @@ signals:
 
 private:
     struct Content {
+        bool changed = true; ///< since it was read last; if not, the rest says nothing
+        files::Identity file;
         bool readable = false;
         QList<ProtocolSection> sections;
         bool edited = false;
@@ -104,6 +106,7 @@ private:
 
     Ground m_ground;
     Meeting m_meeting;
+    std::optional<files::Identity> m_file; ///< which state of the summary file is shown
     SectionListModel m_sections{nullptr};
     ProtocolEditor m_editor;
     ProtocolFileMaker m_files;

@@ -32,6 +32,7 @@ Item {
     Connections {
         target: root.detail
         function onRemarkDone() { field.clear(); }
+        function onDraftChanged() { if (field.text !== root.detail.draft) field.text = root.detail.draft; }
     }
     Column {
         id: column
@@ -41,7 +42,7 @@ Item {
 
         Item {
             width: parent.width
-            height: (teach.implicitHeight + Theme.gapGroup) * unfolded
+            height: (teach.implicitHeight + Theme.gapGroup) * Theme.unfolded(unfolded)
             visible: unfolded > 0
             clip: unfolded < 1
             property real unfolded: root.teaching ? 1 : 0

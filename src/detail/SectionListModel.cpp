@@ -46,13 +46,22 @@ int SectionListModel::markCorrected(const QString& section, qsizetype index, con
 {
     const int old = rowOf(m_corrected.first, m_corrected.second);
     m_corrected = {section, index};
-    if (!m_before.contains(m_corrected)) m_before.insert(m_corrected, before);
+    const auto earlier = m_corrections.value(m_corrected);
+    m_corrections[m_corrected] = {.before = earlier.after == before ? earlier.before : before,
+                                  .after = textOf(section, index)};
     const int row = rowOf(section, index);
     for (const int changed : {old, row}) {
         if (changed >= 0)
             emit dataChanged(this->index(changed), this->index(changed), {BeforeRole, CorrectedRole});
     }
     return row;
+}
+
+std::optional<SectionListModel::Correction> SectionListModel::correctionOf(const Row& row) const
+{
+    const auto found = m_corrections.constFind({row.section, row.index});
+    if (found == m_corrections.cend() || found->after != row.text) return std::nullopt;
+    return *found;
 }
 
 int SectionListModel::rowCount(const QModelIndex& parent) const
@@ -64,7 +73,6 @@ QVariant SectionListModel::data(const QModelIndex& index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
     const Row& row = m_rows[index.row()];
-    const std::pair place{row.section, row.index};
     switch (role) {
     case TextRole:
         return text::shortened(row.text);
@@ -73,9 +81,9 @@ QVariant SectionListModel::data(const QModelIndex& index, int role) const
     case LastRole:
         return row.last;
     case BeforeRole:
-        return text::shortened(m_before.value(place), 400);
+        return text::shortened(correctionOf(row).value_or(Correction{}).before, 400);
     case CorrectedRole:
-        return place == m_corrected;
+        return m_corrected == std::pair{row.section, row.index} && correctionOf(row);
     default:
         return {};
     }

@@ -5,6 +5,8 @@
 #include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
+#include <optional>
+
 namespace murmeli {
 
 /// The items of a protocol, a row each; the first row of a section carries its title. Main thread only.
@@ -43,8 +45,15 @@ private:
     [[nodiscard]] int rowOf(const QString& section, qsizetype index) const;
 
     QList<Row> m_rows;
-    QHash<std::pair<QString, qsizetype>, QString> m_before; ///< earlier texts of corrected items
-    std::pair<QString, qsizetype> m_corrected;              ///< the latest one
+    /// Of a corrected item. It counts as long as its text stands there: the service may move items.
+    struct Correction {
+        QString before;
+        QString after;
+    };
+    [[nodiscard]] std::optional<Correction> correctionOf(const Row& row) const;
+
+    QHash<std::pair<QString, qsizetype>, Correction> m_corrections;
+    std::pair<QString, qsizetype> m_corrected; ///< the latest one
 };
 
 } // namespace murmeli

@@ -98,7 +98,7 @@ Item {
         }
         // qmllint enable unqualified
         add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.base } }
-        displaced: Transition { NumberAnimation { property: "y"; duration: Theme.base; easing.type: Easing.OutCubic } }
+        displaced: Transition { enabled: Theme.motion; NumberAnimation { property: "y"; duration: Theme.base; easing.type: Easing.OutCubic } }
     }
     EmptyPane {
         anchors.horizontalCenter: parent.horizontalCenter

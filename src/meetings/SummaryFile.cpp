@@ -55,7 +55,8 @@ std::optional<Said> read(const QByteArray& bytes)
     dom::parser own;
     dom::parser& parser = bytes.size() <= usualSize ? usual : own;
     dom::object summary;
-    const auto error = parser.parse(bytes.constData(), size_t(bytes.size())).get(summary);
+    const qsizetype begin = json::markLength(bytes);
+    const auto error = parser.parse(bytes.constData() + begin, size_t(bytes.size() - begin)).get(summary);
     if (error == simdjson::SUCCESS) return readFast(summary);
     if (error != simdjson::NUMBER_ERROR) return std::nullopt;
     // A number of more than 64 bits is none to the fast parser, but JSON all the same.

@@ -135,7 +135,7 @@ Item {
             }
             // qmllint enable unqualified
             add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.base } }
-            displaced: Transition { NumberAnimation { property: "y"; duration: Theme.base; easing.type: Easing.OutCubic } }
+            displaced: Transition { enabled: Theme.motion; NumberAnimation { property: "y"; duration: Theme.base; easing.type: Easing.OutCubic } }
         }
     }
     EmptyPane {
@@ -157,7 +157,9 @@ Item {
             color: Theme.line
         }
         Row {
+            id: news
             anchors { left: parent.left; leftMargin: Theme.padMain; verticalCenter: parent.verticalCenter }
+            anchors { right: actions.left; rightMargin: Theme.padCard }
             spacing: Theme.gapRow
             Label {
                 type: Theme.sub
@@ -177,15 +179,25 @@ Item {
             }
             Label {
                 id: status
-                width: Math.min(implicitWidth, 320)
+                width: Math.min(implicitWidth, news.width - x)
+                maximumLineCount: 2
+                wrapMode: Text.Wrap
+                elide: Text.ElideRight
                 type: Theme.sub
                 color: root.store.syncError.length > 0 ? Theme.inkRed : Theme.text2
                 text: root.store.loading ? L.t("assistant.loading") : root.store.syncError.length > 0 ? root.store.syncError
                     : root.savedOnce && !root.model.dirty ? L.t("assistant.saved") : ""
                 Accessible.role: Accessible.StatusBar
+
+                HoverHandler { id: over }
+                HelpTip {
+                    visible: over.hovered && status.truncated
+                    text: status.text
+                }
             }
         }
         Row {
+            id: actions
             anchors { right: parent.right; rightMargin: Theme.padMain; verticalCenter: parent.verticalCenter }
             spacing: Theme.padCard
             PillButton {

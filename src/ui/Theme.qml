@@ -208,6 +208,10 @@ QtObject {
 
     // Motion in milliseconds. Movement stops where the desktop asks for less of it; fades stay, but quick.
     readonly property bool motion: !reducedMotion
+    // How much of its height a part takes that unfolds; `share` of it is there.
+    function unfolded(share: real): real {
+        return motion ? share : Math.ceil(share);
+    }
     readonly property int instant: 80
     readonly property int quick: 140
     readonly property int base: reducedMotion ? quick : 220

@@ -210,7 +210,11 @@ class Correcting(ProtocolTest):
         session.tree.wait("status bar", WORKING)
         session.write(summary.path, {**summary.members, "delivered": "Telegram"})
         session.tree.wait_gone("status bar", WORKING)
-        self.assertEqual(json.loads(summary.path.read_text("utf-8")).get("delivered"), "Telegram")
+        written = json.loads(summary.path.read_text("utf-8"))
+        self.assertEqual(written.get("delivered"), "Telegram")
+        corrected = summary.members["decisions"][0].replace(word, "переправа")
+        self.assertEqual(written["decisions"][0], corrected)
+        session.tree.wait("list item", corrected)
 
     def test_english_by_keyboard_alone(self):
         session = self.open_session(web=QUICK, program=False, language="en")

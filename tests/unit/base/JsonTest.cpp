@@ -83,6 +83,8 @@ private slots:
                                                     << R"({"\u006b":false})"_ba;
         QTest::newRow("empty object") << " { } "_ba
                                       << R"({"k":false})"_ba;
+        QTest::newRow("byte order mark") << "\xef\xbb\xbf{\"a\":1}"_ba
+                                         << R"({"a":1,"k":false})"_ba;
         QTest::newRow("two of a name") << R"({"k":1,"a":2,"k":3})"_ba
                                        << R"({"a":2,"k":false})"_ba;
     }

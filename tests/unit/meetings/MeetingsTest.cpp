@@ -99,6 +99,7 @@ private slots:
             R"({"big":123456789012345678901234567890,"title":"x","_meta":{"duration_min":1}})",
             "x||2025-01-02T03:04:05|2025-01-02T03:05:05|");
         row("markup stays text", R"({"title":"<b>x</b>"})", "<b>x</b>||2025-01-02T03:04:05||");
+        row("byte order mark", "\xef\xbb\xbf{\"title\":\"x\"}", "x||2025-01-02T03:04:05||");
         row("a list", "[]", "-");
         row("cut", R"({"title":"x")", "-");
         row("empty", "", "-");

@@ -1,0 +1,183 @@
+#include "app/MainModel.h"
+#include "registeredTests.h"
+#include "support/Program.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace murmeli;
+
+namespace {
+
+const QString id = u"2026-03-04 10-15-00"_s;
+
+QByteArray summary(const QStringList& decisions, const QJsonObject& meta = {})
+{
+    return QJsonDocument{QJsonObject{{u"title"_s, u"План"_s},
+                                     {u"decisions"_s, QJsonArray::fromStringList(decisions)},
+                                     {u"_meta"_s, meta}}}
+        .toJson();
+}
+
+/// Each row's text, with what it tells of a correction.
+QString told(const SectionListModel& model)
+{
+    QStringList rows;
+    for (int row = 0; row < model.rowCount(); ++row) {
+        const auto at = [&](int role) { return model.data(model.index(row), role); };
+        const QString before = at(SectionListModel::BeforeRole).toString();
+        rows.append(at(SectionListModel::TextRole).toString() +
+                    (before.isEmpty() ? QString{} : u'<' + before) +
+                    (at(SectionListModel::CorrectedRole).toBool() ? u"!"_s : QString{}));
+    }
+    return rows.join(u' ');
+}
+
+QList<ProtocolSection> sections(const QStringList& texts)
+{
+    ProtocolSection section{.key = u"decisions"_s, .titleKey = u"detail.decisions"_s};
+    for (const QString& text : texts)
+        section.items.append({.index = section.items.size(), .text = text});
+    return {section};
+}
+
+} // namespace
+
+class DetailTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { m = std::make_unique<Fixture>(); }
+    void cleanup() { m.reset(); }
+
+    void correctionsStayWithTheirText()
+    {
+        SectionListModel model{nullptr};
+        model.setSections(sections({u"б"_s, u"в"_s}));
+        QCOMPARE(model.markCorrected(u"decisions"_s, 0, u"а"_s), 0);
+        QCOMPARE(told(model), u"б<а! в"_s);
+        model.setSections(sections({u"новое"_s, u"б"_s, u"в"_s})); // by the service
+        QCOMPARE(told(model), u"новое б в"_s);
+        model.setSections(sections({u"б"_s, u"в"_s}));
+        QCOMPARE(told(model), u"б<а! в"_s);
+        model.setSections(sections({u"г"_s, u"в"_s}));
+        model.markCorrected(u"decisions"_s, 0, u"б"_s);
+        QCOMPARE(told(model), u"г<а! в"_s); // what stood there when the meeting was opened
+        model.markCorrected(u"decisions"_s, 1, u"прежнее"_s);
+        QCOMPARE(told(model), u"г<а в<прежнее!"_s);
+        QCOMPARE(model.markCorrected(u"decisions"_s, 7, u"нет такого"_s), -1);
+    }
+
+    void whatTheServiceWritesIsShown()
+    {
+        m->write(summary({u"раз"_s}));
+        MeetingDetailModel& detail = m->open();
+        QTRY_COMPARE(told(*detail.sections()), u"раз"_s);
+        QVERIFY(!detail.edited());
+        m->write(summary({u"раз"_s, u"два"_s}, {{u"edited"_s, true}})); // nothing that the list would show
+        m->main->store()->reload();
+        QTRY_COMPARE(told(*detail.sections()), u"раз два"_s);
+        QVERIFY(detail.edited());
+
+        m->write("{\"title\":\"Пл"); // in the middle of being written
+        QSignalSpy scanned{m->main->store(), &MeetingStore::scanned};
+        m->main->store()->reload();
+        QVERIFY(scanned.wait());
+        m->write(summary({u"три"_s}));
+        m->main->store()->reload();
+        QTRY_COMPARE(told(*detail.sections()), u"три"_s);
+    }
+
+    void theDateLineFollows()
+    {
+        m->write(summary({}));
+        const MeetingDetailModel& detail = m->open();
+        QVERIFY2(!detail.dateLine().contains(u'–'), qPrintable(detail.dateLine()));
+        QSignalSpy changed{&detail, &MeetingDetailModel::changed};
+        m->write(summary({}, {{u"duration_min"_s, 47}}));
+        m->main->store()->reload();
+        QTRY_VERIFY(detail.dateLine().contains(u"10:15 – 11:02"_s));
+        changed.clear();
+        m->program.prefs.set(u"locale"_s, u"en"_s);
+        m->program.language.refresh();
+        QVERIFY(!changed.isEmpty());
+        QVERIFY2(detail.dateLine().contains(u"Mar"_s), qPrintable(detail.dateLine()));
+    }
+
+    void aRemarkIsCarriedOutAfterItsMeetingWasLeft()
+    {
+        m->write(summary({u"раз"_s}));
+        QTcpSocket* waiting = nullptr;
+        m->program.server.reply = [&](QTcpSocket* socket, const Server::Request& request) {
+            if (request.path == "/api/assist/edit") waiting = socket;
+        };
+        m->program.signIn();
+        MeetingDetailModel& first = m->open();
+        first.setDraft(u"замени"_s);
+        first.sendRemark(u"замени"_s);
+        QTRY_VERIFY(waiting);
+        m->main->back();
+        MeetingDetailModel& second = m->open();
+        QTRY_COMPARE(told(*second.sections()), u"раз"_s);
+        QCOMPARE(second.draft(), u"замени"_s); // nobody knows yet what will come of it
+        waiting->write(Server::answer(200, R"({"found":true,"section":"decisions","index":0,"text":"два"})"));
+        QTRY_COMPARE(second.draft(), QString{});
+        QTRY_COMPARE(told(*second.sections()), u"два"_s);
+        QVERIFY(second.edited());
+    }
+
+    void aDraftOutlivesARefusal()
+    {
+        m->write(summary({u"раз"_s}));
+        QTcpSocket* waiting = nullptr;
+        m->program.server.reply = [&](QTcpSocket* socket, const Server::Request& request) {
+            if (request.path == "/api/assist/edit") waiting = socket;
+        };
+        m->program.signIn();
+        MeetingDetailModel& left = m->open();
+        left.setDraft(u"замени"_s);
+        left.sendRemark(u"замени"_s);
+        QTRY_VERIFY(waiting);
+        m->main->back();
+        QSignalSpy gone{&left, &QObject::destroyed};
+        waiting->write(Server::answer(500, "{}"));
+        QVERIFY(gone.wait());
+        QCOMPARE(m->open().draft(), u"замени"_s);
+    }
+
+private:
+    struct Fixture {
+        Program program;
+        std::unique_ptr<MainModel> main;
+
+        void write(const QByteArray& bytes) const
+        {
+            program.write(program.paths.logs + u'/' + id + u".protocol.json"_s, bytes);
+        }
+        MeetingDetailModel& open()
+        {
+            if (!main) {
+                main = std::make_unique<MainModel>(MainModel::Ground{.paths = program.paths,
+                                                                     .prefs = program.prefs,
+                                                                     .account = program.account,
+                                                                     .http = program.http,
+                                                                     .processes = program.processes,
+                                                                     .language = program.language,
+                                                                     .scheduler = program.scheduler,
+                                                                     .settings = program.settings,
+                                                                     .webOrigin = program.server.origin()});
+            }
+            [this] { QTRY_VERIFY(main->store()->loaded()); }();
+            main->open(id);
+            [this] { QTRY_VERIFY(main->detail() && main->detail()->loaded()); }();
+            return *main->detail();
+        }
+    };
+    std::unique_ptr<Fixture> m;
+};
+
+MURMELI_TEST(DetailTest)
+#include "DetailTest.moc"
