@@ -27,8 +27,7 @@ namespace {
 constexpr auto blinkInterval = 700ms;
 constexpr auto handOver = 500ms;  ///< in which a window manager activates a window that asks for it
 constexpr auto trayPatience = 2s; ///< at log-in the tray may come later than we do
-constexpr qint64 samePress =
-    400; ///< milliseconds in which a press can both close the panel and reach the icon
+constexpr auto samePress = 400ms; ///< in which a press can both close the panel and reach the icon
 
 const QColor recordingRed = QColor::fromRgbF(0.855F, 0.243F, 0.31F);
 constexpr float dimAlpha = 0.4F;
@@ -185,11 +184,16 @@ void AppDelegate::showSetup()
 void AppDelegate::afterSetup()
 {
     m_state.load();
+    m_account.handOver();
     m_updater.check();
     openPanel();
     // Only when the panel has the keyboard: else the window manager, looking for who is to have it after the
     // window, would take it from the panel, which then closes.
-    const auto close = [this] { m_setupWindow->close(); };
+    const auto close = [this] {
+        if (!m_setupWindow) return;
+        m_setupWindow->close();
+        m_setupWindow.release()->deleteLater();
+    };
     connect(floatingPanel(), &QWindow::activeChanged, m_setupWindow.get(), close, Qt::SingleShotConnection);
     m_ground.scheduler.after(handOver, m_setupWindow.get(), close);
 }
@@ -205,11 +209,18 @@ KeyPanel* AppDelegate::floatingPanel()
     m_ground.look.setCompositing(windowSystem::compositing());
     m_floating = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Floating, panelParts());
     connect(m_floating.get(), &KeyPanel::contentSizeChanged, this, [this] {
-        if (m_floating->isOpen()) placePanel();
+        if (m_floating && m_floating->isOpen()) placePanel();
     });
     connect(m_floating.get(), &KeyPanel::pressedOutside, this, [this] {
-        // The icon's own action will toggle.
-        if (m_ground.statusItem.geometry().contains(QCursor::pos())) return;
+        if (m_ground.statusItem.geometry().contains(QCursor::pos())) {
+            // The icon's own action will toggle. Unless the pointer merely lies there, and something else has
+            // taken the activation.
+            KeyPanel* panel = m_floating.get();
+            m_ground.scheduler.after(samePress, panel, [this, panel] {
+                if (panel == m_floating.get() && !panel->isActive()) closePanel();
+            });
+            return;
+        }
         m_closedFromOutside.start();
         closePanel();
     });
@@ -225,7 +236,8 @@ void AppDelegate::toggle()
     m_pressedAt = QCursor::pos();
     // Where the icon's place is unknown, the press that closed the panel may have been on the icon itself.
     const bool unknownPlace = m_ground.statusItem.geometry().isEmpty();
-    if (unknownPlace && m_closedFromOutside.isValid() && m_closedFromOutside.elapsed() < samePress) return;
+    if (unknownPlace && m_closedFromOutside.isValid() && m_closedFromOutside.elapsed() < samePress.count())
+        return;
     if (floatingPanel()->isOpen()) {
         closePanel();
     } else {
@@ -280,8 +292,13 @@ void AppDelegate::showWindow()
 void AppDelegate::told(const QString& line)
 {
     if (m_account.handle(line)) return;
+    if (line != "activate"_L1) return;
     // A second start shows nothing by itself where the icon is there to be pressed.
-    if (line == "activate"_L1 && !m_ground.statusItem.hasTray()) showWindow();
+    if (m_setupWindow) {
+        m_setupWindow->present();
+    } else if (!m_ground.statusItem.hasTray()) {
+        showWindow();
+    }
 }
 
 void AppDelegate::followStatus()

@@ -19,6 +19,7 @@ namespace murmeli {
 namespace {
 
 const QString placeKey = u"place"_s;
+constexpr int titleBar = 40; // about as high as a desktop's is, which is not known before it is there
 
 } // namespace
 
@@ -45,6 +46,8 @@ AppWindow::~AppWindow()
 void AppWindow::restorePlace()
 {
     const QRect available = screen() ? screen()->availableGeometry() : QRect{};
+    if (available.isValid())
+        resize(size().boundedTo(available.size() - QSize{0, titleBar}).expandedTo(minimumSize()));
     setPosition(available.center() - QPoint{width() / 2, height() / 2});
     if (m_placeFile.isEmpty()) return;
     const QRect known = QSettings{m_placeFile, QSettings::IniFormat}.value(placeKey).toRect();
@@ -75,7 +78,9 @@ void AppWindow::present()
         m_placed = true;
         restorePlace();
     }
-    show();
+    // Not show(), which would make a window that fills the screen small again.
+    if (windowStates() & Qt::WindowMinimized) setWindowStates(windowStates() & ~Qt::WindowMinimized);
+    setVisible(true);
     raise();
     requestActivate();
 }

@@ -6,7 +6,7 @@ namespace murmeli {
 
 class Language;
 
-/// An ordinary window with one view in it. Closing hides it; it is the same window when shown again.
+/// An ordinary window with one view in it. Closing hides it; whoever made it may keep it or drop it then.
 /// Main thread only.
 class AppWindow final : public QQuickView {
     Q_OBJECT

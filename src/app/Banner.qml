@@ -20,7 +20,7 @@ Item {
 
     property real unfolded: shown ? 1 : 0
 
-    implicitHeight: (card.implicitHeight + Theme.padPanel) * unfolded
+    implicitHeight: (card.implicitHeight + Theme.padPanel) * Theme.unfolded(unfolded)
     visible: unfolded > 0
     opacity: unfolded
     clip: unfolded < 1

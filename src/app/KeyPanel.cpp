@@ -25,7 +25,7 @@ constexpr Qt::WindowFlags floatingFlags =
 } // namespace
 
 KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
-    : QQuickView(&engine, nullptr), m_kind(kind), m_state(parts.state)
+    : QQuickView(&engine, nullptr), m_kind(kind)
 {
     const bool floating = kind == Kind::Floating;
     if (floating) {
@@ -114,13 +114,7 @@ void KeyPanel::hideEvent(QHideEvent* event)
 void KeyPanel::keyPressEvent(QKeyEvent* event)
 {
     QQuickView::keyPressEvent(event);
-    if (event->isAccepted() || event->key() != Qt::Key_Escape) return;
-    // What popped up last goes first.
-    if (m_state.authFlag()) {
-        m_state.dismissAuthBanner();
-    } else if (m_kind == Kind::Floating) {
-        closePanel();
-    }
+    if (m_kind == Kind::Floating && !event->isAccepted() && event->key() == Qt::Key_Escape) closePanel();
 }
 
 } // namespace murmeli

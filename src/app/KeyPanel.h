@@ -59,7 +59,6 @@ private:
     void setOpen(bool open);
 
     Kind m_kind;
-    AppState& m_state;
     bool m_open = false;
     std::unique_ptr<ClickOutside> m_clickOutside;
 };

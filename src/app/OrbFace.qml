@@ -88,7 +88,7 @@ Item {
     }
     QtObject {
         id: press
-        property real value: root.waiting ? 0.95 : root.pressed ? 0.96 : root.hovered ? 1.035 : 1
+        property real value: !Theme.motion ? 1 : root.waiting ? 0.95 : root.pressed ? 0.96 : root.hovered ? 1.035 : 1
         Behavior on value {
             NumberAnimation { duration: root.pressed ? Theme.instant : Theme.quick; easing.type: Easing.OutCubic }
         }

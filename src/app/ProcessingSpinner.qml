@@ -1,5 +1,4 @@
 import QtQuick
-import Murmeli.App
 import Murmeli.Ui
 
 // A small gear that turns while earlier meetings are written up.

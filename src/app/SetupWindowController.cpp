@@ -23,14 +23,19 @@ SetupWindowController::SetupWindowController(const Paths& paths, SetupRunner::Pl
                                          {u"perms"_s, QVariant::fromValue(&m_permissions)},
                                          {u"updater"_s, QVariant::fromValue(&updater)}},
                           .titleKey = u"setup.title"_s,
-                          .size = {560, 720}}))
+                          .size = {560, 720},
+                          .least = {560, 440}}))
 {
     if (QQuickItem* view = m_window->rootObject()) connect(view, SIGNAL(done()), this, SIGNAL(done()));
     connect(&m_runner, &SetupRunner::changed, this, [this, wasRunning = false]() mutable {
         const bool ended = std::exchange(wasRunning, m_runner.isRunning()) && !m_runner.isRunning();
         if (!ended) return;
         m_permissions.refresh(); // only now is there anyone to ask
-        m_window->present();
+        if (m_window->isVisible()) {
+            m_window->alert(0); // and the keyboard stays where it is
+        } else {
+            m_window->present();
+        }
     });
 }
 
@@ -47,6 +52,8 @@ void SetupWindowController::show()
     }
     m_window->present();
 }
+
+void SetupWindowController::present() { m_window->present(); }
 
 void SetupWindowController::close() { m_window->close(); }
 

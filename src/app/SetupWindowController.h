@@ -29,6 +29,9 @@ public:
     /// Shows the window and starts what is to be installed, unless the program runs from a disk image.
     void show();
 
+    /// Brings the window back, as it is.
+    void present();
+
     void close();
 
 signals:

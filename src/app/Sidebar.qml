@@ -71,7 +71,7 @@ Rectangle {
         spacing: 2
         activeFocusOnTab: true
         Accessible.role: Accessible.PageTabList
-        Accessible.name: L.t("main.sections")
+        Accessible.name: L.t("main.sections") + ", " + L.t(root.tabs[root.model.tab].key) // the arrows change it here
         Keys.onUpPressed: root.model.tab = Math.max(0, root.model.tab - 1)
         Keys.onDownPressed: root.model.tab = Math.min(root.tabs.length - 1, root.model.tab + 1)
 

@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.App
-import Murmeli.Localisation
 import Murmeli.Ui
 
 // The big round record button.

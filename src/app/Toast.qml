@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Window
-import Murmeli.App
 import Murmeli.Ui
 
 // A card that says in passing that a recording has started or ended. Takes no focus and no clicks.

@@ -306,6 +306,7 @@ const std::array<Text, ownTextCount> englishOwn = {{
     {"open_recordings.subtitle.linux", u"Open in the file manager"},
     {"instructions.kind", u"Text (*.md *.txt)"},
     {"instructions.subtitle.refused", u"That file could not be used: it is empty or not UTF-8 text"},
+    {"instructions.subtitle.not_saved", u"The file could not be saved in the shared folder. What was in force stays"},
     {"instructions.clear", u"Remove the instructions"},
     {"stepper.less", u"Less: %@"},
     {"stepper.more", u"More: %@"},

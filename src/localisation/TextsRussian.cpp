@@ -306,6 +306,7 @@ const std::array<Text, ownTextCount> russianOwn = {{
     {"open_recordings.subtitle.linux", u"Открыть в файловом менеджере"},
     {"instructions.kind", u"Текст (*.md *.txt)"},
     {"instructions.subtitle.refused", u"Файл не подошёл: он пуст или это не текст в UTF-8"},
+    {"instructions.subtitle.not_saved", u"Файл не удалось сохранить в общей папке. Действует то, что было"},
     {"instructions.clear", u"Убрать инструкцию"},
     {"stepper.less", u"Меньше: %@"},
     {"stepper.more", u"Больше: %@"},

@@ -19,7 +19,7 @@ Item {
         root.wide = !root.wide && root.more;
     }
 
-    implicitHeight: (card.height + 9) * extent
+    implicitHeight: (card.height + 9) * Theme.unfolded(extent)
     visible: extent > 0
     clip: extent < 1
     opacity: extent

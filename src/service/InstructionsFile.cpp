@@ -14,14 +14,15 @@ constexpr qint64 sourceLimit = 16 * 1024 * 1024; // bytes; of a larger file nobo
 
 } // namespace
 
-bool load(const QString& source, const QString& target)
+Loaded load(const QString& source, const QString& target)
 {
-    const auto bytes = files::readWhole(source, sourceLimit);
-    if (!bytes || bytes->isEmpty()) return false;
+    const QByteArray bytes = files::readWhole(source, sourceLimit).value_or(QByteArray{});
     QStringDecoder decoder{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
-    const QString text = decoder(*bytes);
-    return !decoder.hasError() && !text.isEmpty() &&
-           files::writeAtomic(target, text::first(text, Paths::instructionsLimit).toUtf8());
+    const QString text = decoder(bytes);
+    if (decoder.hasError() || text.isEmpty()) return Loaded::NoText;
+    return files::writeAtomic(target, text::first(text, Paths::instructionsLimit).toUtf8())
+               ? Loaded::Taken
+               : Loaded::NotSaved;
 }
 
 std::optional<qint64> size(const QString& target)

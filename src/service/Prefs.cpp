@@ -16,7 +16,7 @@ QByteArray Prefs::readBytes() const
     QByteArray bytes;
     for (int look = 0; look < looks; ++look) {
         bytes = files::readWhole(m_file, sizeLimit).value_or(QByteArray{});
-        if (bytes.isEmpty() || json::object(bytes)) break;
+        if (json::object(bytes)) break;
     }
     return bytes;
 }
@@ -45,6 +45,7 @@ bool Prefs::boolean(const QString& key, bool fallback) const
 
 void Prefs::set(const QString& key, const QJsonValue& value)
 {
+    if (files::identity(m_file).size > sizeLimit) return; // what we cannot read is not ours to replace
     // A failure is silent by design.
     std::ignore = files::writeInPlace(m_file, json::withMember(readBytes(), key, value));
 }

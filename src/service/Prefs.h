@@ -13,7 +13,7 @@ class Prefs {
 public:
     explicit Prefs(QString file);
 
-    /// The whole object; empty when the file is missing, unreadable, damaged or no object.
+    /// The whole object; empty when the file is missing, unreadable, too large, damaged or no object.
     [[nodiscard]] const QJsonObject& load() const;
 
     /// The value under `key` when it has the type asked for, else `fallback`.
@@ -24,7 +24,7 @@ public:
     /// is replaced. Failures are silent, as the service's choices must never stop the user.
     void set(const QString& key, const QJsonValue& value);
 
-    static constexpr qint64 sizeLimit = 1024 * 1024; ///< bytes; a larger file counts as damaged
+    static constexpr qint64 sizeLimit = 16 * 1024 * 1024; ///< bytes; a larger file is left alone
 
 private:
     [[nodiscard]] QByteArray readBytes() const;

@@ -13,7 +13,7 @@ Item {
     readonly property bool hidden: model.hides(row, model.revision)
     property real extent: hidden ? 0 : 1
 
-    implicitHeight: Math.max(Theme.rowHeight, texts.implicitHeight + 20) * extent
+    implicitHeight: Math.max(Theme.rowHeight, texts.implicitHeight + 20) * Theme.unfolded(extent)
     visible: extent > 0
     enabled: !hidden
     clip: extent < 1

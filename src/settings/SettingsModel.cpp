@@ -8,7 +8,6 @@
 #include "platform/FileDialog.h"
 #include "platform/Workspace.h"
 #include "service/AppState.h"
-#include "service/InstructionsFile.h"
 #include "service/Paths.h"
 #include "service/Prefs.h"
 #include "update/Updater.h"
@@ -45,11 +44,17 @@ SettingsModel::SettingsModel(const Ground& ground, QObject* parent)
 
 SettingsModel::~SettingsModel() = default;
 
-PermissionsModel* SettingsModel::permissions()
+PermissionsModel* SettingsModel::permissionsFor(QObject* pane) const
 {
-    if (!m_permissions)
-        m_permissions = std::make_unique<PermissionsModel>(m_ground.paths, m_ground.processes);
-    return m_permissions.get();
+    auto* permissions = new PermissionsModel{m_ground.paths, m_ground.processes};
+    permissions->setParent(pane);
+    return permissions;
+}
+
+void SettingsModel::opened()
+{
+    m_loaded = instructionsFile::Loaded::Taken;
+    touch();
 }
 
 void SettingsModel::touch()
@@ -64,7 +69,7 @@ void SettingsModel::refresh()
     const QJsonObject& now = m_ground.prefs.load();
     if (now == m_seen && size == m_instructionsSize) return;
     m_seen = now;
-    m_instructionsSize = size;
+    if (std::exchange(m_instructionsSize, size) != size) m_loaded = instructionsFile::Loaded::Taken;
     touch();
 }
 
@@ -117,9 +122,8 @@ void SettingsModel::setBool(const QString& key, bool value)
     store(key, value);
     if (key != loginKey) return;
     // Nobody waits for it: where it is not there, the desktop's own list counts.
-    m_ground.processes.run({.program = m_ground.loader,
-                            .arguments = {value ? u"load"_s : u"unload"_s, m_ground.paths.appAgentFile}},
-                           this, [](const ProcessResult&) {});
+    m_ground.processes.startDetached(m_ground.loader,
+                                     {value ? u"load"_s : u"unload"_s, m_ground.paths.appAgentFile});
     if (m_ground.setLoginItem) m_ground.setLoginItem(value);
 }
 
@@ -156,7 +160,8 @@ QString SettingsModel::subtitle(const SettingRow& row, const QString& language, 
     case settingAction::CheckUpdate:
         return versionSubtitle(language);
     default:
-        if (m_instructionsRefused) return t("instructions.subtitle.refused");
+        if (m_loaded == instructionsFile::Loaded::NoText) return t("instructions.subtitle.refused");
+        if (m_loaded == instructionsFile::Loaded::NotSaved) return t("instructions.subtitle.not_saved");
         if (!m_instructionsSize) return t("instructions.subtitle.none");
         return Language::text(language, u"instructions.subtitle.loaded"_s,
                               QString::number((*m_instructionsSize + kilobyte - 1) / kilobyte));
@@ -198,8 +203,8 @@ void SettingsModel::loadInstructions(const QString& file)
     inBackground(
         this,
         [file, target = m_ground.paths.userInstructions] { return instructionsFile::load(file, target); },
-        [this](bool taken) {
-            m_instructionsRefused = !taken;
+        [this](instructionsFile::Loaded loaded) {
+            m_loaded = loaded;
             m_instructionsSize = instructionsFile::size(m_ground.paths.userInstructions);
             touch();
         });
@@ -218,7 +223,7 @@ void SettingsModel::run(int action, QQuickItem* anchor)
         break;
     case settingAction::ClearInstructions:
         QFile::remove(m_ground.paths.userInstructions);
-        m_instructionsRefused = false;
+        m_loaded = instructionsFile::Loaded::Taken;
         m_instructionsSize = instructionsFile::size(m_ground.paths.userInstructions);
         touch();
         break;

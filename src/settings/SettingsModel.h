@@ -2,6 +2,7 @@
 
 #include "SettingsCatalog.h"
 #include "permissions/PermissionsModel.h"
+#include "service/InstructionsFile.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -32,7 +33,6 @@ class SettingsModel final : public QObject {
     Q_PROPERTY(int revision READ revision NOTIFY changed FINAL)
     Q_PROPERTY(bool telegramConnected READ telegramConnected NOTIFY changed FINAL)
     Q_PROPERTY(bool hasInstructions READ hasInstructions NOTIFY changed FINAL)
-    Q_PROPERTY(murmeli::PermissionsModel* permissions READ permissions CONSTANT FINAL)
 
 public:
     /// What the settings stand among; all of it outlives the model.
@@ -56,7 +56,12 @@ public:
     [[nodiscard]] int revision() const { return m_revision; }
     [[nodiscard]] bool telegramConnected() const;
     [[nodiscard]] bool hasInstructions() const { return m_instructionsSize.has_value(); }
-    [[nodiscard]] PermissionsModel* permissions();
+
+    /// What a pane of the settings asks of the permissions; goes with the pane.
+    Q_INVOKABLE [[nodiscard]] murmeli::PermissionsModel* permissionsFor(QObject* pane) const;
+
+    /// The settings have been opened: what was said of a file that was chosen earlier is past.
+    Q_INVOKABLE void opened();
 
     // The preferences, each with its default for a missing value or one of another type. Of a number outside
     // of its bounds the nearest bound counts, and is stored.
@@ -96,9 +101,8 @@ private:
     QList<SettingSection> m_sections;
     int m_revision = 0;
     QJsonObject m_seen;
-    std::optional<qint64> m_instructionsSize; ///< bytes
-    bool m_instructionsRefused = false;       ///< the file chosen last was no text
-    std::unique_ptr<PermissionsModel> m_permissions;
+    std::optional<qint64> m_instructionsSize;                            ///< bytes
+    instructionsFile::Loaded m_loaded = instructionsFile::Loaded::Taken; ///< the file chosen last
 };
 
 } // namespace murmeli

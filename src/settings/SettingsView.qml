@@ -14,6 +14,7 @@ Rectangle {
     readonly property int side: windowed ? Theme.padWindow : Theme.padMain
 
     color: Theme.bgWindow
+    Component.onCompleted: model.opened()
 
     Flickable {
         id: scroll
@@ -97,7 +98,7 @@ Rectangle {
             }
             PermissionsPane {
                 width: column.width
-                model: root.model.permissions
+                model: root.model.permissionsFor(root)
                 compact: true
             }
         }

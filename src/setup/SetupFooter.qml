@@ -18,6 +18,8 @@ Item {
     readonly property bool finished: !diskImage && runner.finished
 
     function focusFirst(): void {
+        const at = Window.activeFocusItem;
+        if (at instanceof PillButton && at.visualFocus && at.visible) return; // the user is at another button
         if (failed) retry.forceActiveFocus(Qt.OtherFocusReason);
         else if (finished) start.forceActiveFocus(Qt.OtherFocusReason);
     }
@@ -59,6 +61,8 @@ Item {
             id: retry
             kind: PillButton.Primary
             buttonHeight: Theme.buttonLarge
+            enabled: !root.runner.running // a script may put things in order after it has failed
+            onEnabledChanged: if (enabled && root.failed) root.focusFirst()
             text: L.t("setup.action.retry")
             onClicked: root.runner.start()
         }
@@ -74,6 +78,9 @@ Item {
         visible: root.failed
         type: Theme.fixedPitch
         color: Theme.text3
+        wrapMode: Text.Wrap
+        elide: Text.ElideRight
+        maximumLineCount: 2
         text: root.runner.tail
         Accessible.role: Accessible.AlertMessage
     }

@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QStringDecoder>
+#include <QtConcurrentRun>
 
 #include <algorithm>
 #include <tuple>
@@ -38,6 +39,7 @@ std::optional<int> percent(const QString& text)
 SetupRunner::SetupRunner(Place place, Processes& processes, Scheduler& scheduler, QObject* parent)
     : QAbstractListModel(parent), m_place(std::move(place)), m_processes(processes), m_scheduler(scheduler)
 {
+    m_logWriter.setMaxThreadCount(1);
 }
 
 SetupRunner::~SetupRunner() = default;
@@ -77,8 +79,10 @@ void SetupRunner::start()
     m_failedStep.reset();
     m_states.fill({});
     m_task = std::make_unique<QObject>();
-    QDir{}.mkpath(QFileInfo{m_place.logFile}.path());
-    QFile::remove(m_place.logFile);
+    std::ignore = QtConcurrent::run(&m_logWriter, [log = m_place.logFile] {
+        QDir{}.mkpath(QFileInfo{log}.path());
+        QFile::remove(log);
+    });
     m_processes.run({.program = u"/bin/bash"_s,
                      .arguments = {u"-c"_s, installCommand(m_place.webOrigin)},
                      .onOutput = [this](const QByteArray& chunk) { read(chunk); }},
@@ -112,7 +116,10 @@ void SetupRunner::openLog() const { workspace::openUrl(QUrl::fromLocalFile(m_pla
 
 void SetupRunner::read(const QByteArray& chunk)
 {
-    std::ignore = files::append(m_place.logFile, chunk); // a log that cannot be written stops no installation
+    // Gigabytes of models are being written meanwhile, so this may take its time. Where it fails, nothing
+    // stops.
+    std::ignore =
+        QtConcurrent::run(&m_logWriter, [log = m_place.logFile, chunk] { return files::append(log, chunk); });
     QStringDecoder decoder{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
     const QString text = decoder(chunk);
     if (decoder.hasError()) return;

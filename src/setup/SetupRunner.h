@@ -3,6 +3,7 @@
 #include "SetupStep.h"
 
 #include <QAbstractListModel>
+#include <QThreadPool>
 #include <QtQml/qqmlregistration.h>
 
 #include <memory>
@@ -54,8 +55,8 @@ public:
     [[nodiscard]] bool isRunning() const { return bool(m_task); }
     [[nodiscard]] bool isFinished() const { return m_finished; }
     [[nodiscard]] std::optional<SetupStep> failedStep() const { return m_failedStep; }
-    /// The run ended without success, whether or not a step is to blame.
-    [[nodiscard]] bool hasFailed() const { return m_failed; }
+    /// A step has failed, or the run has ended without success and no step is to blame.
+    [[nodiscard]] bool hasFailed() const { return m_failed || m_failedStep; }
     [[nodiscard]] QString tail() const { return m_tail; }
     [[nodiscard]] double overallPercent() const;
     [[nodiscard]] QString logFile() const { return m_place.logFile; }
@@ -93,11 +94,12 @@ private:
     Scheduler& m_scheduler;
     std::array<StepState, allSetupSteps.size()> m_states;
     bool m_finished = false;
-    bool m_failed = false;
+    bool m_failed = false; ///< the run has ended without success
     std::optional<SetupStep> m_failedStep;
     QString m_tail;
     std::unique_ptr<QObject> m_task; ///< the run under way; the installer ends with it
     bool m_publishing = false;
+    QThreadPool m_logWriter; ///< one thread, so that the log is written in order
 };
 
 } // namespace murmeli

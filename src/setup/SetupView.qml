@@ -174,7 +174,7 @@ Rectangle {
                     anchors.right: parent.right
                     type: Theme.caption
                     color: Theme.text3
-                    text: root.percent + " %"
+                    text: L.percent(root.percent)
                     Accessible.ignored: true
                 }
             }

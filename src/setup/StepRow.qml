@@ -41,7 +41,7 @@ Rectangle {
         id: figure
         anchors { right: end.left; rightMargin: 9; verticalCenter: parent.verticalCenter }
         type: Theme.granted
-        text: root.running && root.percent >= 0 ? root.percent + " %" : ""
+        text: root.running && root.percent >= 0 ? L.percent(root.percent) : ""
         Accessible.ignored: true
     }
     Item {

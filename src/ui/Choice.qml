@@ -78,6 +78,7 @@ ComboBox {
         Accessible.role: Accessible.ListItem
         Accessible.name: modelData.text
         Accessible.selected: root.currentIndex === index
+        Accessible.onPressAction: line.clicked()
         background: Rectangle {
             radius: 7
             color: line.marked ? Theme.fillViolet : Theme.clear

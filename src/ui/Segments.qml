@@ -31,7 +31,11 @@ FocusScope {
     onActiveFocusChanged: if (activeFocus) keyboard = true
 
     Accessible.role: Accessible.Grouping
-    Accessible.name: name
+    // With what holds, since the arrows change it while the keyboard stays here.
+    Accessible.name: {
+        const holding = options.find(option => option.value === current);
+        return holding ? name + ", " + holding.text : name;
+    }
 
     Rectangle {
         anchors.fill: parent

@@ -21,6 +21,7 @@ namespace {
 constexpr auto firstCheck = 30s;
 constexpr auto checkInterval = 1h;
 constexpr auto installTime = 90s;
+constexpr qsizetype longestLabel = 60;     // characters of a version or a day
 constexpr qint64 recordLimit = 256 * 1024; // bytes; a release record has a few thousand
 
 /// The components of a version; what is no whole number counts as 0.
@@ -79,7 +80,8 @@ QStringList Updater::paragraphs() const
 {
     QStringList paragraphs;
     for (const QString& line : m_notes.split(u'\n', Qt::SkipEmptyParts)) {
-        if (const QString paragraph = text::trimmed(line); !paragraph.isEmpty()) paragraphs.append(paragraph);
+        if (const QString paragraph = text::trimmed(line); !paragraph.isEmpty())
+            paragraphs.append(text::shortened(paragraph));
     }
     return paragraphs;
 }
@@ -121,10 +123,10 @@ void Updater::take(const QByteArray& record)
         setPhase(Phase::Failed);
         return;
     }
-    m_latest = *version;
+    m_latest = text::shortened(text::oneLine(*version), longestLabel);
     m_available = isNewer(*version, current());
     m_notes = json::text(*object, "notes"_L1);
-    m_released = json::text(*object, "released"_L1);
+    m_released = text::shortened(text::oneLine(json::text(*object, "released"_L1)), longestLabel);
     m_lastChecked = m_scheduler.moment();
     setPhase(m_available ? Phase::Available : Phase::UpToDate);
     if (m_available && replaceable() && m_status() != "recording"_L1) runUpdate();

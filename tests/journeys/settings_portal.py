@@ -18,11 +18,12 @@ DESCRIPTION = f"""<node><interface name="{INTERFACE}">
   <method name="Read"><arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/></method>
   <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
 </interface></node>"""
-SPACES = {"color-scheme": "org.freedesktop.appearance", "enable-animations": "org.gnome.desktop.interface"}
+SPACES = {"color-scheme": "org.freedesktop.appearance", "reduced-motion": "org.freedesktop.appearance",
+          "enable-animations": "org.gnome.desktop.interface"}
 
 
 def value_of(key: str, text: str) -> GLib.Variant:
-    return GLib.Variant("u", int(text)) if key == "color-scheme" else GLib.Variant("b", text == "true")
+    return GLib.Variant("b", text == "true") if key == "enable-animations" else GLib.Variant("u", int(text))
 
 
 class Portal:

@@ -46,6 +46,9 @@ class Mouse:
             self.session.screen.click(*self.session.tree.find("frame").extents.middle, button=5)
         raise AssertionError(f"«{name}» is not where one can scroll to")
 
+    def choose(self, name: str, _step: str) -> None:
+        self.press("list item", name)
+
     def pick(self, entry: int, before) -> None:
         """From the menu that has just come up."""
         menu = wait_for(lambda: [one for one in self.session.screen.windows() if one not in before], "the menu", 20)[0]
@@ -81,6 +84,11 @@ class Keyboard(Mouse):
         self.session.tree.wait("list item", name)
         self.session.screen.key("ctrl+f", "Down", "Return")
 
+    def choose(self, name: str, step: str) -> None:
+        """The entry beside the chosen one, in the list that has opened."""
+        self.session.tree.wait("list item", name)
+        self.session.screen.key(step, "Return")
+
     def pick(self, entry: int, before) -> None:
         wait_for(lambda: [one for one in self.session.screen.windows() if one not in before], "the menu", 20)
         self.session.screen.key(*["Down"] * (entry + 1), "Return")
@@ -93,6 +101,9 @@ class Assistive(Keyboard):
         self.session.tree.wait(role, name).act("Press", "Toggle")
 
     def open_row(self, name) -> None:
+        self.press("list item", name)
+
+    def choose(self, name: str, _step: str) -> None:
         self.press("list item", name)
 
     def scroll_to(self, name: str) -> None:
@@ -219,8 +230,7 @@ class FirstDay(JourneyTest):
         wait_for(lambda: stored().get("notifications") is False, "the setting")
         self.hands.press("combo box", f"{self.t('locale.title')}, {self.t('locale.' + self.language)}")
         other = dict(ru="en", en="ru")[self.language]
-        self.session.tree.wait("list item", self.t(f"locale.{other}"))
-        self.session.screen.key(*(["Down"] if other == "en" else ["Up"]), "Return")
+        self.hands.choose(self.t(f"locale.{other}"), "Down" if other == "en" else "Up")
         wait_for(lambda: stored().get("locale") == other, "the language")
         self.texts = texts(other)
         self.wait("settings.title", role="heading")

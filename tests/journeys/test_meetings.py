@@ -123,7 +123,7 @@ class Searching(MeetingsTest):
         session.press("push button", CLEAR)
         wait_for(lambda: row_names(session) == everything, "all of them again")
 
-        session.tab_to("Разделы")
+        session.tab_to("Разделы, Встречи")
         session.screen.key("ctrl+f")
         wait_for(lambda: session.tree.focus_is_on(SEARCH), "the search field to have the focus")
         paste(session, "ДЕТСКАЯ комната")
@@ -196,7 +196,7 @@ class Going(MeetingsTest):
         self.assertEqual(wait_still(session), before)
         session.press("page tab", ASSISTANT)
         session.tree.wait("heading", ASSISTANT)
-        session.tab_to("Разделы")
+        session.tab_to("Разделы, Помощник")
         session.screen.key("Up")
         session.tree.wait("text", SEARCH)
 

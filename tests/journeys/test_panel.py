@@ -47,6 +47,13 @@ class Toggling(JourneyTest):
         session.screen.click(frame.extents.x + 10, orb.extents.y)
         settles(lambda: not session.panel_is_open(), "the closed panel")
 
+    def test_another_window_takes_over_while_the_pointer_lies_on_the_icon(self):
+        session = self.open_session()
+        session.press_icon()
+        session.wait_open()
+        session.start("another window", ["xmessage", "Совсем другое"])
+        settles(lambda: not session.panel_is_open(), "the closed panel")
+
     def test_presses_inside_leave_it_open(self):
         session = self.open_session()
         session.open_panel()
@@ -189,7 +196,8 @@ class Look(JourneyTest):
         wait_for(lambda: look() != settled[-1], "the orb to move again", 2)
 
     def test_still_from_the_start_and_while_recording(self):
-        session = self.open_session(portal=["enable-animations=false"],
+        # The desktop's own setting, and another one's default that its portal answers for.
+        session = self.open_session(portal=["reduced-motion=1", "enable-animations=true"],
                                     state={"status": "recording", "since": 0}, prefs={"notifications": False})
         orb = session.open_panel()
         look = lambda: session.screen.picture(orb.extents).pixels

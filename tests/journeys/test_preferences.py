@@ -49,7 +49,7 @@ class Format(JourneyTest):
         session.open_panel()
         wait_for(lambda: session.tree.focus_is_on("Начать запись"), "the focus on the orb")
         session.screen.key("Tab")
-        wait_for(lambda: session.tree.focus_is_on("Формат протокола"),
+        wait_for(lambda: session.tree.focus_is_on("Формат протокола, Развёрнутый"),
                  "the focus on the format")
         for key, value in (("Right", "short"), ("Left", "full"), ("Down", "short"), ("Right", "short"), ("Up", "full")):
             session.screen.key(key)
@@ -66,6 +66,7 @@ class Format(JourneyTest):
         wait_for(lambda: session.status() == "idle", "the meeting to be done")
         protocols = list((session.home / "Documents").rglob("*.md"))
         self.assertTrue(protocols, "the service has left a protocol")
+        self.assertNotIn("## Кратко", protocols[0].read_text("utf-8"), "what only the long form has")
 
     def test_what_another_writes_shows(self):
         session = self.open_session()
@@ -110,7 +111,7 @@ class Keyboard(JourneyTest):
         session = self.open_session()
         session.look_away()
         session.open_panel()
-        expected = ["Начать запись", "Формат протокола", AUTO_RECORD, "Подключить", "Войти в Murmeli", "Протоколы",
+        expected = ["Начать запись", "Формат протокола, Развёрнутый", AUTO_RECORD, "Подключить", "Войти в Murmeli", "Протоколы",
                     "Открыть окно", "Настройки", "Выйти из Murmeli (снова открыть — через меню приложений)", "Начать запись"]
         for name in expected:
             wait_for(lambda: session.tree.focus_is_on(name), f"the focus on «{name}»", 3)

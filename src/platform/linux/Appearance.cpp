@@ -65,13 +65,23 @@ private:
         if (key == "color-scheme"_L1 && space == "org.freedesktop.appearance"_L1) {
             setDark(value.toUInt() != 2); // 0 no preference, 1 dark, 2 light
         } else if (key == "reduced-motion"_L1) {
-            setReducedMotion(value.toUInt() == 1);
+            wishLessMotion(Wish::Portal, value.toUInt() == 1);
         } else if (key == "enable-animations"_L1) {
-            setReducedMotion(!value.toBool());
+            wishLessMotion(Wish::Gnome, !value.toBool());
         } else if (key == "AnimationDurationFactor"_L1) {
-            setReducedMotion(value.toDouble() == 0);
+            wishLessMotion(Wish::Kde, value.toDouble() == 0);
         }
     }
+
+    // Desktops answer for each other with their defaults, so one wish is enough.
+    enum Wish : unsigned { Portal = 1, Gnome = 2, Kde = 4 };
+    void wishLessMotion(Wish wish, bool there)
+    {
+        m_lessMotion = there ? m_lessMotion | wish : m_lessMotion & ~unsigned(wish);
+        setReducedMotion(m_lessMotion != 0);
+    }
+
+    unsigned m_lessMotion = 0;
 };
 
 } // namespace

@@ -130,8 +130,11 @@ private slots:
         m->installRecorder(R"({"microphone":"authorized","screen":true})");
         emit qGuiApp->applicationStateChanged(Qt::ApplicationActive);
         QTRY_VERIFY(model->allGranted());
+        m->installRecorder(R"({"microphone":"denied","screen":false})");
         emit qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
-        QCOMPARE(m->calls(), "--status\n--status\n"_ba);
+        emit qGuiApp->applicationStateChanged(Qt::ApplicationActive);
+        QTRY_VERIFY(!model->allGranted());
+        QCOMPARE(m->calls(), "--status\n--status\n--status\n"_ba); // leaving it asks nothing
     }
 
 private:

@@ -246,6 +246,16 @@ private slots:
         QCOMPARE(files::readWhole(m_paths->prefsFile, 100), R"({"auto_record":false})"_ba);
     }
 
+    void aPreferencesFileBeyondReadingIsLeftAlone()
+    {
+        QFile file{m_paths->prefsFile};
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(Prefs::sizeLimit + 1));
+        Prefs prefs{m_paths->prefsFile};
+        prefs.set(u"auto_record"_s, false);
+        QCOMPARE(file.size(), Prefs::sizeLimit + 1);
+        QVERIFY(prefs.boolean(u"auto_record"_s, true));
+    }
+
     void withoutTheSharedFolderWritesFailSilently()
     {
         QVERIFY(QDir{m_paths->root}.removeRecursively());

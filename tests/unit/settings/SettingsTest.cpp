@@ -327,6 +327,28 @@ about
                  Language::text(u"ru"_s, u"instructions.subtitle.none"_s));
     }
 
+    void whatWasSaidOfAFilePasses()
+    {
+        const auto says = [this](const char* key) {
+            return m->settings.subtitle(rowOf(m->settings, u"instructions"_s), u"ru"_s, 0) ==
+                   Language::text(u"ru"_s, QString::fromLatin1(key));
+        };
+        const QString chosen = m->home.filePath(u"rules.md"_s);
+        m->write(chosen, "# Пиши коротко\n");
+        QVERIFY(QDir{}.mkpath(m->paths.userInstructions)); // nothing can be saved there
+        m->settings.loadInstructions(chosen);
+        QTRY_VERIFY(says("instructions.subtitle.not_saved"));
+        m->settings.opened();
+        QVERIFY(says("instructions.subtitle.none"));
+        m->write(chosen, "");
+        m->settings.loadInstructions(chosen);
+        QTRY_VERIFY(says("instructions.subtitle.refused"));
+        QVERIFY(QDir{}.rmdir(m->paths.userInstructions));
+        m->write(m->paths.userInstructions, "# Из службы\n");
+        m->settings.refresh();
+        QVERIFY(!says("instructions.subtitle.refused"));
+    }
+
     void aPipeOfInstructionsIsRefused()
     {
         const QString pipe = m->home.filePath(u"pipe.md"_s);

@@ -204,9 +204,13 @@ private slots:
 
     void retryBeginsAnew()
     {
-        m->install("echo '@@fail|app'; exit 1");
+        m->install("echo '@@fail|app'; read -r < '" + m->gate() + "'; exit 1");
         m->runner->start();
-        QTRY_VERIFY(m->runner->hasFailed());
+        QTRY_VERIFY(m->runner->hasFailed()); // although the script still puts things in order
+        QVERIFY(m->runner->isRunning());
+        m->openGate();
+        QTRY_VERIFY(!m->runner->isRunning());
+        QVERIFY(m->runner->hasFailed());
         m->install("echo waiting; read -r < '" + m->gate() + "'");
         m->runner->start();
         QVERIFY(m->runner->isRunning());

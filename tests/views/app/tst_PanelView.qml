@@ -190,14 +190,14 @@ TestCase {
         fixture.prefer("locale", "en");
         tryVerify(() => shows("Ready to record"));
         verify(shows("Record when the microphone is in use"));
-        verify(!shows("Telegram: подключён"));
+        verify(!shows("Готов к записи"));
     }
 
     function test_tabOrderIsReadingOrder() {
         fixture.signIn();
         fixture.raiseFlag("{}");
         tryVerify(() => shows("Закрыть уведомление"));
-        const expected = ["Закрыть уведомление", "Начать запись", "Формат протокола", "Авто-запись при активном микрофоне",
+        const expected = ["Закрыть уведомление", "Начать запись", "Формат протокола, Развёрнутый", "Авто-запись при активном микрофоне",
             "Подключить", "Выйти из аккаунта Murmeli", "Протоколы", "Открыть окно"];
         named("Закрыть уведомление").forceActiveFocus(Qt.TabFocusReason);
         const seen = [];
