@@ -178,7 +178,7 @@ void AuthManager::syncAccount()
 
 void AuthManager::handOver()
 {
-    if (m_fileIsBehind) syncAccount();
+    if (isAuthed()) syncAccount();
 }
 
 void AuthManager::writeFile(const QString& accountId, const accountFile::Chat& chat)

@@ -65,7 +65,7 @@ public:
     /// The same for an address that the user pastes; says when it is refused.
     Q_INVOKABLE void paste(const QString& text);
 
-    /// Writes account.json again when a sign-in could not be written there, as before the setup.
+    /// Writes account.json once more, for when its folder was not there at the sign-in or at the start.
     void handOver();
 
     /// Forgets the session here. account.json stays, so that the service can still deliver.

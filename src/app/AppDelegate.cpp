@@ -176,7 +176,8 @@ void AppDelegate::showSetup()
     const QString log = workspace::stateFolder(m_ground.paths.home) + u"/setup.log"_s;
     m_setupWindow = std::make_unique<SetupWindowController>(
         m_ground.paths, SetupRunner::Place{.webOrigin = AppInfo::webOrigin(), .logFile = log},
-        m_ground.processes, m_ground.scheduler, m_engine, m_ground.language, m_updater);
+        m_ground.processes, m_ground.scheduler, m_engine, m_ground.language, m_updater, *this);
+    connect(m_setupWindow.get(), &SetupWindowController::installed, &m_account, &AuthManager::handOver);
     connect(m_setupWindow.get(), &SetupWindowController::done, this, &AppDelegate::afterSetup);
     m_setupWindow->show();
 }
@@ -184,7 +185,6 @@ void AppDelegate::showSetup()
 void AppDelegate::afterSetup()
 {
     m_state.load();
-    m_account.handOver();
     m_updater.check();
     openPanel();
     // Only when the panel has the keyboard: else the window manager, looking for who is to have it after the

@@ -1,5 +1,6 @@
 #include "MainModel.h"
 
+#include <functional>
 #include <utility>
 
 namespace murmeli {
@@ -28,7 +29,8 @@ void MainModel::open(const QString& id)
         m_detail, std::make_unique<MeetingDetailModel>(
                       MeetingDetailModel::Ground{m_ground.paths, m_store, m_glossary, m_ground.account,
                                                  m_ground.http, m_ground.processes, m_ground.language,
-                                                 m_ground.scheduler, m_ground.webOrigin, m_background},
+                                                 m_ground.scheduler, m_ground.webOrigin, m_background,
+                                                 std::bind_front(&MainModel::carriedOut, this)},
                       *meeting));
     m_detail->setDraft(m_drafts.value(id));
     emit detailChanged();
@@ -43,21 +45,12 @@ void MainModel::leave(std::unique_ptr<MeetingDetailModel> detail)
     } else {
         m_drafts[detail->id()] = detail->draft();
     }
-    auto* left = detail.release(); // its view still reads it
-    if (left->editor()->outcome() != ProtocolEditor::Outcome::Working) {
-        left->deleteLater();
-        return;
-    }
-    // The remark is still carried out, and its words are wanted again only if nothing comes of it.
-    left->setParent(this);
-    connect(left->editor(), &ProtocolEditor::changed, this, [this, left, remark = left->draft()] {
-        if (left->editor()->outcome() == ProtocolEditor::Outcome::Fixed) forget(left->id(), remark);
-        left->deleteLater();
-    });
+    detail.release()->deleteLater(); // its view still reads it
 }
 
-void MainModel::forget(const QString& id, const QString& remark)
+void MainModel::carriedOut(const QString& id, const QString& remark)
 {
+    m_store.reload();
     if (m_drafts.value(id) == remark) m_drafts.remove(id);
     if (m_detail && m_detail->id() == id && m_detail->draft() == remark) m_detail->setDraft({});
 }

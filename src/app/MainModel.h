@@ -64,7 +64,8 @@ signals:
 
 private:
     void leave(std::unique_ptr<MeetingDetailModel> detail);
-    void forget(const QString& id, const QString& remark); ///< it has been carried out
+    /// A remark was: its words are wanted no more.
+    void carriedOut(const QString& id, const QString& remark);
 
     Ground m_ground;
     QObject m_background;

@@ -11,9 +11,9 @@ namespace murmeli {
 
 SetupWindowController::SetupWindowController(const Paths& paths, SetupRunner::Place place,
                                              Processes& processes, Scheduler& scheduler, QQmlEngine& engine,
-                                             Language& language, Updater& updater)
+                                             Language& language, Updater& updater, QObject& background)
     : m_runner(std::move(place), processes, scheduler),
-      m_permissions(paths, processes),
+      m_permissions(paths, processes, background),
       m_updater(updater),
       m_needed(SetupRunner::needed(paths)),
       m_window(std::make_unique<AppWindow>(
@@ -30,6 +30,7 @@ SetupWindowController::SetupWindowController(const Paths& paths, SetupRunner::Pl
     connect(&m_runner, &SetupRunner::changed, this, [this, wasRunning = false]() mutable {
         const bool ended = std::exchange(wasRunning, m_runner.isRunning()) && !m_runner.isRunning();
         if (!ended) return;
+        if (m_runner.isFinished()) emit installed();
         m_permissions.refresh(); // only now is there anyone to ask
         if (m_window->isVisible()) {
             m_window->alert(0); // and the keyboard stays where it is

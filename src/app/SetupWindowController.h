@@ -21,8 +21,10 @@ class SetupWindowController final : public QObject {
     Q_OBJECT
 
 public:
+    /// \param background as PermissionsModel takes it.
     SetupWindowController(const Paths& paths, SetupRunner::Place place, Processes& processes,
-                          Scheduler& scheduler, QQmlEngine& engine, Language& language, Updater& updater);
+                          Scheduler& scheduler, QQmlEngine& engine, Language& language, Updater& updater,
+                          QObject& background);
     ~SetupWindowController() override;
     Q_DISABLE_COPY_MOVE(SetupWindowController)
 
@@ -35,6 +37,7 @@ public:
     void close();
 
 signals:
+    void installed();
     void done(); ///< the user has pressed the last button; the window is still there
 
 private:

@@ -15,8 +15,7 @@ namespace murmeli::files {
 
 namespace {
 
-constexpr qint64 clockTick = 50'000'000;           // nanoseconds; well above any file system's tick in use
-constexpr qint64 largestCovered = 4 * 1024 * 1024; // bytes
+constexpr qint64 clockTick = 50'000'000; // nanoseconds; well above any file system's tick in use
 
 class Descriptor {
 public:
@@ -169,8 +168,8 @@ bool writeInPlace(const QString& path, const QByteArray& bytes)
     // White space is part of no content, so it makes both of one length: first behind the old content, which
     // then is replaced in one write, and last behind the new content until the cut. What is so large that no
     // reader of ours takes it has nothing to be kept from showing.
-    const auto oldSize = qsizetype(qMin<qint64>(info->st_size, largestCovered + 1));
-    const bool cover = oldSize <= largestCovered;
+    const auto oldSize = qsizetype(qMin<qint64>(info->st_size, largestInPlace + 1));
+    const bool cover = oldSize <= largestInPlace;
     if (cover && bytes.size() > oldSize &&
         !writeAll(file.get(), QByteArray(bytes.size() - oldSize, ' '), oldSize)) {
         return false;

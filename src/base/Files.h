@@ -39,8 +39,11 @@ QList<QByteArray> namesIn(const QByteArray& nativeFolder);
 /// ago may change again without a trace.
 bool isSettled(const Identity& identity);
 
+inline constexpr qint64 largestInPlace = 4 * 1024 * 1024; ///< bytes
+
 /// Over the same file, in one write that covers all old bytes, then cut to length: a reader of JSON sees the
-/// old content or the new one, never an empty file. \return false when anything failed.
+/// old content or the new one, never an empty file. Of a larger one than largestInPlace it may see a mixture.
+/// \return false when anything failed.
 [[nodiscard]] bool writeInPlace(const QString& path, const QByteArray& bytes);
 
 /// Beside the file and then moved over it: readers see the old content or the new one. Permissions stay.

@@ -82,26 +82,33 @@ QString MeetingDetailModel::dateLine() const
     return captions::dateLine(m_meeting, today, m_ground.language.current());
 }
 
-void MeetingDetailModel::load()
+void MeetingDetailModel::load(const std::optional<Correction>& correction)
 {
-    const auto read = [meeting = m_meeting, known = m_file, protocols = m_ground.store.protocols()] {
+    const auto read = [meeting = m_meeting, known = m_file, protocol = m_protocol,
+                       protocols = m_ground.store.protocols()] {
         Content content;
         const QByteArray path = QFile::encodeName(meeting.jsonPath);
-        content.changed = files::identity(path) != known || !files::isSettled(*known);
-        if (!content.changed) return content;
-        const auto bytes = files::readWhole(path, summaryFile::sizeLimit, &content.file);
+        content.changed = files::identity(path) != known;
+        if (!content.changed) {
+            // The service may write the protocol later than its summary.
+            content.protocol = protocol ? protocol : protocols->find(meeting);
+            return content;
+        }
+        files::Identity file;
+        const auto bytes = files::readWhole(path, summaryFile::sizeLimit, &file);
         if (const auto summary = bytes ? json::object(*bytes) : std::nullopt) {
             content.readable = true;
+            if (files::isSettled(file)) content.file = file;
             content.sections = protocolItems::sections(*summary);
             content.edited = protocolItems::isEdited(*summary);
         }
         content.protocol = protocols->find(meeting);
         return content;
     };
-    inBackground(this, read, [this](const Content& content) { take(content); });
+    inBackground(this, read, [this, correction](const Content& content) { take(content, correction); });
 }
 
-void MeetingDetailModel::take(const Content& content)
+void MeetingDetailModel::take(const Content& content, const std::optional<Correction>& correction)
 {
     if (content.changed) {
         // A file that is being rewritten at this moment leaves what is shown.
@@ -109,14 +116,13 @@ void MeetingDetailModel::take(const Content& content)
             m_sections.setSections(content.sections);
             m_edited = content.edited;
         }
-        m_file = content.readable ? std::optional{content.file} : std::nullopt;
-        m_protocol = content.protocol;
+        m_file = content.file;
         m_loaded = true;
-        emit changed();
     }
-    if (const auto correction = std::exchange(m_correction, std::nullopt)) {
+    m_protocol = content.protocol;
+    emit changed();
+    if (correction)
         emit corrected(m_sections.markCorrected(correction->section, correction->index, correction->before));
-    }
 }
 
 void MeetingDetailModel::setDraft(const QString& draft)
@@ -127,15 +133,15 @@ void MeetingDetailModel::setDraft(const QString& draft)
 void MeetingDetailModel::sendRemark(const QString& remark)
 {
     if (text::trimmed(remark).isEmpty() || m_editor.outcome() == ProtocolEditor::Outcome::Working) return;
-    m_editor.apply(remark, m_meeting, [this](bool fixed) {
+    const auto done = [this](bool fixed) {
         if (!fixed) return;
-        m_correction = {m_editor.section(), m_editor.index(),
-                        m_sections.textOf(m_editor.section(), m_editor.index())};
         m_edited = true;
-        load();
-        m_ground.store.reload();
+        load(Correction{m_editor.section(), m_editor.index(),
+                        m_sections.textOf(m_editor.section(), m_editor.index())});
         emit remarkDone();
-    });
+    };
+    const auto carriedOut = [told = m_ground.carriedOut, id = m_meeting.id, remark] { told(id, remark); };
+    m_editor.apply(remark, m_meeting, done, carriedOut);
 }
 
 void MeetingDetailModel::save(QQuickItem* anchor)

@@ -12,6 +12,8 @@
 #include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
 
+#include <functional>
+
 namespace murmeli {
 
 class GlossaryStore;
@@ -47,6 +49,8 @@ public:
         const Scheduler& scheduler;
         QString webOrigin;
         QObject& background; ///< for as long as it lives, what was begun is carried out
+        /// A remark was, whether or not its meeting is still open.
+        std::function<void(const QString& id, const QString& remark)> carriedOut;
     };
 
     MeetingDetailModel(const Ground& ground, const Meeting& meeting, QObject* parent = nullptr);
@@ -94,15 +98,21 @@ signals:
 
 private:
     struct Content {
-        bool changed = true; ///< since it was read last; if not, the rest says nothing
-        files::Identity file;
+        bool changed = true; ///< since it was read last; if not, only `protocol` says something
+        std::optional<files::Identity> file; ///< nothing when it may change again without a trace
         bool readable = false;
         QList<ProtocolSection> sections;
         bool edited = false;
         std::optional<QString> protocol;
     };
-    void load();
-    void take(const Content& content);
+    struct Correction {
+        QString section;
+        qsizetype index = 0;
+        QString before;
+    };
+    /// Reads the file; what was corrected in it is marked then.
+    void load(const std::optional<Correction>& correction = {});
+    void take(const Content& content, const std::optional<Correction>& correction);
 
     Ground m_ground;
     Meeting m_meeting;
@@ -115,12 +125,6 @@ private:
     QString m_draft;
     bool m_edited = false;
     bool m_loaded = false;
-    struct Correction {
-        QString section;
-        qsizetype index = 0;
-        QString before;
-    };
-    std::optional<Correction> m_correction; ///< to be marked once the file has been read again
     QPointer<QQuickItem> m_anchor;
 };
 

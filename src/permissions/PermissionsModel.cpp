@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMetaObject>
+#include <QPointer>
 
 #include <utility>
 
@@ -26,13 +27,13 @@ constexpr qint64 answerLimit = 64 * 1024; // bytes
 
 } // namespace
 
-PermissionsModel::PermissionsModel(const Paths& paths, Processes& processes, OpenSettings openSettings,
-                                   QObject* parent)
-    : QObject(parent),
-      m_python(paths.python),
+PermissionsModel::PermissionsModel(const Paths& paths, Processes& processes, QObject& background,
+                                   OpenSettings openSettings)
+    : m_python(paths.python),
       m_script(paths.recorderScript),
       m_stateFile(paths.stateFile),
       m_processes(processes),
+      m_background(background),
       m_openSettings(std::move(openSettings))
 {
     refresh();
@@ -98,7 +99,10 @@ void PermissionsModel::run(const QString& flag, bool userDecides, std::function<
                      .arguments = {m_script, flag},
                      .timeout = userDecides ? 0s : answerTime,
                      .outputLimit = answerLimit},
-                    this, [done = std::move(done)](const ProcessResult& result) { done(result.output); });
+                    &m_background,
+                    [self = QPointer{this}, done = std::move(done)](const ProcessResult& result) {
+                        if (self) done(result.output);
+                    });
 }
 
 void PermissionsModel::apply(const QByteArray& output)

@@ -16,7 +16,7 @@ struct Paths;
 class PermissionsModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
-    QML_UNCREATABLE("made once and handed to each view")
+    QML_UNCREATABLE("made for a pane and handed to it")
     Q_PROPERTY(State microphone READ microphone NOTIFY changed FINAL)
     Q_PROPERTY(State screen READ screen NOTIFY changed FINAL)
     Q_PROPERTY(bool askingMicrophone READ askingMicrophone NOTIFY changed FINAL)
@@ -35,9 +35,11 @@ public:
     /// Shows the desktop's page for a permission; false where there is none.
     using OpenSettings = std::function<bool(Kind)>;
 
-    /// Asks for the state now and whenever the program becomes the active one.
-    PermissionsModel(const Paths& paths, Processes& processes, OpenSettings openSettings = openSystemSettings,
-                     QObject* parent = nullptr);
+    /// Asks for the state now and whenever the program becomes the active one. \param background for as long
+    /// as it lives, a question that the user is being asked stays open, also when the model has gone with its
+    /// pane.
+    PermissionsModel(const Paths& paths, Processes& processes, QObject& background,
+                     OpenSettings openSettings = openSystemSettings);
 
     [[nodiscard]] State microphone() const { return m_microphone; }
     [[nodiscard]] State screen() const { return m_screen; }
@@ -76,6 +78,7 @@ private:
     QString m_script;
     QString m_stateFile;
     Processes& m_processes;
+    QObject& m_background;
     OpenSettings m_openSettings;
     State m_microphone = State::Unknown; ///< also before the first answer
     State m_screen = State::Unknown;

@@ -1,6 +1,7 @@
 #include "GlossaryStore.h"
 
 #include "account/AuthManager.h"
+#include "account/SignInAddress.h"
 #include "base/Http.h"
 #include "base/Json.h"
 #include "base/Scheduler.h"
@@ -21,6 +22,8 @@ namespace {
 const QString copyKey = u"glossary"_s;
 // There while the copy holds what the backend has not got yet: what both had last.
 const QString baseKey = u"glossary_base"_s;
+// What could not be sent before somebody else signed in, by the account: "text" and its "base".
+const QString othersKey = u"glossary_unsent"_s;
 
 /// The glossary in an answer; nothing when the answer is no list of profiles.
 std::optional<QString> textIn(const QByteArray& answer)
@@ -45,7 +48,8 @@ GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, con
       m_scheduler(scheduler),
       m_entries(glossaryText::parseAll(prefs.string(copyKey, {}))),
       m_base(prefs.string(baseKey, prefs.string(copyKey, {}))),
-      m_unsent(prefs.load().value(baseKey).isString())
+      m_unsent(prefs.load().value(baseKey).isString()),
+      m_person(signIn::subject(account.accessToken()))
 {
     reload();
     connect(&account, &AuthManager::changed, this, [this, was = account.accessToken()]() mutable {
@@ -56,8 +60,32 @@ GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, con
         ++m_save;
         ++m_load;
         finish(false);
+        followPerson();
         reload();
     });
+}
+
+void GlossaryStore::followPerson()
+{
+    const auto person = signIn::subject(m_account.accessToken());
+    if (!person) return; // signed out: whose words they are is known only at the next sign-in
+    const auto before = std::exchange(m_person, person);
+    if (!before || before == person) return;
+    QJsonObject others = m_prefs.load().value(othersKey).toObject();
+    if (m_unsent) {
+        others[*before] = QJsonObject{{u"text"_s, glossaryText::serialised(m_entries)}, {u"base"_s, m_base}};
+    }
+    const QJsonObject own = others.take(*person).toObject();
+    const QString text = own[u"text"_s].toString();
+    m_base = own[u"base"_s].toString();
+    m_unsent = !own.isEmpty();
+    m_savedAt = {};
+    m_syncError.clear();
+    setEntries(text);
+    m_prefs.set(othersKey, others);
+    m_prefs.set(baseKey, m_unsent ? QJsonValue{m_base} : QJsonValue{});
+    m_prefs.set(copyKey, text);
+    emit changed();
 }
 
 void GlossaryStore::setEntries(const QString& text)

@@ -7,6 +7,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace murmeli {
@@ -19,7 +20,8 @@ class Prefs;
 class Scheduler;
 
 /// The user's glossary: kept in the profile on the backend, with a copy in the preferences for the service.
-/// What could not be sent stays in the copy and is sent with the next load. Main thread only.
+/// What could not be sent stays in the copy and is sent with the next load by the same person. Main thread
+/// only.
 class GlossaryStore final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -55,6 +57,7 @@ signals:
 
 private:
     void setEntries(const QString& text);
+    void followPerson();
     void keepCopy(const QString& text, bool sent);
     void loaded(const HttpAnswer& answer);
     void send();
@@ -69,7 +72,8 @@ private:
     QList<GlossaryEntry> m_entries;
     QString m_base; ///< the text that we and the backend had in common last
     bool m_unsent;  ///< the backend has not got what is here; true also when the preferences cannot keep it
-    std::vector<Then> m_waiting; ///< for the running save
+    std::optional<QString> m_person; ///< whose words these are, as far as known: the account's identifier
+    std::vector<Then> m_waiting;     ///< for the running save
     bool m_loading = false;
     bool m_loaded = false; ///< what the backend has is known
     QString m_syncError;

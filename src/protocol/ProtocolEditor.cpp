@@ -176,11 +176,13 @@ void ProtocolEditor::reset()
     if (std::exchange(m_outcome, Outcome::Idle) != Outcome::Idle) emit changed();
 }
 
-void ProtocolEditor::apply(const QString& remark, const Meeting& meeting, const Done& done)
+void ProtocolEditor::apply(const QString& remark, const Meeting& meeting, const Done& done,
+                           const std::function<void()>& carriedOut)
 {
     m_outcome = Outcome::Working;
     emit changed();
-    const auto ended = [self = QPointer{this}, done](const Result& result) {
+    const auto ended = [self = QPointer{this}, done, carriedOut](const Result& result) {
+        if (result.outcome == Outcome::Fixed && carriedOut) carriedOut();
         if (!self) return;
         self->m_outcome = result.outcome;
         self->m_text = result.text.isEmpty() && result.errorKey

@@ -47,7 +47,9 @@ public:
     [[nodiscard]] QString section() const { return m_section; } ///< of the fixed item
     [[nodiscard]] qsizetype index() const { return m_index; }
 
-    void apply(const QString& remark, const Meeting& meeting, const Done& done);
+    /// \param carriedOut runs after a change of the file, also when the editor has gone.
+    void apply(const QString& remark, const Meeting& meeting, const Done& done,
+               const std::function<void()>& carriedOut = {});
     Q_INVOKABLE void reset();
 
 signals:

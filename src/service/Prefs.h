@@ -24,7 +24,7 @@ public:
     /// is replaced. Failures are silent, as the service's choices must never stop the user.
     void set(const QString& key, const QJsonValue& value);
 
-    static constexpr qint64 sizeLimit = 16 * 1024 * 1024; ///< bytes; a larger file is left alone
+    static constexpr qint64 sizeLimit = files::largestInPlace; ///< bytes; a larger file is left alone
 
 private:
     [[nodiscard]] QByteArray readBytes() const;

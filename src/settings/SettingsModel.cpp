@@ -44,9 +44,9 @@ SettingsModel::SettingsModel(const Ground& ground, QObject* parent)
 
 SettingsModel::~SettingsModel() = default;
 
-PermissionsModel* SettingsModel::permissionsFor(QObject* pane) const
+PermissionsModel* SettingsModel::permissionsFor(QObject* pane)
 {
-    auto* permissions = new PermissionsModel{m_ground.paths, m_ground.processes};
+    auto* permissions = new PermissionsModel{m_ground.paths, m_ground.processes, *this};
     permissions->setParent(pane);
     return permissions;
 }

@@ -58,7 +58,7 @@ public:
     [[nodiscard]] bool hasInstructions() const { return m_instructionsSize.has_value(); }
 
     /// What a pane of the settings asks of the permissions; goes with the pane.
-    Q_INVOKABLE [[nodiscard]] murmeli::PermissionsModel* permissionsFor(QObject* pane) const;
+    Q_INVOKABLE [[nodiscard]] murmeli::PermissionsModel* permissionsFor(QObject* pane);
 
     /// The settings have been opened: what was said of a file that was chosen earlier is past.
     Q_INVOKABLE void opened();

@@ -64,7 +64,10 @@ Item {
             enabled: !root.runner.running // a script may put things in order after it has failed
             onEnabledChanged: if (enabled && root.failed) root.focusFirst()
             text: L.t("setup.action.retry")
-            onClicked: root.runner.start()
+            onClicked: {
+                root.runner.start();
+                root.forceActiveFocus(Qt.OtherFocusReason); // no other button, since it comes back when the run fails again
+            }
         }
         PillButton {
             buttonHeight: Theme.buttonLarge

@@ -186,15 +186,7 @@ bool shoot(const MainShot& shot, const Frame& frame)
     if (shot.profileStatus != 200) m.prefs.set(u"glossary"_s, shot.glossary);
     if (shot.signedIn) m.signIn();
     m.scheduler.advance(1500ms);
-    MainModel model{{.paths = m.paths,
-                     .prefs = m.prefs,
-                     .account = m.account,
-                     .http = m.http,
-                     .processes = m.processes,
-                     .language = m.language,
-                     .scheduler = m.scheduler,
-                     .settings = m.settings,
-                     .webOrigin = m.server.origin()}};
+    MainModel model{m.mainGround()};
     AppWindow window{engine,
                      m.language,
                      {.url = u"qrc:/qt/qml/Murmeli/App/MainWindowView.qml"_s,

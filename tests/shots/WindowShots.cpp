@@ -116,7 +116,8 @@ bool shootSetups(const Frame& frame, const QString& only)
         m.install(engine);
         m.publish(shot.script);
         installRecorder(m, shot.permissions, "60");
-        PermissionsModel permissions{m.paths, m.processes, [](PermissionsModel::Kind) { return true; }};
+        PermissionsModel permissions{m.paths, m.processes, m.settings,
+                                     [](PermissionsModel::Kind) { return true; }};
         SetupRunner runner{{.webOrigin = m.server.origin(), .logFile = m.home.filePath(u"setup.log"_s)},
                            m.processes,
                            m.scheduler};
@@ -178,7 +179,7 @@ bool shootPermissions(const Frame& frame, const QString& only)
         QQmlEngine engine;
         m.install(engine);
         installRecorder(m, shot.answer, shot.wait);
-        PermissionsModel model{m.paths, m.processes, [&](Kind) { return shot.page; }};
+        PermissionsModel model{m.paths, m.processes, m.settings, [&](Kind) { return shot.page; }};
         await([&] { return model.screen() != PermissionsModel::State::Unknown; });
         if (shot.request) model.request(*shot.request);
         if (shot.request == Kind::Screen) await([&] { return model.screenLooksStale(); });

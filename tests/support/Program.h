@@ -2,6 +2,7 @@
 
 #include "account/AuthManager.h"
 #include "app/KeyPanel.h"
+#include "app/MainModel.h"
 #include "app/PanelModel.h"
 #include "base/Files.h"
 #include "base/Http.h"
@@ -71,6 +72,19 @@ struct Program {
         engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
         language.install(engine);
         look.install(engine);
+    }
+
+    MainModel::Ground mainGround()
+    {
+        return {.paths = paths,
+                .prefs = prefs,
+                .account = account,
+                .http = http,
+                .processes = processes,
+                .language = language,
+                .scheduler = scheduler,
+                .settings = settings,
+                .webOrigin = server.origin()};
     }
 
     KeyPanel::Parts panelParts() { return {state, record, panel, account, updater}; }

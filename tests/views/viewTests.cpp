@@ -108,15 +108,7 @@ public:
     /// Makes the state of the main window anew, with what was written.
     Q_INVOKABLE void openLibrary()
     {
-        m_library = std::make_unique<MainModel>(MainModel::Ground{.paths = m.paths,
-                                                                  .prefs = m.prefs,
-                                                                  .account = m.account,
-                                                                  .http = m.http,
-                                                                  .processes = m.processes,
-                                                                  .language = m.language,
-                                                                  .scheduler = m.scheduler,
-                                                                  .settings = m.settings,
-                                                                  .webOrigin = m.server.origin()});
+        m_library = std::make_unique<MainModel>(m.mainGround());
         emit libraryChanged();
         if (!QTest::qWaitFor([this] { return m_library->store()->loaded(); }))
             qFatal("The scan does not end");

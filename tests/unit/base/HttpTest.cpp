@@ -108,7 +108,9 @@ private slots:
         };
         const QUrl url = server.url();
         if (fault == u"refused"_s) server.close();
-        send({.url = url, .timeout = fault == u"endless"_s ? 20'000ms : 300ms, .answerLimit = 1'000'000});
+        send({.url = url,
+              .timeout = fault == u"endless"_s || fault == u"cut"_s ? 20'000ms : 300ms,
+              .answerLimit = 1'000'000});
         QTRY_VERIFY(m_answer);
         QTEST(m_answer->failure, "failure");
         QCOMPARE(m_answer->body, QByteArray{});

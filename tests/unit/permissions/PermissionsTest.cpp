@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 using namespace murmeli;
 using Kind = PermissionsModel::Kind;
@@ -44,7 +46,7 @@ private slots:
     {
         QFETCH(QByteArray, answer);
         m->installRecorder(answer);
-        PermissionsModel model{m->paths, m->processes};
+        PermissionsModel model{m->paths, m->processes, m->background};
         QSignalSpy changed{&model, &PermissionsModel::changed};
         QVERIFY(changed.wait());
         QTEST(model.microphone(), "microphone");
@@ -64,7 +66,7 @@ private slots:
         QFETCH(bool, python);
         m->installRecorder("{}");
         QFile::remove(python ? m->paths.recorderScript : m->paths.python);
-        PermissionsModel model{m->paths, m->processes};
+        PermissionsModel model{m->paths, m->processes, m->background};
         QSignalSpy changed{&model, &PermissionsModel::changed};
         QVERIFY(changed.wait());
         QCOMPARE(model.microphone(), State::Unknown);
@@ -112,7 +114,7 @@ private slots:
     {
         m->installRecorder(R"({"microphone":"notDetermined","screen":false})");
         m->serviceSays(R"({"status":"recording"})");
-        PermissionsModel model{m->paths, m->processes, m->settings()};
+        PermissionsModel model{m->paths, m->processes, m->background, m->settings()};
         model.refresh();
         model.request(Kind::Microphone);
         model.request(Kind::Screen);
@@ -120,6 +122,29 @@ private slots:
         m->serviceSays(R"({"status":["recording"]})"); // what does not say so is no recording
         model.refresh();
         QTRY_COMPARE(m->calls(), "--status\n"_ba);
+        QVERIFY(m->opened.isEmpty());
+    }
+
+    void aQuestionOutlivesItsPane()
+    {
+        m->installRecorder("{}");
+        auto model = m->make();
+        const QByteArray gate = QFile::encodeName(m->home.filePath(u"gate"_s));
+        QVERIFY(mkfifo(gate.constData(), 0600) == 0);
+        QFile script{m->paths.recorderScript}; // waits as the system's question does
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        const QByteArray calls = QFile::encodeName(m->home.filePath(u"calls"_s));
+        script.write("echo asked > '" + calls + "'; read -r < '" + gate + "'; echo answered >> '" + calls +
+                     "'\n");
+        script.close();
+        model->request(Kind::Microphone);
+        QTRY_COMPARE(m->calls(), "asked\n"_ba);
+        model.reset();
+        QFile key{QString::fromLocal8Bit(gate)};
+        QVERIFY(key.open(QIODevice::WriteOnly));
+        key.write("yes\n");
+        key.close();
+        QTRY_COMPARE(m->calls(), "asked\nanswered\n"_ba);
         QVERIFY(m->opened.isEmpty());
     }
 
@@ -165,7 +190,7 @@ private:
         }
         [[nodiscard]] std::unique_ptr<PermissionsModel> make()
         {
-            auto model = std::make_unique<PermissionsModel>(paths, processes, settings());
+            auto model = std::make_unique<PermissionsModel>(paths, processes, background, settings());
             QSignalSpy changed{model.get(), &PermissionsModel::changed};
             changed.wait();
             return model;
@@ -180,6 +205,7 @@ private:
         QTemporaryDir home;
         Paths paths{home.path()};
         SystemProcesses processes;
+        QObject background;
         QList<Kind> opened;
         bool settingsPage = true;
     };

@@ -8,6 +8,7 @@
 #include "protocol/ProtocolItems.h"
 #include "registeredTests.h"
 #include "support/Program.h"
+#include "support/Token.h"
 
 #include <QAbstractItemModelTester>
 #include <QJsonArray>
@@ -469,6 +470,41 @@ private slots:
         QTRY_COMPARE(whose(), "Bearer vera"_ba);
     }
 
+    void unsentWordsStayTheirWritersOwn()
+    {
+        const QString anna = token(R"({"sub":"anna"})");
+        const QString boris = token(R"({"sub":"boris"})");
+        bool down = true;
+        QByteArray sent;
+        m->program.server.reply = [&](QTcpSocket* socket, const Server::Request& request) {
+            const bool annas = request.header("Authorization").contains(anna.toLatin1());
+            if (request.method == "PATCH" && !down)
+                sent += annas ? "anna " + request.body : "boris " + request.body;
+            const QByteArray words = annas ? R"([{"glossary":"её"}])" : R"([{"glossary":"его"}])";
+            socket->write(request.method == "GET" ? Server::answer(200, words)
+                          : down                  ? Server::answer(500, "{}")
+                                                  : Server::answer(204, ""));
+        };
+        const auto store = m->makeStore();
+        m->program.signIn(boris);
+        QTRY_COMPARE(told(store->entries()), u"его"_s);
+        std::optional<bool> saved;
+        store->save(glossaryText::parseAll(u"его\nновое"_s), [&](bool s) { saved = s; });
+        QTRY_COMPARE(saved, false);
+        down = false;
+        m->program.account.logout();
+        m->program.signIn(anna);
+        QCOMPARE(told(store->entries()), QString{}); // not even for a moment
+        QTRY_COMPARE(told(store->entries()), u"её"_s);
+        QCOMPARE(m->program.prefs.string(u"glossary"_s, {}), u"её"_s);
+        QVERIFY(store->syncError().isEmpty() && !store->savedAt().isValid());
+        m->program.account.logout();
+        m->program.signIn(boris);
+        QTRY_COMPARE(told(store->entries()), u"его|новое"_s);
+        QTRY_VERIFY(store->savedAt().isValid());
+        QCOMPARE(sent, "boris {\"glossary\":\"его\\nновое\"}"_ba);
+    }
+
     void wordsThatNoFileKeepsAreSentAllTheSame()
     {
         QVERIFY(QDir{}.mkpath(m->program.paths.prefsFile)); // no preferences can be written
@@ -478,7 +514,7 @@ private slots:
         m->program.signIn();
         QTRY_VERIFY(store->savedAt().isValid());
         QCOMPARE(told(store->entries()), u"там|моё"_s);
-        QVERIFY(m->program.server.requests.last().body.contains("там\\nмоё"));
+        QVERIFY(m->program.server.requestsTo("/rest/v1/profiles").last().body.contains("там\\nмоё"));
     }
 
     void aTermWithAnArrowIsARule()
