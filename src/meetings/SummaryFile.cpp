@@ -3,6 +3,7 @@
 #include "base/Json.h"
 #include "base/Text.h"
 
+#include <ctime>
 #include <simdjson.h>
 
 using namespace Qt::StringLiterals;
@@ -128,6 +129,16 @@ Moment moment(Digits& digits, QChar between, QChar inTime)
     return {QDate{year, month, day}, QTime{hour, minute, second}};
 }
 
+/// With the offset that local time has at that moment. A date in local time as such would make the system
+/// look at its time zone's file, several times for each of the thousands of meetings of a scan.
+QDateTime localMoment(qint64 seconds, int milliseconds)
+{
+    const auto moment = time_t(seconds + milliseconds / 1000);
+    std::tm local{};
+    const int offset = ::localtime_r(&moment, &local) ? int(local.tm_gmtoff) : 0;
+    return QDateTime::fromMSecsSinceEpoch(seconds * 1000 + milliseconds, Qt::OffsetFromUTC, offset);
+}
+
 } // namespace
 
 std::optional<QDateTime> internetDate(const QString& text)
@@ -151,7 +162,7 @@ std::optional<QDateTime> internetDate(const QString& text)
     if (!digits.atEnd() || !utc.isValid()) return std::nullopt;
     constexpr qint64 epoch = 2'440'588; // as a Julian day
     const qint64 seconds = (utc.date.toJulianDay() - epoch) * 86'400 - offset;
-    return QDateTime::fromMSecsSinceEpoch(seconds * 1000 + utc.time.msecsSinceStartOfDay() + milliseconds);
+    return localMoment(seconds, utc.time.msecsSinceStartOfDay() + milliseconds);
 }
 
 std::optional<QDateTime> dateFromStem(const QString& stem)
