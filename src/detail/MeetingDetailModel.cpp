@@ -56,7 +56,6 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
             m_file.reset(); // its protocol's place is part of it
         }
         load();
-        emit changed(); // the day may have
     });
     connect(&ground.language, &Language::changed, this, &MeetingDetailModel::changed);
     connect(&m_files, &ProtocolFileMaker::shared, this, [this](const QString& path) {
@@ -120,7 +119,7 @@ void MeetingDetailModel::take(const Content& content, const std::optional<Correc
         m_loaded = true;
     }
     m_protocol = content.protocol;
-    emit changed();
+    emit changed(); // and the day may have
     if (correction)
         emit corrected(m_sections.markCorrected(correction->section, correction->index, correction->before));
 }

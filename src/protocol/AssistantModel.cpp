@@ -63,9 +63,7 @@ bool AssistantModel::add(const QString& heard, const QString& correct)
 {
     if (text::trimmed(correct).isEmpty()) return false;
     // As it will be read again: a term that is written with an arrow is a rule.
-    const auto entry = glossaryText::parse(GlossaryEntry{text::trimmed(heard), text::trimmed(correct)}.line())
-                           .value_or(GlossaryEntry{});
-    if (entry.correct.isEmpty()) return false;
+    const auto entry = glossaryText::parse(GlossaryEntry{heard, correct}.line()).value_or(GlossaryEntry{});
     const bool shown = matches(entry);
     if (shown) beginInsertRows({}, 0, 0);
     m_draft.prepend(entry);

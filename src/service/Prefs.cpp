@@ -46,8 +46,10 @@ bool Prefs::boolean(const QString& key, bool fallback) const
 void Prefs::set(const QString& key, const QJsonValue& value)
 {
     if (files::identity(m_file).size > sizeLimit) return; // what we cannot read is not ours to replace
+    const QByteArray bytes = json::withMember(readBytes(), key, value);
+    if (bytes.size() > sizeLimit) return; // nor could it be read again
     // A failure is silent by design.
-    std::ignore = files::writeInPlace(m_file, json::withMember(readBytes(), key, value));
+    std::ignore = files::writeInPlace(m_file, bytes);
 }
 
 } // namespace murmeli

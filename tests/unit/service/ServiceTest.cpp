@@ -254,6 +254,11 @@ private slots:
         prefs.set(u"auto_record"_s, false);
         QCOMPARE(file.size(), Prefs::sizeLimit + 1);
         QVERIFY(prefs.boolean(u"auto_record"_s, true));
+
+        QVERIFY(file.resize(0));
+        prefs.set(u"auto_record"_s, false);
+        prefs.set(u"glossary"_s, QString(Prefs::sizeLimit, u'x')); // it would be beyond reading then
+        QVERIFY(!prefs.boolean(u"auto_record"_s, true));
     }
 
     void withoutTheSharedFolderWritesFailSilently()
