@@ -1,5 +1,6 @@
 #include "AccountFile.h"
 
+#include "SignInAddress.h"
 #include "base/Files.h"
 #include "base/Json.h"
 
@@ -15,6 +16,7 @@ namespace murmeli::accountFile {
 namespace {
 
 constexpr qint64 sizeLimit = 1024 * 1024; // bytes; the file has a few thousand
+constexpr int patience = 20;              // a file that changes so often is nobody's to write
 
 QString chatText(const QJsonValue& value)
 {
@@ -44,7 +46,12 @@ std::optional<Session> session(const std::optional<QJsonObject>& file)
     if (!file) return std::nullopt;
     Session session{json::text(*file, "access_token"_L1), json::text(*file, "refresh_token"_L1),
                     json::text(*file, "email"_L1)};
-    return session.accessToken.isEmpty() ? std::nullopt : std::optional{session};
+    return session.isUsable() ? std::optional{session} : std::nullopt;
+}
+
+bool Session::isUsable() const
+{
+    return signIn::isToken(accessToken) && (refreshToken.isEmpty() || signIn::isToken(refreshToken));
 }
 
 Chat chatIn(const QByteArray& answer)
@@ -61,7 +68,10 @@ QJsonObject content(const std::optional<QJsonObject>& file, const Session& sessi
 {
     const QJsonObject old = file.value_or(QJsonObject{});
     const auto token = [&](const QString& key, const QString& ours) {
-        return tokens == Tokens::FromFile && old.contains(key) ? old.value(key) : QJsonValue{ours};
+        const QJsonValue theirs = old.value(key);
+        const bool refused =
+            theirs.isString() && !theirs.toString().isEmpty() && !signIn::isToken(theirs.toString());
+        return tokens == Tokens::FromFile && old.contains(key) && !refused ? theirs : QJsonValue{ours};
     };
     return {{u"access_token"_s, token(u"access_token"_s, session.accessToken)},
             {u"refresh_token"_s, token(u"refresh_token"_s, session.refreshToken)},
@@ -73,8 +83,18 @@ QJsonObject content(const std::optional<QJsonObject>& file, const Session& sessi
 bool update(const QString& path, const Session& session, const QString& accountId, const Chat& chat,
             Tokens tokens)
 {
-    const QJsonObject object = content(read(path), session, accountId, chat, tokens);
-    return files::writePrivate(path, QJsonDocument{object}.toJson(QJsonDocument::Compact));
+    // The service may renew the tokens at any moment: what it writes while we do must not be put back.
+    for (int tries = 0; tries < patience; ++tries) {
+        const auto before = files::readWhole(path, sizeLimit);
+        const auto file = before ? json::object(*before) : std::nullopt;
+        const QJsonObject object = content(file, session, accountId, chat, tokens);
+        if (file == object && files::isPrivate(path)) return true;
+        const auto same = [&] { return files::readWhole(path, sizeLimit) == before; };
+        const auto written =
+            files::writePrivate(path, QJsonDocument{object}.toJson(QJsonDocument::Compact), same);
+        if (written != files::Written::Overtaken) return written == files::Written::Yes;
+    }
+    return false;
 }
 
 } // namespace murmeli::accountFile

@@ -13,6 +13,9 @@ struct Session {
     QString accessToken;
     QString refreshToken;
     QString email;
+
+    /// Whether there is an access token, and no token would break out of its place in a request's head.
+    [[nodiscard]] bool isUsable() const;
     bool operator==(const Session&) const = default;
 };
 
@@ -29,7 +32,7 @@ struct Chat {
 /// The file's object; nothing when it is missing, too large, damaged or no object.
 std::optional<QJsonObject> read(const QString& path);
 
-/// The session that the file holds; nothing without an access token.
+/// The session that the file holds; nothing without a usable one.
 std::optional<Session> session(const std::optional<QJsonObject>& file);
 
 /// From the backend's list of links: the first one's chat. Anything but a list of objects is not known.
@@ -39,8 +42,9 @@ Chat chatIn(const QByteArray& answer);
 QJsonObject content(const std::optional<QJsonObject>& file, const Session& session, const QString& accountId,
                     const Chat& chat, Tokens tokens);
 
-/// Reads the file, and writes content() over it, readable by its owner alone from the first byte on.
-/// \return false when it could not be written.
+/// Reads the file, and writes content() over it, readable by its owner alone from the first byte on; begins
+/// anew when somebody else has written meanwhile, and leaves a file that says it all already. Waits for the
+/// disk. \return false when it could not be written.
 bool update(const QString& path, const Session& session, const QString& accountId, const Chat& chat,
             Tokens tokens);
 

@@ -61,10 +61,10 @@ void AuthManager::restore()
         // Also when a locked store was opened long after the start.
         if (m_decided) return;
         found->accessToken = value.value_or(QString{});
-        if (found->accessToken.isEmpty()) {
-            importFromFile();
-        } else {
+        if (found->isUsable()) {
             adopt(*found, accountFile::Tokens::FromFile);
+        } else {
+            importFromFile();
         }
     });
     m_scheduler.after(storePatience, this, [this] { importFromFile(); });
@@ -125,7 +125,7 @@ bool AuthManager::handle(const QString& address)
         values ? accountFile::Session{values->value(u"access_token"_s), values->value(u"refresh_token"_s),
                                       values->value(u"email"_s)}
                : accountFile::Session{};
-    if (session.accessToken.isEmpty()) return false;
+    if (!session.isUsable()) return false;
     m_attempt = 0;
     m_addressRefused = false;
     keep(session);

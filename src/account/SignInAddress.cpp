@@ -4,6 +4,7 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <cctype>
 
 using namespace Qt::StringLiterals;
@@ -50,6 +51,14 @@ std::optional<QHash<QString, QString>> values(const QString& address)
         values.insert(piece.left(equals), unescaped(piece.mid(equals + 1)));
     }
     return values;
+}
+
+bool isToken(const QString& token)
+{
+    return !token.isEmpty() && std::ranges::none_of(token, [](QChar c) {
+        return c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
+               c == QChar::ParagraphSeparator;
+    });
 }
 
 std::optional<QString> subject(const QString& token)

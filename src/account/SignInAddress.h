@@ -16,6 +16,9 @@ extern const QString scheme;
 /// its value as it stands. A plus is a plus.
 std::optional<QHash<QString, QString>> values(const QString& address);
 
+/// Whether `token` may travel in a header: not empty, and without a control character.
+bool isToken(const QString& token);
+
 /// The account identifier in an access token, the claim "sub", read without verifying; nothing when the token
 /// has none.
 std::optional<QString> subject(const QString& token);

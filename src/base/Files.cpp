@@ -1,13 +1,14 @@
 #include "Files.h"
 
 #include <QFile>
-#include <QSaveFile>
+#include <QRandomGenerator>
 
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -91,6 +92,51 @@ bool writeAll(int fd, const QByteArray& bytes, std::optional<qsizetype> offset =
     }
     return true;
 }
+
+/// The file that a chain of links ends at; `path` itself when it is no link, or one to nothing.
+QByteArray behindLinks(const QByteArray& path)
+{
+    const std::unique_ptr<char, decltype(&std::free)> real{::realpath(path.constData(), nullptr), &std::free};
+    return real ? QByteArray{real.get()} : path;
+}
+
+/// A new file beside `target`, which is removed again unless it is moved over it.
+class Beside {
+public:
+    Beside(const QByteArray& target, mode_t mode) : m_target(target)
+    {
+        for (int tries = 0; m_fd < 0 && tries < 100; ++tries) {
+            m_name = target + '.' + QByteArray::number(QRandomGenerator::global()->generate(), 36);
+            m_fd = ::open(m_name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+            if (m_fd < 0 && errno != EEXIST) return;
+        }
+    }
+    ~Beside()
+    {
+        if (m_fd < 0) return;
+        ::close(m_fd);
+        if (!m_moved) ::unlink(m_name.constData());
+    }
+    Q_DISABLE_COPY_MOVE(Beside)
+
+    [[nodiscard]] bool setMode(mode_t mode) const { return m_fd >= 0 && ::fchmod(m_fd, mode) == 0; }
+    // Written at once, not when it is closed: a full disk must be known before the old content goes.
+    [[nodiscard]] bool write(const QByteArray& bytes, Durable durable) const
+    {
+        return m_fd >= 0 && writeAll(m_fd, bytes) && (durable == Durable::No || ::fsync(m_fd) == 0);
+    }
+    [[nodiscard]] bool moveOver()
+    {
+        m_moved = ::rename(m_name.constData(), m_target.constData()) == 0;
+        return m_moved;
+    }
+
+private:
+    QByteArray m_target;
+    QByteArray m_name;
+    int m_fd = -1;
+    bool m_moved = false;
+};
 
 } // namespace
 
@@ -178,23 +224,33 @@ bool writeInPlace(const QString& path, const QByteArray& bytes)
            ::ftruncate(file.get(), off_t(bytes.size())) == 0;
 }
 
-bool writeAtomic(const QString& path, const QByteArray& bytes)
+bool moveOver(const QString& from, const QString& to)
 {
-    if (!nothingElseThan(encoded(path))) return false;
-    QSaveFile file{path};
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    return ::rename(encoded(from).constData(), encoded(to).constData()) == 0;
 }
 
-bool writePrivate(const QString& path, const QByteArray& bytes)
+bool writeAtomic(const QString& path, const QByteArray& bytes, Durable durable)
 {
-    QByteArray temporary = encoded(path) + ".XXXXXX";
-    const int fd = ::mkostemp(temporary.data(), O_CLOEXEC); // made 0600
-    if (fd < 0) return false;
-    const bool written = writeAll(fd, bytes) && ::fsync(fd) == 0;
-    const bool closed = ::close(fd) == 0;
-    if (written && closed && ::rename(temporary.constData(), encoded(path).constData()) == 0) return true;
-    ::unlink(temporary.constData());
-    return false;
+    const QByteArray name = behindLinks(encoded(path));
+    if (!nothingElseThan(name)) return false;
+    const auto old = regularAt(name);
+    Beside file{name, 0666}; // what the user's mask leaves of it
+    if (old && !file.setMode(old->st_mode & 07777)) return false;
+    return file.write(bytes, durable) && file.moveOver();
+}
+
+Written writePrivate(const QString& path, const QByteArray& bytes, const std::function<bool()>& stillWanted)
+{
+    Beside file{encoded(path), 0600};
+    if (!file.write(bytes, Durable::Yes)) return Written::Failed;
+    if (stillWanted && !stillWanted()) return Written::Overtaken;
+    return file.moveOver() ? Written::Yes : Written::Failed;
+}
+
+bool isPrivate(const QString& path)
+{
+    const auto info = regularAt(encoded(path));
+    return info && (info->st_mode & 077) == 0;
 }
 
 bool append(const QString& path, const QByteArray& bytes)

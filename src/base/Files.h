@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 /// Small files, read and written whole. Nothing here waits for another program: pipes, devices and folders
@@ -46,12 +47,27 @@ inline constexpr qint64 largestInPlace = 4 * 1024 * 1024; ///< bytes
 /// \return false when anything failed.
 [[nodiscard]] bool writeInPlace(const QString& path, const QByteArray& bytes);
 
-/// Beside the file and then moved over it: readers see the old content or the new one. Permissions stay.
-/// \return false when anything failed; the old content is then intact.
-[[nodiscard]] bool writeAtomic(const QString& path, const QByteArray& bytes);
+/// Puts `from` in the place of `to` on the same disk, in one step; `to` may be missing. \return false when it
+/// failed.
+[[nodiscard]] bool moveOver(const QString& from, const QString& to);
 
-/// As writeAtomic, but readable by the owner alone from the first byte on, whatever stood there before.
-[[nodiscard]] bool writePrivate(const QString& path, const QByteArray& bytes);
+enum class Durable { Yes, No };
+
+/// Beside the file and then moved over it: readers see the old content or the new one, also when the disk is
+/// full or, with Durable::Yes, after a power cut (for which it waits for the disk). Permissions stay, unless
+/// they are the very thing that forbids writing: then the folder's count. \return false when anything failed;
+/// the old content is then intact.
+[[nodiscard]] bool writeAtomic(const QString& path, const QByteArray& bytes, Durable durable = Durable::Yes);
+
+enum class Written { Yes, Overtaken, Failed };
+
+/// As writeAtomic, but readable by the owner alone from the first byte on, whatever stood there before, and
+/// only if `stillWanted`, asked when all but the move is done, agrees; otherwise it is overtaken.
+[[nodiscard]] Written writePrivate(const QString& path, const QByteArray& bytes,
+                                   const std::function<bool()>& stillWanted = {});
+
+/// Whether a regular file stands at `path` that nobody but its owner may read or write.
+bool isPrivate(const QString& path);
 
 /// At the end of the file, which is made when missing.
 [[nodiscard]] bool append(const QString& path, const QByteArray& bytes);

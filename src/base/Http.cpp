@@ -2,10 +2,10 @@
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
-#include <QNetworkCookieJar>
 #include <QNetworkReply>
 #include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace murmeli {
@@ -15,8 +15,13 @@ namespace {
 /// One running request. Belongs to its context and ends with it.
 class Exchange final : public QObject {
 public:
-    Exchange(QNetworkReply* reply, const HttpRequest& request, QObject* context, Http::Done done)
-        : QObject(context), m_reply(reply), m_limit(request.answerLimit), m_done(std::move(done))
+    Exchange(QNetworkAccessManager* manager, QNetworkReply* reply, const HttpRequest& request,
+             QObject* context, Http::Done done)
+        : QObject(context),
+          m_manager(manager),
+          m_reply(reply),
+          m_limit(request.answerLimit),
+          m_done(std::move(done))
     {
         connect(m_reply, &QNetworkReply::readyRead, this, &Exchange::take);
         connect(m_reply, &QNetworkReply::finished, this, &Exchange::finish);
@@ -26,7 +31,7 @@ public:
     {
         m_reply->disconnect(this);
         if (m_reply->isRunning()) m_reply->abort();
-        m_reply->deleteLater();
+        m_manager->deleteLater(); // and the reply with it
     }
     Q_DISABLE_COPY_MOVE(Exchange)
 
@@ -63,7 +68,9 @@ private:
                 m_answer.failure = HttpAnswer::Failure::Transport;
             }
             if (m_answer.failure == HttpAnswer::Failure::Transport)
-                m_answer.errorText = m_reply->errorString();
+                m_answer.errorText = error == QNetworkReply::ContentReSendError
+                                         ? QCoreApplication::translate("QHttp", "Connection closed")
+                                         : m_reply->errorString();
             // What came before the break may look like a whole answer.
             if (m_answer.failure != HttpAnswer::Failure::None) m_answer.body.clear();
         }
@@ -74,44 +81,80 @@ private:
         done(answer);
     }
 
+    QNetworkAccessManager* m_manager;
     QNetworkReply* m_reply;
     qint64 m_limit;
     Http::Done m_done;
     HttpAnswer m_answer;
 };
 
-/// Accepts no cookie, so that nothing of one service reaches another.
-class NoCookies final : public QNetworkCookieJar {
+/// A body that is read once. Qt repeats a request whose server hangs up before it answers, unless it cannot
+/// have the body again; so one without a body gets an empty one.
+class OneTimeBody final : public QIODevice {
 public:
-    using QNetworkCookieJar::QNetworkCookieJar;
-    bool setCookiesFromUrl(const QList<QNetworkCookie>&, const QUrl&) override { return false; }
+    OneTimeBody(QByteArray bytes, QObject* parent) : QIODevice(parent), m_bytes(std::move(bytes))
+    {
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+    [[nodiscard]] bool isSequential() const override { return true; }
+    [[nodiscard]] bool atEnd() const override { return m_read == m_bytes.size(); }
+    [[nodiscard]] qint64 bytesAvailable() const override { return m_bytes.size() - m_read; }
+    bool reset() override { return false; }
+
+protected:
+    qint64 readData(char* data, qint64 room) override
+    {
+        const qint64 size = qMin(room, m_bytes.size() - m_read);
+        if (size == 0 && room > 0) return -1;
+        std::copy_n(m_bytes.constData() + m_read, size, data);
+        m_read += size;
+        return size;
+    }
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+private:
+    QByteArray m_bytes;
+    qint64 m_read = 0;
 };
+
+bool isHeaderText(const QByteArray& text)
+{
+    return std::ranges::none_of(text, [](char c) { return uchar(c) < 0x20 || c == 0x7f; });
+}
 
 } // namespace
 
-NetworkHttp::NetworkHttp() = default;
-NetworkHttp::~NetworkHttp() = default;
-
 void NetworkHttp::send(const HttpRequest& request, QObject* context, Done done)
 {
-    if (!m_manager) {
-        m_manager = std::make_unique<QNetworkAccessManager>();
-        m_manager->setCookieJar(new NoCookies{m_manager.get()});
-        m_manager->setAutoDeleteReplies(false);
+    const auto plain = [](const auto& header) {
+        return isHeaderText(header.first) && isHeaderText(header.second);
+    };
+    if (!isHeaderText(request.bearer) || !std::ranges::all_of(request.headers, plain)) {
+        QMetaObject::invokeMethod(
+            context,
+            [done = std::move(done)] { done({.failure = HttpAnswer::Failure::Transport, .errorText = {}}); },
+            Qt::QueuedConnection);
+        return;
     }
     QNetworkRequest wire{request.url};
     for (const auto& [name, value] : request.headers)
         wire.setRawHeader(name, value);
     if (!request.bearer.isEmpty()) wire.setRawHeader("Authorization", "Bearer " + request.bearer);
+    wire.setRawHeader("Content-Length", QByteArray::number(request.body.size()));
     // Headers travel along with a redirect, so a request with a token may be sent on within its origin only.
     wire.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                       request.bearer.isEmpty() ? QNetworkRequest::NoLessSafeRedirectPolicy
                                                : QNetworkRequest::SameOriginRedirectPolicy);
     wire.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     wire.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    QNetworkReply* reply = m_manager->sendCustomRequest(wire, request.method, request.body);
+    wire.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+    wire.setAttribute(QNetworkRequest::Http2AllowedAttribute, false); // repeats requests by rules of its own
+    // Cookies go with it, so that nothing of one service reaches another.
+    auto* manager = new QNetworkAccessManager;
+    QNetworkReply* reply =
+        manager->sendCustomRequest(wire, request.method, new OneTimeBody{request.body, manager});
     reply->setReadBufferSize(256 * 1024); // so that an endless answer is not buffered faster than counted
-    new Exchange{reply, request, context, std::move(done)};
+    new Exchange{manager, reply, request, context, std::move(done)};
 }
 
 } // namespace murmeli

@@ -7,9 +7,7 @@
 
 #include <chrono>
 #include <functional>
-#include <memory>
 
-class QNetworkAccessManager;
 class QObject;
 
 namespace murmeli {
@@ -43,21 +41,16 @@ public:
     virtual ~Http() = default;
 
     /// `done` runs once, on the main thread, or never if `context` has gone (the exchange then ends too).
-    /// An HTTP error status is an answer like any other. No retry.
+    /// An HTTP error status is an answer like any other. A request is sent at most once, whatever happens to
+    /// its connection, and never with a header that a control character would break.
     virtual void send(const HttpRequest& request, QObject* context, Done done) = 0;
 };
 
-/// Over Qt's network stack. Main thread only; made cheaply, starts its machinery with the first request.
+/// Over Qt's network stack, with a connection for each request: one that was kept could be gone when it is
+/// needed. Main thread only; nothing is left of a request that has ended.
 class NetworkHttp final : public Http {
 public:
-    NetworkHttp();
-    ~NetworkHttp() override;
-    Q_DISABLE_COPY_MOVE(NetworkHttp)
-
     void send(const HttpRequest& request, QObject* context, Done done) override;
-
-private:
-    std::unique_ptr<QNetworkAccessManager> m_manager;
 };
 
 } // namespace murmeli

@@ -10,6 +10,7 @@
 #include "support/Server.h"
 #include "support/Token.h"
 
+#include <QDir>
 #include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -60,6 +61,7 @@ private slots:
         row("no UTF-8", "murmeli:#k=%ff%fe&m=%D0%96", "k=%ff%fe m=Ж");
         row("the key stays as it is", "murmeli:#a%62=1", "a%62=1");
         row("scheme in capitals", "MURMELI://x#k=1", "k=1");
+        row("a line break in a value", "murmeli:#k=a%0D%0Ab", "k=a\r\nb");
         row("no fragment", "murmeli://auth?access_token=a", "");
         row("another scheme", "https://example.org/#access_token=a", "-");
         row("a scheme that begins alike", "murmelix:#access_token=a", "-");
@@ -363,6 +365,69 @@ private slots:
         QTRY_VERIFY(m->written().contains("anna-id"));
     }
 
+    void aTokenWithControlCharactersIsRefused()
+    {
+        const QString smuggled = annasToken + u"\r\nX-Smuggled: 1"_s;
+        m->write(compact({{u"access_token"_s, smuggled}, {u"refresh_token"_s, u"a"_s}}));
+        QVERIFY(!accountFile::session(accountFile::read(m->file)));
+        m->write(compact({{u"access_token"_s, annasToken}, {u"refresh_token"_s, u"a\nb"_s}}));
+        QVERIFY(!accountFile::session(accountFile::read(m->file)));
+        const auto auth = m->make();
+        auth->login();
+        QVERIFY(!auth->handle(u"murmeli:#access_token=a%0D%0Ab"_s));
+        QVERIFY(!auth->handle(u"murmeli:#access_token=a&refresh_token=b%00"_s));
+        QVERIFY(!auth->isAuthed());
+        QVERIFY(auth->handle(callback.arg(annasToken)));
+        QTRY_COMPARE(accountFile::read(m->file)->value(u"refresh_token"_s).toString(), u"r+1"_s);
+    }
+
+    void whatSaysItAllIsNotWrittenAgain()
+    {
+        const accountFile::Session session{annasToken, u"r"_s, u"a@b"_s};
+        const auto update = [&](const QString& chat) {
+            QVERIFY(accountFile::update(m->file, session, u"anna-id"_s, {true, chat},
+                                        accountFile::Tokens::FromSession));
+        };
+        update(u"1"_s);
+        const auto before = files::identity(m->file);
+        update(u"1"_s);
+        QCOMPARE(files::identity(m->file), before);
+        QFile::setPermissions(m->file, QFile::Permissions{0x6644});
+        update(u"1"_s);
+        QVERIFY(files::isPrivate(m->file));
+        update(u"2"_s);
+        QCOMPARE(m->writtenChat(), u"2"_s);
+    }
+
+    // The service renews its tokens as soon as it sees that we are about to replace the file.
+    void tokensThatAreRenewedMeanwhileStay()
+    {
+        const auto renewed = [&](int count) {
+            return compact({{u"access_token"_s, annasToken}, {u"refresh_token"_s, QString::number(count)}});
+        };
+        m->write(renewed(0));
+        std::atomic<bool> stop = false;
+        int count = 0;
+        std::thread service{[&] {
+            const QStringList ours{u"account.json.*"_s};
+            while (!stop) {
+                if (QDir{m->home.path()}.entryList(ours, QDir::Files).isEmpty()) continue;
+                if (count < 5) QVERIFY(files::writeAtomic(m->file, renewed(++count), files::Durable::No));
+            }
+        }};
+        const QString large(400'000, u'7'); // so that writing takes longer than renewing
+        const accountFile::Session session{annasToken, u"old"_s, {}};
+        const bool updated =
+            accountFile::update(m->file, session, u"anna-id"_s, {true, large}, accountFile::Tokens::FromFile);
+        stop = true;
+        service.join();
+        QVERIFY(updated);
+        QVERIFY(count > 0);
+        const auto file = accountFile::read(m->file);
+        QCOMPARE(accountFile::session(file)->refreshToken, QString::number(count));
+        QCOMPARE(file->value(u"chat_id"_s).toString().size(), large.size());
+    }
+
     void aLookupThatAnotherSessionAskedIsDropped_data()
     {
         QTest::addColumn<QString>("next"); ///< who signs in; empty: nobody, after a sign-out
@@ -425,7 +490,7 @@ private slots:
         m->write(compact({{u"access_token"_s, annasToken}, {u"chat_id"_s, u"9"_s}}));
         m->server.reply = [&](QTcpSocket* socket, const Server::Request&) {
             if (wire.isEmpty()) {
-                socket->abort(); // and the network library tries again
+                socket->abort();
             } else {
                 QByteArray bytes = wire;
                 const bool breaks = bytes.startsWith("BREAK ");

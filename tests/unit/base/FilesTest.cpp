@@ -5,16 +5,43 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <atomic>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace murmeli;
+
+namespace {
+
+/// Root may write everything; for as long as this lives the test is an ordinary user, who owns `folder`.
+class AsNobody {
+public:
+    explicit AsNobody(const QString& folder)
+    {
+        if (!m_root) return;
+        [[maybe_unused]] const int given = ::chown(QFile::encodeName(folder).constData(), nobody, nobody);
+        [[maybe_unused]] const int dropped = ::seteuid(nobody);
+    }
+    ~AsNobody()
+    {
+        if (m_root) [[maybe_unused]]
+            const int back = ::seteuid(0);
+    }
+    Q_DISABLE_COPY_MOVE(AsNobody)
+
+private:
+    static constexpr uid_t nobody = 65534;
+    bool m_root = ::geteuid() == 0;
+};
+
+} // namespace
 
 class FilesTest : public QObject {
     Q_OBJECT
@@ -127,14 +154,57 @@ private slots:
     {
         const QString missing = m_dir->filePath(u"no/such/folder/it"_s);
         QVERIFY(!files::writeAtomic(missing, "x"));
-        QVERIFY(!files::writePrivate(missing, "x"));
+        QCOMPARE(files::writePrivate(missing, "x"), files::Written::Failed);
         QVERIFY(!files::writeInPlace(missing, "x"));
         QVERIFY(!QFile::exists(m_dir->filePath(u"no"_s)));
 
         const QString folder = m_dir->filePath(u"folder"_s);
         QDir{}.mkpath(folder);
-        QVERIFY(!files::writePrivate(folder, "x"));
+        QCOMPARE(files::writePrivate(folder, "x"), files::Written::Failed);
         QCOMPARE(QDir{m_dir->path()}.entryList(QDir::Files | QDir::Hidden), QStringList{});
+    }
+
+    void aFullDiskLeavesTheOldContent()
+    {
+        if (::geteuid() != 0) QSKIP("takes root, to make a disk that is full");
+        const QString disk = m_dir->filePath(u"disk"_s);
+        QDir{}.mkpath(disk);
+        QVERIFY(::mount("none", QFile::encodeName(disk).constData(), "tmpfs", 0, "size=32k") == 0);
+        const auto unmount = qScopeGuard([&] { ::umount(QFile::encodeName(disk).constData()); });
+        const QString path = disk + u"/it"_s;
+        QVERIFY(files::writeAtomic(path, "old"));
+        QVERIFY(files::append(disk + u"/filler"_s, QByteArray(24 * 1024, 'x')));
+        const QByteArray larger(8 * 1024, 'y'); // than what is left, and less than what Qt writes at once
+        QVERIFY(!files::writeAtomic(path, larger));
+        QCOMPARE(files::writePrivate(path, larger), files::Written::Failed);
+        QCOMPARE(files::readWhole(path, 100), "old"_ba);
+        QCOMPARE(QDir{disk}.entryList(QDir::Files).size(), 2);
+    }
+
+    void aFileThatMayNotBeWrittenIsReplacedWhereItsFolderMay()
+    {
+        const AsNobody nobody{m_dir->path()};
+        const QString path = m_dir->filePath(u"it"_s);
+        QVERIFY(files::writeAtomic(path, "old"));
+        QFile::setPermissions(path, QFile::ReadOwner);
+        QVERIFY(files::writeAtomic(path, "new", files::Durable::No));
+        QCOMPARE(files::readWhole(path, 100), "new"_ba);
+        QCOMPARE(QFile::permissions(path) & QFile::WriteOwner, QFile::Permissions{});
+
+        const QString link = m_dir->filePath(u"link"_s);
+        QFile::link(path, link);
+        QVERIFY(files::writeAtomic(link, "through the link"));
+        QVERIFY(QFileInfo{link}.isSymLink());
+        QCOMPARE(files::readWhole(path, 100), "through the link"_ba);
+    }
+
+    void aWriteThatIsOvertakenLeavesWhatOvertookIt()
+    {
+        const QString path = m_dir->filePath(u"it"_s);
+        const auto other = [&] { return !files::writeAtomic(path, "theirs"); };
+        QCOMPARE(files::writePrivate(path, "ours", other), files::Written::Overtaken);
+        QCOMPARE(files::readWhole(path, 100), "theirs"_ba);
+        QCOMPARE(QDir{m_dir->path()}.entryList(QDir::Files | QDir::Hidden).size(), 1);
     }
 
     void aPrivateFileIsTheOwnersFromTheFirstByte()
@@ -143,7 +213,9 @@ private slots:
         QVERIFY(files::writeAtomic(path, "open to all"));
         QFile::setPermissions(path, QFile::Permissions{0x6644});
         const auto old = files::identity(path);
-        QVERIFY(files::writePrivate(path, "token"));
+        QVERIFY(!files::isPrivate(path));
+        QCOMPARE(files::writePrivate(path, "token"), files::Written::Yes);
+        QVERIFY(files::isPrivate(path));
         struct stat info {};
         QCOMPARE(::stat(QFile::encodeName(path).constData(), &info), 0);
         QCOMPARE(info.st_mode & 0777, mode_t(0600));

@@ -3,8 +3,12 @@
 #include "registeredTests.h"
 #include "support/Server.h"
 
+#include <QLibraryInfo>
+#include <QRegularExpression>
+#include <QSet>
 #include <QTest>
 #include <QTimer>
+#include <QTranslator>
 
 #include <optional>
 
@@ -117,6 +121,59 @@ private slots:
         const bool inThePlatformsWords = m_answer->failure == HttpAnswer::Failure::Transport ||
                                          m_answer->failure == HttpAnswer::Failure::Timeout;
         QCOMPARE(!m_answer->errorText.isEmpty(), inThePlatformsWords);
+    }
+
+    void aRequestIsSentOnceWhateverHappensToItsConnection()
+    {
+        Server server;
+        QTranslator russian;
+        QVERIFY(russian.load(u"qtbase_ru"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)));
+        QVERIFY(QCoreApplication::installTranslator(&russian));
+        server.reply = [](QTcpSocket* s, const auto&) { s->disconnectFromHost(); };
+        for (const QByteArray& body : {QByteArray{}, "{}"_ba, QByteArray(300'000, 'x')}) {
+            m_answer.reset();
+            server.requests.clear();
+            send({.method = body.isEmpty() ? "GET" : "POST", .url = server.url(), .body = body});
+            QTRY_VERIFY(m_answer);
+            QCOMPARE(m_answer->failure, HttpAnswer::Failure::Transport);
+            QCOMPARE(server.requests.size(), 1);
+            QCOMPARE(server.requests[0].body, body);
+            QVERIFY2(m_answer->errorText.contains(QRegularExpression{u"[а-я]{5}"_s}),
+                     qPrintable(m_answer->errorText));
+        }
+    }
+
+    void aConnectionThatWasKeptIsNotReliedOn()
+    {
+        Server server;
+        QSet<QTcpSocket*> used;
+        server.reply = [&](QTcpSocket* s, const auto&) {
+            if (used.contains(s)) return s->abort();
+            used.insert(s);
+            s->write(Server::answer(200, "{}", "Connection: keep-alive\r\n"));
+        };
+        for (const QByteArray& body : {QByteArray{}, "{}"_ba, "{}"_ba}) {
+            m_answer.reset();
+            send({.method = "POST", .url = server.url(), .body = body});
+            QTRY_VERIFY(m_answer);
+            QVERIFY(m_answer->ok());
+        }
+        QCOMPARE(server.requests.size(), 3);
+    }
+
+    void noHeaderBreaksOutOfItsLine()
+    {
+        Server server;
+        const QByteArray smuggled = "a\r\nX-Smuggled: b\r\n\r\nGET /second HTTP/1.1\r\n";
+        for (const HttpRequest& request :
+             {HttpRequest{.url = server.url(), .bearer = smuggled},
+              HttpRequest{.url = server.url(), .headers = {{"X-Name", smuggled}}}}) {
+            m_answer.reset();
+            send(request);
+            QTRY_VERIFY(m_answer);
+            QCOMPARE(m_answer->failure, HttpAnswer::Failure::Transport);
+        }
+        QVERIFY(server.requests.isEmpty());
     }
 
     void anAnswerForNobodyIsDropped()
