@@ -14,6 +14,8 @@ ColumnLayout {
     required property AuthManager account
     required property AppState appState
 
+    signal addressAsked(Item card)
+
     spacing: Theme.gapGroup
 
     Card {
@@ -127,6 +129,7 @@ ColumnLayout {
         active: root.account.takesAddress
         visible: active
         sourceComponent: SignInAddress { account: root.account }
+        onLoaded: root.addressAsked(item)
     }
     // qmllint enable unqualified
 }

@@ -66,16 +66,14 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
                   .language = ground.language,
                   .processes = ground.processes,
                   .setLoginItem = [this](bool on) { loginItem::set(on, m_ground.paths.home); }}),
+      m_glossary(m_account, ground.http, ground.prefs, ground.language, ground.scheduler),
       m_toasts(m_engine, ground.scheduler,
                [] {
                    const QScreen* screen = QGuiApplication::primaryScreen();
                    return screen ? screen->availableGeometry() : QRect{};
                }),
       m_notifier(ground.paths, ground.prefs, ground.language, ground.scheduler,
-                 [this](const ToastText& toast) {
-                     m_ground.look.setCompositing(windowSystem::compositing());
-                     m_toasts.show(toast);
-                 }),
+                 [this](const ToastText& toast) { showToast(toast); }),
       m_updateWindow(m_engine, ground.language, m_updater),
       m_settingsWindow(m_engine, ground.language, m_settings),
       m_mainWindow(m_engine,
@@ -87,8 +85,14 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
                     .language = ground.language,
                     .scheduler = ground.scheduler,
                     .settings = m_settings,
+                    .glossary = m_glossary,
                     .webOrigin = AppInfo::webOrigin()},
-                   m_state, m_record, workspace::stateFolder(ground.paths.home) + u"/window.ini"_s)
+                   m_state, m_record, workspace::stateFolder(ground.paths.home) + u"/window.ini"_s,
+                   [this](const QString& meeting, bool saved, const QString& line) {
+                       showToast({.title = meeting,
+                                  .message = line,
+                                  .symbol = saved ? u"checkmark"_s : u"exclamationmark.triangle"_s});
+                   })
 {
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
     m_ground.language.install(m_engine);
@@ -106,7 +110,10 @@ AppDelegate::AppDelegate(const Ground& ground, QObject* parent)
     connect(&m_record, &RecordControl::pendingChanged, this, &AppDelegate::updateTexts);
     connect(&m_ground.look, &Look::changed, this, &AppDelegate::updateIcon);
     connect(&m_ground.statusItem, &StatusItem::pressed, this, &AppDelegate::toggle);
-    connect(&m_ground.statusItem, &StatusItem::recordChosen, &m_record, &RecordControl::toggle);
+    connect(&m_ground.statusItem, &StatusItem::recordChosen, this, [this] {
+        m_record.toggle();
+        if (m_record.refused()) openPanel(); // a menu has no place to say so
+    });
     connect(&m_ground.statusItem, &StatusItem::openChosen, this, &AppDelegate::openPanel);
     connect(&m_ground.statusItem, &StatusItem::settingsChosen, this, [this] { m_settingsWindow.show(); });
     connect(&m_ground.statusItem, &StatusItem::quitChosen, qApp, &QCoreApplication::quit,
@@ -120,6 +127,12 @@ AppDelegate::~AppDelegate()
     m_floating.reset(); // before the engine and the objects that their views read
     m_window.reset();
     m_setupWindow.reset();
+}
+
+void AppDelegate::showToast(const ToastText& toast)
+{
+    m_ground.look.setCompositing(windowSystem::compositing());
+    m_toasts.show(toast);
 }
 
 void AppDelegate::connectPanel()
@@ -273,7 +286,7 @@ void AppDelegate::placePanel()
     KeyPanel* panel = floatingPanel();
     const PanelPlacement place = murmeli::placePanel(icon, screen->availableGeometry(), panel->contentSize());
     m_state.setArrowX(place.arrowX);
-    panel->openAt(place.panel);
+    panel->openAt(place.panel, icon);
 }
 
 void AppDelegate::closePanel()
@@ -352,7 +365,7 @@ void AppDelegate::updateTexts()
 {
     m_ground.statusItem.setName(m_ground.language.t(u"tray.name"_s, m_panel.title()));
     m_ground.statusItem.setMenu(
-        {m_record.waiting() ? m_panel.line() : m_panel.title(),
+        {m_record.waiting() || m_record.refused() ? m_panel.line() : m_panel.title(),
          m_ground.language.t(m_state.isRecording() ? u"tray.stop"_s : u"tray.start"_s),
          m_ground.language.t(u"tray.open"_s), m_ground.language.t(u"tray.settings"_s),
          m_ground.language.t(u"tray.quit"_s)});

@@ -11,6 +11,7 @@
 #include "UpdateWindowController.h"
 #include "account/AuthManager.h"
 #include "platform/Installation.h"
+#include "protocol/GlossaryStore.h"
 #include "service/AppState.h"
 #include "settings/SettingsModel.h"
 #include "update/Updater.h"
@@ -72,6 +73,7 @@ public:
 private:
     void connectPanel();
     void connectAccount();
+    void showToast(const ToastText& toast);
     void showSetup();
     void afterSetup();
     void followStatus();
@@ -93,6 +95,7 @@ private:
     AuthManager m_account;
     Updater m_updater;
     SettingsModel m_settings;
+    GlossaryStore m_glossary;
     QQmlEngine m_engine;
     ToastCenter m_toasts;
     Notifier m_notifier;

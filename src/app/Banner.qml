@@ -64,6 +64,8 @@ Item {
                 width: parent.width
                 type: root.prominent ? Theme.labelStrong : Theme.label
                 wrapMode: Text.Wrap
+                maximumLineCount: 2
+                elide: Text.ElideRight
                 text: root.title
                 Accessible.ignored: true
             }
@@ -73,6 +75,8 @@ Item {
                 type: Theme.caption
                 color: Theme.text2
                 wrapMode: Text.Wrap
+                maximumLineCount: 5
+                elide: Text.ElideRight
                 text: root.body
                 Accessible.ignored: true
             }

@@ -11,7 +11,10 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QQuickItem>
+#include <QScreen>
 #include <QTimer>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -21,6 +24,8 @@ namespace {
 
 constexpr Qt::WindowFlags floatingFlags =
     Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
+
+constexpr int frameHeight = 48; // about what a desktop puts around a window, known only once it is there
 
 } // namespace
 
@@ -34,7 +39,7 @@ KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
     }
     new FocusKeeper{this};
     setTitle(u"Murmeli"_s);
-    setResizeMode(floating ? QQuickView::SizeRootObjectToView : QQuickView::SizeViewToRootObject);
+    setResizeMode(QQuickView::SizeRootObjectToView);
     setInitialProperties({{u"appState"_s, QVariant::fromValue(&parts.state)},
                           {u"record"_s, QVariant::fromValue(&parts.record)},
                           {u"panel"_s, QVariant::fromValue(&parts.panel)},
@@ -47,12 +52,8 @@ KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
         connect(root, SIGNAL(pressedOutside()), this, SIGNAL(pressedOutside()));
         connect(root, &QQuickItem::implicitHeightChanged, this, &KeyPanel::contentSizeChanged);
         if (!floating) {
-            const auto fit = [this] {
-                setMinimumSize(contentSize());
-                setMaximumSize(contentSize());
-            };
-            connect(this, &KeyPanel::contentSizeChanged, this, fit);
-            fit();
+            connect(this, &KeyPanel::contentSizeChanged, this, &KeyPanel::fitScreen);
+            fitScreen();
         }
     }
 }
@@ -65,14 +66,29 @@ QSize KeyPanel::contentSize() const
     return root ? root->property("contentSize").toSizeF().toSize() : QSize{};
 }
 
-void KeyPanel::openAt(const QRect& place)
+void KeyPanel::fitScreen()
+{
+    QSize size = contentSize();
+    if (const QScreen* on = screen())
+        size.setHeight(std::min(size.height(), on->availableGeometry().height() - frameHeight));
+    setMinimumSize(size);
+    setMaximumSize(size);
+    resize(size);
+}
+
+void KeyPanel::openAt(const QRect& place, const QRect& icon)
 {
     const QObject* root = rootObject();
     if (!root) return;
     const int side = root->property("sideMargin").toInt();
     const int top = root->property("topMargin").toInt();
     const int bottom = root->property("bottomMargin").toInt();
-    setGeometry(place.adjusted(-side, -top, side, bottom));
+    const QRect window = place.adjusted(-side, -top, side, bottom);
+    setGeometry(window);
+    // The shadow around the body may reach over the icon.
+    const QRect covered = icon & window;
+    setMask(covered.isEmpty() ? QRegion{}
+                              : QRegion{QRect{{}, window.size()}} - covered.translated(-window.topLeft()));
     if (m_open) return;
     setOpen(true);
     show();

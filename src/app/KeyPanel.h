@@ -40,8 +40,9 @@ public:
     /// Without the shadow around it, in device-independent pixels.
     [[nodiscard]] QSize contentSize() const;
 
-    /// Shows the panel so that its body covers `place`; called again it moves the panel there.
-    void openAt(const QRect& place);
+    /// Shows the panel so that its body covers `place`, and leaves the presses on `icon` to the icon; called
+    /// again it moves the panel there.
+    void openAt(const QRect& place, const QRect& icon = {});
     /// Shows it as an ordinary window, or brings it forward.
     void openOrdinary();
     void closePanel();
@@ -57,6 +58,7 @@ protected:
 
 private:
     void setOpen(bool open);
+    void fitScreen();
 
     Kind m_kind;
     bool m_open = false;

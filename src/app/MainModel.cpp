@@ -1,5 +1,8 @@
 #include "MainModel.h"
 
+#include "base/Text.h"
+#include "platform/Workspace.h"
+
 #include <functional>
 #include <utility>
 
@@ -9,9 +12,9 @@ MainModel::MainModel(const Ground& ground, QObject* parent)
     : QObject(parent),
       m_ground(ground),
       m_store(ground.paths, ground.language, ground.scheduler),
-      m_glossary(ground.account, ground.http, ground.prefs, ground.language, ground.scheduler),
-      m_assistant(m_glossary)
+      m_assistant(ground.glossary)
 {
+    ground.glossary.reload();
 }
 
 MainModel::~MainModel() = default;
@@ -27,19 +30,37 @@ void MainModel::open(const QString& id)
     if (!meeting) return;
     auto old = std::exchange(
         m_detail, std::make_unique<MeetingDetailModel>(
-                      MeetingDetailModel::Ground{m_ground.paths, m_store, m_glossary, m_ground.account,
+                      MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_ground.account,
                                                  m_ground.http, m_ground.processes, m_ground.language,
                                                  m_ground.scheduler, m_ground.webOrigin, m_background,
                                                  std::bind_front(&MainModel::carriedOut, this)},
-                      *meeting));
+                      *meeting, filesOf(*meeting)));
     m_detail->setDraft(m_drafts.value(id));
     emit detailChanged();
     leave(std::move(old));
 }
 
+std::shared_ptr<ProtocolFileMaker> MainModel::filesOf(const Meeting& meeting)
+{
+    std::shared_ptr<ProtocolFileMaker>& files = m_files[meeting.id];
+    if (!files) {
+        files = std::make_shared<ProtocolFileMaker>(m_ground.paths, m_ground.processes, m_ground.language,
+                                                    workspace::copyFile);
+        connect(files.get(), &ProtocolFileMaker::saveEnded, this,
+                [this, id = meeting.id, title = meeting.title](bool saved, const QString& line) {
+                    const bool seen =
+                        m_onScreen && m_tab == Tab::Meetings && m_detail && m_detail->id() == id;
+                    if (!seen) emit fileEnded(text::oneLine(title), saved, line);
+                });
+    }
+    return files;
+}
+
 void MainModel::leave(std::unique_ptr<MeetingDetailModel> detail)
 {
     if (!detail) return;
+    // A build goes on without the view that began it.
+    if (detail->files()->outcome() != ProtocolFileMaker::Outcome::Working) m_files.remove(detail->id());
     if (detail->draft().isEmpty()) {
         m_drafts.remove(detail->id());
     } else {

@@ -39,6 +39,7 @@ public:
         const Language& language;
         Scheduler& scheduler;
         SettingsModel& settings;
+        GlossaryStore& glossary;
         QString webOrigin;
     };
 
@@ -50,7 +51,7 @@ public:
     void setTab(Tab tab);
     [[nodiscard]] MeetingDetailModel* detail() const { return m_detail.get(); }
     [[nodiscard]] MeetingStore* store() { return &m_store; }
-    [[nodiscard]] GlossaryStore* glossary() { return &m_glossary; }
+    [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] AssistantModel* assistant() { return &m_assistant; }
     [[nodiscard]] SettingsModel* settings() { return &m_ground.settings; }
 
@@ -58,11 +59,17 @@ public:
     /// Back to the list. \return the meeting that was open.
     Q_INVOKABLE QString back();
 
+    /// Whether the window shows; what ends while it does not has to be told elsewhere.
+    void setOnScreen(bool onScreen) { m_onScreen = onScreen; }
+
 signals:
+    /// A protocol's file was saved, or could not be, and its meeting is not in sight.
+    void fileEnded(const QString& meeting, bool saved, const QString& line);
     void tabChanged();
     void detailChanged();
 
 private:
+    std::shared_ptr<ProtocolFileMaker> filesOf(const Meeting& meeting);
     void leave(std::unique_ptr<MeetingDetailModel> detail);
     /// A remark was: its words are wanted no more.
     void carriedOut(const QString& id, const QString& remark);
@@ -70,10 +77,12 @@ private:
     Ground m_ground;
     QObject m_background;
     MeetingStore m_store;
-    GlossaryStore m_glossary;
     AssistantModel m_assistant;
     Tab m_tab = Tab::Meetings;
     std::unique_ptr<MeetingDetailModel> m_detail;
+    bool m_onScreen = false;
+    QHash<QString, std::shared_ptr<ProtocolFileMaker>>
+        m_files;                      ///< by the meeting: of the open one, and at work
     QHash<QString, QString> m_drafts; ///< remarks that were not sent, by the meeting
 };
 

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Window
 import Murmeli.App
 import Murmeli.Detail
 import Murmeli.Meetings
@@ -18,6 +19,16 @@ Rectangle {
     readonly property bool onAssistant: model.tab === MainModel.Assistant
     readonly property bool onSettings: model.tab === MainModel.Settings
     readonly property bool inDetail: onMeetings && model.detail !== null
+
+    readonly property bool shown: Window.window !== null && Window.window.visible
+
+    // The keyboard begins where one reads, never on the button that records.
+    onShownChanged: {
+        if (!shown) return;
+        if (root.inDetail) (detail.item as MeetingDetail)?.focusFirst(); // else when it is loaded
+        else if (root.onMeetings) meetings.begin();
+        else sidebar.focusTabs();
+    }
 
     function back(): void {
         if (!root.inDetail) return;

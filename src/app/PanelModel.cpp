@@ -71,6 +71,7 @@ QString PanelModel::title() const
 PanelModel::Line PanelModel::lineKind() const
 {
     if (m_record.waiting()) return Line::Waiting;
+    if (m_record.refused()) return Line::Refused;
     if (m_hoverOrb) return Line::Invitation;
     return m_state.isRecording() && m_state.since() > 0 ? Line::RunningTime : Line::Subtitle;
 }
@@ -81,6 +82,8 @@ QString PanelModel::line() const
     case Line::Waiting:
         return text(m_record.pending() == RecordControl::Pending::Starting ? "panel.pending.starting"
                                                                            : "panel.pending.stopping");
+    case Line::Refused:
+        return text("record.refused");
     case Line::Invitation:
         return text(m_state.isRecording() ? "panel.hover.stop" : "panel.hover.record");
     case Line::RunningTime:

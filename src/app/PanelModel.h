@@ -37,7 +37,7 @@ class PanelModel final : public QObject {
 public:
     enum class Face { Idle, Recording, Processing };
     Q_ENUM(Face)
-    enum class Line { Waiting, Invitation, RunningTime, Subtitle };
+    enum class Line { Waiting, Refused, Invitation, RunningTime, Subtitle };
     Q_ENUM(Line)
 
     PanelModel(const AppState& state, const RecordControl& record, Prefs& prefs, const Language& language,

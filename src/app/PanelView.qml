@@ -23,7 +23,10 @@ Item {
     signal fadedOut()
     signal pressedOutside()
 
-    readonly property size contentSize: Qt.size(Theme.panelWidth, body.y - topMargin + body.height)
+    // What the panel would like to be; it makes do with less.
+    readonly property size contentSize: Qt.size(Theme.panelWidth, body.y - topMargin + fullHeight)
+    readonly property real footerGap: 2
+    readonly property real fullHeight: column.implicitHeight + footerGap + footer.implicitHeight + Theme.padPanel
     readonly property int sideMargin: floating ? Theme.shadowExtent : 0
     readonly property int topMargin: floating ? Math.min(Theme.shadowExtent, 12) : 0
     readonly property int bottomMargin: floating ? Theme.shadowExtent : 0
@@ -31,6 +34,7 @@ Item {
 
     function focusFirst(): void {
         orb.forceActiveFocus(Qt.OtherFocusReason);
+        scroll.show(hero);
     }
 
     implicitWidth: Theme.panelWidth + 2 * sideMargin
@@ -97,7 +101,7 @@ Item {
             x: root.sideMargin
             y: root.topMargin + (root.floating ? Theme.arrowHeight - 1 : 0)
             width: root.floating ? Theme.panelWidth : root.width
-            height: column.implicitHeight
+            height: root.height > 0 ? Math.min(root.fullHeight, root.height - y - root.bottomMargin) : root.fullHeight
             radius: root.floating && Theme.compositing ? Theme.rPanel : 0
             color: Theme.bgPanel
             border.width: root.floating ? Theme.hair : 0
@@ -107,156 +111,174 @@ Item {
                 anchors.fill: parent
                 Accessible.ignored: true
             }
-            Item {
-                anchors.fill: parent
-                anchors.margins: Theme.hair
-                clip: true
-                OrbArt {
-                    x: (parent.width - width) / 2
-                    y: hero.y + 88 - height / 2
-                    width: 400
-                    height: 320
-                    part: OrbArt.Wash
-                    style: root.panel.face === PanelModel.Recording ? Theme.orbRecording
-                        : root.panel.face === PanelModel.Processing ? Theme.orbProcessing : Theme.orbIdle
-                }
-            }
-            ColumnLayout {
-                id: column
+            Scroller {
+                id: scroll
                 width: parent.width
-                spacing: 0
+                height: footer.y - (body.height < root.fullHeight ? Theme.gapRow : root.footerGap)
+                lead: 24
+                head: 120
 
-                Banner {
-                    Layout.fillWidth: true
-                    shown: root.appState.authFlag
-                    accent: Theme.pink
-                    ink: Theme.inkPink
-                    symbol: "person.crop.circle.badge.exclamationmark"
-                    title: root.panel.authTitle
-                    body: root.panel.authBody
-                    closable: true
-                    closeHelp: L.t("panel.auth.dismiss")
-                    onDismissed: root.appState.dismissAuthBanner()
-                }
-                Banner {
-                    Layout.fillWidth: true
-                    shown: root.appState.welcome
-                    accent: Theme.green
-                    ink: Theme.inkGreen
-                    symbol: "checkmark.seal.fill"
-                    title: L.t("panel.welcome.title")
-                    body: L.t("panel.welcome.body")
-                }
-                Banner {
-                    Layout.fillWidth: true
-                    shown: root.updater.available
-                    accent: Theme.violet
-                    ink: Theme.inkViolet
-                    symbol: "arrow.down.circle.fill"
-                    title: L.t("update.subtitle.available", root.updater.latest)
-                    action: PillButton {
-                        kind: root.updater.busy ? PillButton.Tinted : PillButton.Primary
-                        busy: root.updater.busy
-                        enabled: !root.updater.busy
-                        text: root.updater.busy ? L.t("update.action.installing") : L.t("update.action.install")
-                        onClicked: root.panel.updateRequested()
+                Item {
+                    x: Theme.hair
+                    y: Theme.hair
+                    width: parent.width - 2 * Theme.hair
+                    height: column.height - 2 * Theme.hair
+                    clip: true
+                    OrbArt {
+                        x: (parent.width - width) / 2
+                        y: hero.y + 88 - height / 2
+                        width: 400
+                        height: 320
+                        part: OrbArt.Wash
+                        style: root.panel.face === PanelModel.Recording ? Theme.orbRecording
+                            : root.panel.face === PanelModel.Processing ? Theme.orbProcessing : Theme.orbIdle
                     }
                 }
                 ColumnLayout {
-                    id: hero
-                    Layout.fillWidth: true
-                    Layout.topMargin: 22
-                    Layout.bottomMargin: 18
+                    id: column
+                    width: parent.width
                     spacing: 0
 
-                    StatusOrb {
-                        id: orb
-                        Layout.alignment: Qt.AlignHCenter
-                        panel: root.panel
-                        record: root.record
-                        moving: root.onScreen
-                        focus: true
-                    }
-                    Label {
-                        Layout.alignment: Qt.AlignHCenter
-                        Layout.topMargin: 14
-                        type: Theme.panelTitle
-                        text: root.panel.title
-                    }
-                    Item {
+                    Banner {
                         Layout.fillWidth: true
-                        Layout.topMargin: 3
-                        Layout.preferredHeight: root.panel.face === PanelModel.Recording ? 30 : Math.max(20, line.visible ? line.implicitHeight : 0)
-                        RecTimer {
-                            anchors.centerIn: parent
+                        shown: root.appState.authFlag
+                        accent: Theme.pink
+                        ink: Theme.inkPink
+                        symbol: "person.crop.circle.badge.exclamationmark"
+                        title: root.panel.authTitle
+                        body: root.panel.authBody
+                        closable: true
+                        closeHelp: L.t("panel.auth.dismiss")
+                        onDismissed: root.appState.dismissAuthBanner()
+                    }
+                    Banner {
+                        Layout.fillWidth: true
+                        shown: root.appState.welcome
+                        accent: Theme.green
+                        ink: Theme.inkGreen
+                        symbol: "checkmark.seal.fill"
+                        title: L.t("panel.welcome.title")
+                        body: L.t("panel.welcome.body")
+                    }
+                    Banner {
+                        Layout.fillWidth: true
+                        shown: root.updater.available
+                        accent: Theme.violet
+                        ink: Theme.inkViolet
+                        symbol: "arrow.down.circle.fill"
+                        title: L.t("update.subtitle.available", root.updater.latest)
+                        action: PillButton {
+                            kind: root.updater.busy ? PillButton.Tinted : PillButton.Primary
+                            busy: root.updater.busy
+                            enabled: !root.updater.busy
+                            text: root.updater.busy ? L.t("update.action.installing") : L.t("update.action.install")
+                            onClicked: root.panel.updateRequested()
+                        }
+                    }
+                    ColumnLayout {
+                        id: hero
+                        Layout.fillWidth: true
+                        Layout.topMargin: 22
+                        Layout.bottomMargin: 18
+                        spacing: 0
+
+                        StatusOrb {
+                            id: orb
+                            Layout.alignment: Qt.AlignHCenter
                             panel: root.panel
-                            visible: root.panel.lineKind === PanelModel.RunningTime
+                            record: root.record
+                            moving: root.onScreen
+                            focus: true
                         }
                         Label {
-                            id: line
-                            anchors.centerIn: parent
-                            width: parent.width - 40
-                            visible: root.panel.lineKind !== PanelModel.RunningTime
-                            horizontalAlignment: Text.AlignHCenter
-                            wrapMode: Text.Wrap
-                            maximumLineCount: root.panel.face === PanelModel.Recording ? 1 : 3
-                            elide: Text.ElideRight
-                            type: Theme.sub
-                            text: root.panel.line
-                            color: root.panel.lineKind !== PanelModel.Invitation ? Theme.text2
-                                : root.panel.face === PanelModel.Recording ? Theme.inkRed : Theme.inkViolet
+                            Layout.alignment: Qt.AlignHCenter
+                            Layout.topMargin: 14
+                            type: Theme.panelTitle
+                            text: root.panel.title
                         }
-                    }
-                    Rectangle {
-                        Layout.alignment: Qt.AlignHCenter
-                        Layout.topMargin: 9
-                        visible: root.panel.jobsLine.length > 0
-                        implicitWidth: jobs.implicitWidth + 18
-                        implicitHeight: 22
-                        radius: 11
-                        color: Theme.fill
-                        Row {
-                            id: jobs
-                            x: 8
-                            anchors.verticalCenter: parent.verticalCenter
-                            spacing: 6
-                            ProcessingSpinner {
-                                anchors.verticalCenter: parent.verticalCenter
-                                size: Theme.symbolSmall
-                                moving: root.onScreen
+                        Item {
+                            Layout.fillWidth: true
+                            Layout.topMargin: 3
+                            Layout.preferredHeight: Math.max(root.panel.face === PanelModel.Recording ? 30 : 20, line.visible ? line.implicitHeight : 0)
+                            RecTimer {
+                                anchors.centerIn: parent
+                                panel: root.panel
+                                visible: root.panel.lineKind === PanelModel.RunningTime
                             }
                             Label {
-                                type: Theme.jobs
-                                color: Theme.text2
-                                text: root.panel.jobsLine
+                                id: line
+                                anchors.centerIn: parent
+                                width: parent.width - 40
+                                visible: root.panel.lineKind !== PanelModel.RunningTime
+                                horizontalAlignment: Text.AlignHCenter
+                                wrapMode: Text.Wrap
+                                maximumLineCount: 3
+                                elide: Text.ElideRight
+                                type: Theme.sub
+                                text: root.panel.line
+                                color: root.panel.lineKind === PanelModel.Refused ? Theme.inkRed
+                                    : root.panel.lineKind !== PanelModel.Invitation ? Theme.text2
+                                    : root.panel.face === PanelModel.Recording ? Theme.inkRed : Theme.inkViolet
+                            }
+                        }
+                        Rectangle {
+                            Layout.alignment: Qt.AlignHCenter
+                            Layout.topMargin: 9
+                            visible: root.panel.jobsLine.length > 0
+                            implicitWidth: jobs.implicitWidth + 18
+                            implicitHeight: 22
+                            radius: 11
+                            color: Theme.fill
+                            Row {
+                                id: jobs
+                                x: 8
+                                anchors.verticalCenter: parent.verticalCenter
+                                spacing: 6
+                                ProcessingSpinner {
+                                    anchors.verticalCenter: parent.verticalCenter
+                                    size: Theme.symbolSmall
+                                    moving: root.onScreen
+                                }
+                                Label {
+                                    type: Theme.jobs
+                                    color: Theme.text2
+                                    text: root.panel.jobsLine
+                                }
                             }
                         }
                     }
+                    PreferenceRows {
+                        Layout.fillWidth: true
+                        Layout.leftMargin: Theme.padPanel
+                        Layout.rightMargin: Theme.padPanel
+                        Layout.bottomMargin: Theme.gapGroup
+                        panel: root.panel
+                    }
+                    AccountRows {
+                        Layout.fillWidth: true
+                        Layout.leftMargin: Theme.padPanel
+                        Layout.rightMargin: Theme.padPanel
+                        Layout.bottomMargin: Theme.gapGroup
+                        panel: root.panel
+                        account: root.account
+                        appState: root.appState
+                        onAddressAsked: card => scroll.showNew(card)
+                    }
                 }
-                PreferenceRows {
-                    Layout.fillWidth: true
-                    Layout.leftMargin: Theme.padPanel
-                    Layout.rightMargin: Theme.padPanel
-                    Layout.bottomMargin: Theme.gapGroup
-                    panel: root.panel
-                }
-                AccountRows {
-                    Layout.fillWidth: true
-                    Layout.leftMargin: Theme.padPanel
-                    Layout.rightMargin: Theme.padPanel
-                    Layout.bottomMargin: Theme.gapGroup
-                    panel: root.panel
-                    account: root.account
-                    appState: root.appState
-                }
-                PanelFooter {
-                    Layout.fillWidth: true
-                    Layout.leftMargin: Theme.padPanel
-                    Layout.rightMargin: Theme.gapRow
-                    Layout.topMargin: 2
-                    Layout.bottomMargin: Theme.padPanel
-                    panel: root.panel
-                }
+            }
+            Rectangle { // where the scrolled content ends
+                y: scroll.y + scroll.height
+                width: parent.width
+                height: Theme.hair
+                visible: !scroll.atYEnd
+                color: Theme.line
+            }
+            PanelFooter {
+                id: footer
+                x: Theme.padPanel
+                y: parent.height - height - Theme.padPanel
+                width: parent.width - x - Theme.gapRow
+                panel: root.panel
             }
         }
         Triangle {

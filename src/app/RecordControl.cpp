@@ -20,7 +20,7 @@ RecordControl::RecordControl(const Paths& paths, const AppState& state, Schedule
 {
     connect(&state, &AppState::changed, this, [this] {
         const bool answered = m_pending == Pending::Starting ? m_state.isRecording() : !m_state.isRecording();
-        if (answered) setPending(Pending::None);
+        if (answered) set(Pending::None);
     });
 }
 
@@ -28,18 +28,21 @@ void RecordControl::toggle()
 {
     if (waiting()) return;
     const bool stop = m_state.isRecording();
-    setPending(stop ? Pending::Stopping : Pending::Starting);
-    commandFile::write(m_commandFile, stop ? commandFile::Action::Stop : commandFile::Action::Start,
-                       m_scheduler.now());
+    const bool written = commandFile::write(
+        m_commandFile, stop ? commandFile::Action::Stop : commandFile::Action::Start, m_scheduler.now());
+    set(!written ? Pending::None : stop ? Pending::Stopping : Pending::Starting, !written);
     const auto request = ++m_request;
     m_scheduler.after(answerTime, this, [this, request] {
-        if (request == m_request) setPending(Pending::None);
+        if (request == m_request) set(Pending::None);
     });
 }
 
-void RecordControl::setPending(Pending pending)
+void RecordControl::set(Pending pending, bool refused)
 {
-    if (std::exchange(m_pending, pending) != pending) emit pendingChanged();
+    const bool same = m_pending == pending && m_refused == refused;
+    m_pending = pending;
+    m_refused = refused;
+    if (!same) emit pendingChanged();
 }
 
 } // namespace murmeli

@@ -17,6 +17,8 @@ class RecordControl final : public QObject {
     QML_UNCREATABLE("made once and handed to each view")
     Q_PROPERTY(Pending pending READ pending NOTIFY pendingChanged FINAL)
     Q_PROPERTY(bool waiting READ waiting NOTIFY pendingChanged FINAL)
+    Q_PROPERTY(
+        bool refused READ refused NOTIFY pendingChanged FINAL) ///< the last request could not be written
 
 public:
     enum class Pending { None, Starting, Stopping };
@@ -26,21 +28,23 @@ public:
 
     [[nodiscard]] Pending pending() const { return m_pending; }
     [[nodiscard]] bool waiting() const { return m_pending != Pending::None; }
+    [[nodiscard]] bool refused() const { return m_refused; }
 
     /// Asks for a stop while recording, else for a start; does nothing while an answer is awaited, which is
-    /// given up after 12 s.
+    /// given up after 12 s. For as long a request counts as refused that could not be written.
     Q_INVOKABLE void toggle();
 
 signals:
     void pendingChanged();
 
 private:
-    void setPending(Pending pending);
+    void set(Pending pending, bool refused = false);
 
     QString m_commandFile;
     const AppState& m_state;
     Scheduler& m_scheduler;
     Pending m_pending = Pending::None;
+    bool m_refused = false;
     quint64 m_request = 0; ///< an earlier request's time-out must not end a later one
 };
 

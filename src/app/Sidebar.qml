@@ -20,6 +20,10 @@ Rectangle {
         { tab: MainModel.Settings, symbol: "wrench.and.screwdriver", key: "tab.settings" }
     ]
 
+    function focusTabs(): void {
+        list.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
     implicitWidth: Theme.sidebarWidth
     color: Theme.bgSide
 
@@ -55,13 +59,26 @@ Rectangle {
             text: "Murmeli"
         }
     }
-    RecordButton {
+    Column {
         id: recording
         x: Theme.padCard
         anchors { top: brand.bottom; topMargin: 18 }
         width: parent.width - 2 * Theme.padCard
-        appState: root.appState
-        record: root.record
+        spacing: Theme.gapRow
+        RecordButton {
+            width: parent.width
+            appState: root.appState
+            record: root.record
+        }
+        Label {
+            width: parent.width
+            visible: root.record.refused
+            type: Theme.caption
+            color: Theme.inkRed
+            wrapMode: Text.Wrap
+            text: L.t("record.refused")
+            Accessible.role: Accessible.AlertMessage
+        }
     }
     Column {
         id: list

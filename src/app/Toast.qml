@@ -11,6 +11,7 @@ Window {
     required property string cardTitle
     required property string message
     required property bool starting
+    required property string symbol
     property bool shown: false
     property real strength: shown ? 1 : 0 // of a property of our own: a hidden window's opacity tells of no change
 
@@ -71,7 +72,7 @@ Window {
                 Symbol {
                     anchors.centerIn: parent
                     size: Theme.symbolBanner
-                    name: "waveform"
+                    name: root.symbol
                     ink: Theme.white
                 }
             }

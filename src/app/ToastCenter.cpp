@@ -54,7 +54,8 @@ void ToastCenter::show(const ToastText& toast)
         m_component->createWithInitialProperties({{u"card"_s, place(available, count())},
                                                   {u"cardTitle"_s, toast.title},
                                                   {u"message"_s, toast.message},
-                                                  {u"starting"_s, toast.starting}}));
+                                                  {u"starting"_s, toast.starting},
+                                                  {u"symbol"_s, toast.symbol}}));
     if (!window) return;
     m_windows.push_back(window);
     windowSystem::floatEverywhere(window);

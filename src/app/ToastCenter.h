@@ -20,6 +20,7 @@ struct ToastText {
     QString title;
     QString message;
     bool starting = false; ///< a recording starts: the card takes its colours
+    QString symbol = QStringLiteral("waveform");
 };
 
 /// Shows small cards in the top right corner of the screen for 4.5 s, one below the other. Main thread only.

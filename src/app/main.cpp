@@ -5,6 +5,7 @@
 #include "base/Scheduler.h"
 #include "localisation/Language.h"
 #include "platform/Appearance.h"
+#include "platform/EndSignals.h"
 #include "platform/Installation.h"
 #include "platform/SignInSession.h"
 #include "platform/SingleInstance.h"
@@ -17,6 +18,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QQuickWindow>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -80,6 +82,8 @@ int main(int argc, char* argv[])
     QApplication::setDesktopFileName(u"murmeli"_s);
     QApplication::setQuitOnLastWindowClosed(false);
     windowSystem::becomeAccessory();
+    if (windowSystem::drawsInSoftware()) QQuickWindow::setSceneGraphBackend(u"software"_s);
+    endSignals::quitOn(&app);
 
     const Paths paths{home};
     Prefs prefs{paths.prefsFile};

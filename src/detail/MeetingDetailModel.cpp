@@ -32,7 +32,8 @@ constexpr qsizetype titleLength = 400; // code units; a title has one line
 
 } // namespace
 
-MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meeting, QObject* parent)
+MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meeting,
+                                       std::shared_ptr<ProtocolFileMaker> files, QObject* parent)
     : QObject(parent),
       m_ground(ground),
       m_meeting(meeting),
@@ -41,7 +42,7 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
                 .rebuildScript = ground.paths.rebuildScript},
                ground.account, ground.http, ground.processes, ground.language, ground.scheduler,
                ground.background),
-      m_files(ground.paths, ground.processes, ground.language, workspace::copyFile),
+      m_files(std::move(files)),
       m_report({.account = ground.account,
                 .http = ground.http,
                 .language = ground.language,
@@ -58,7 +59,7 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
         load();
     });
     connect(&ground.language, &Language::changed, this, &MeetingDetailModel::changed);
-    connect(&m_files, &ProtocolFileMaker::shared, this, [this](const QString& path) {
+    connect(m_files.get(), &ProtocolFileMaker::shared, this, [this](const QString& path) {
         // The file may take minutes, and the user be elsewhere by then. A second press has it at once.
         if (!m_anchor || !m_anchor->isVisible() || !m_anchor->window() || !m_anchor->window()->isVisible())
             return;
@@ -153,14 +154,14 @@ void MeetingDetailModel::save(QQuickItem* anchor)
                                         .kind = u"PDF (*.pdf)"_s,
                                         .suffix = u"pdf"_s};
     fileDialog::save(question, anchor->window(), [self = QPointer{this}](const QString& path) {
-        if (self) self->m_files.save(self->m_meeting, path);
+        if (self) self->m_files->save(self->m_meeting, path);
     });
 }
 
 void MeetingDetailModel::share(QQuickItem* anchor)
 {
     m_anchor = anchor;
-    m_files.share(m_meeting);
+    m_files->share(m_meeting);
 }
 
 void MeetingDetailModel::reveal() const

@@ -13,6 +13,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
+#include <memory>
 
 namespace murmeli {
 
@@ -53,7 +54,8 @@ public:
         std::function<void(const QString& id, const QString& remark)> carriedOut;
     };
 
-    MeetingDetailModel(const Ground& ground, const Meeting& meeting, QObject* parent = nullptr);
+    MeetingDetailModel(const Ground& ground, const Meeting& meeting, std::shared_ptr<ProtocolFileMaker> files,
+                       QObject* parent = nullptr);
     ~MeetingDetailModel() override;
     Q_DISABLE_COPY_MOVE(MeetingDetailModel)
 
@@ -69,7 +71,7 @@ public:
     [[nodiscard]] SectionListModel* sections() { return &m_sections; }
     [[nodiscard]] ProtocolEditor* editor() { return &m_editor; }
     [[nodiscard]] ReportLoader* report() { return &m_report; }
-    [[nodiscard]] ProtocolFileMaker* files() { return &m_files; }
+    [[nodiscard]] ProtocolFileMaker* files() { return m_files.get(); }
 
     /// Nothing when the remark is empty or another one is on its way.
     Q_INVOKABLE void sendRemark(const QString& remark);
@@ -119,7 +121,7 @@ private:
     std::optional<files::Identity> m_file; ///< which state of the summary file is shown
     SectionListModel m_sections{nullptr};
     ProtocolEditor m_editor;
-    ProtocolFileMaker m_files;
+    std::shared_ptr<ProtocolFileMaker> m_files;
     ReportLoader m_report;
     std::optional<QString> m_protocol;
     QString m_draft;

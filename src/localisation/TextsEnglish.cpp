@@ -233,6 +233,7 @@ const std::array<Text, ownTextCount> englishOwn = {{
     {"panel.orb.name.record", u"Start recording"},
     {"panel.timer.label", u"recording"},
     {"panel.timer.spoken", u"Recording, %@"},
+    {"record.refused", u"The request could not be handed to the service"},
     {"panel.jobs.one", u"The previous meeting is being processed…"},
     {"panel.jobs.many", u"Meetings being processed: %@"},
     {"panel.format", u"Protocol format"},

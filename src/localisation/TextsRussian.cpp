@@ -233,6 +233,7 @@ const std::array<Text, ownTextCount> russianOwn = {{
     {"panel.orb.name.record", u"Начать запись"},
     {"panel.timer.label", u"идёт запись"},
     {"panel.timer.spoken", u"Идёт запись, %@"},
+    {"record.refused", u"Не удалось передать запрос службе"},
     {"panel.jobs.one", u"Разбирается прошлая встреча…"},
     {"panel.jobs.many", u"Разбирается встреч: %@"},
     {"panel.format", u"Формат протокола"},

@@ -9,12 +9,19 @@ Item {
     id: root
 
     required property MeetingStore store
+    property bool beginning: false
 
     signal opened(string id)
 
     function search(): void {
         field.forceActiveFocus(Qt.ShortcutFocusReason);
         field.selectAll();
+    }
+    // Takes the keyboard without pointing at a row.
+    function begin(): void {
+        beginning = true;
+        list.forceActiveFocus(Qt.OtherFocusReason);
+        beginning = false;
     }
     function focusList(id: string): void {
         const row = root.store.list.rowOf(id);
@@ -51,7 +58,7 @@ Item {
         boundsBehavior: Flickable.StopAtBounds
         keyNavigationEnabled: true
         highlightMoveDuration: 0
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: true
         currentIndex: -1
         model: root.store.list
         Accessible.role: Accessible.List
@@ -65,7 +72,7 @@ Item {
             else return;
             event.accepted = true;
         }
-        onActiveFocusChanged: if (activeFocus && currentIndex < 0) currentIndex = 0
+        onActiveFocusChanged: if (activeFocus && !root.beginning && currentIndex < 0 && count > 0) currentIndex = 0
 
         // Bound components would be cleaner, but the section headings of this Qt version refuse them.
         // qmllint disable unqualified

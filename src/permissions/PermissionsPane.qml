@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 import Murmeli.Localisation
 import Murmeli.Permissions
 import Murmeli.Ui
@@ -32,34 +33,29 @@ Column {
     }
     Card {
         width: parent.width
-        height: rows.height
         color: Theme.bgCard
-        Column {
-            id: rows
-            width: root.width
-            PermissionRow {
-                width: parent.width
-                symbol: "mic.fill"
-                title: L.t("perm.microphone.title")
-                detail: L.t("perm.microphone.detail")
-                permission: root.model.microphone
-                asking: root.model.askingMicrophone
-                onRequested: root.model.request(PermissionsModel.Microphone)
-            }
-            Rectangle {
-                width: parent.width
-                height: Theme.hair
-                color: Theme.line
-            }
-            PermissionRow {
-                width: parent.width
-                symbol: "rectangle.inset.filled.and.person.filled"
-                title: L.t("perm.screen.title")
-                detail: L.t("perm.screen.detail")
-                permission: root.model.screen
-                asking: root.model.askingScreen
-                onRequested: root.model.request(PermissionsModel.Screen)
-            }
+        PermissionRow {
+            Layout.fillWidth: true
+            symbol: "mic.fill"
+            title: L.t("perm.microphone.title")
+            detail: L.t("perm.microphone.detail")
+            permission: root.model.microphone
+            asking: root.model.askingMicrophone
+            onRequested: root.model.request(PermissionsModel.Microphone)
+        }
+        Rectangle {
+            Layout.fillWidth: true
+            implicitHeight: Theme.hair
+            color: Theme.line
+        }
+        PermissionRow {
+            Layout.fillWidth: true
+            symbol: "rectangle.inset.filled.and.person.filled"
+            title: L.t("perm.screen.title")
+            detail: L.t("perm.screen.detail")
+            permission: root.model.screen
+            asking: root.model.askingScreen
+            onRequested: root.model.request(PermissionsModel.Screen)
         }
     }
     Item {

@@ -18,18 +18,19 @@ constexpr double arrowClearance = 32; // keeps the arrow off the rounded corners
 PanelPlacement placePanel(const QRect& icon, const QRect& available, const QSize& content)
 {
     const int width = std::max(content.width(), minimumWidth);
-    const int height = content.height() > leastSeriousHeight ? content.height() : defaultHeight;
+    const int wanted = content.height() > leastSeriousHeight ? content.height() : defaultHeight;
     const double middle = icon.x() + icon.width() / 2.0;
 
     int x = int(middle - width / 2.0);
     x = std::max(x, available.x() + screenMargin);
     x = std::min(x, available.x() + available.width() - width - screenMargin); // the right bound wins
 
-    int y = icon.y() + icon.height() + gapToIcon;
-    const bool iconAtBottom = icon.center().y() > available.center().y();
-    if (iconAtBottom && y + height > available.y() + available.height()) {
-        y = std::max(available.y() + screenMargin, icon.y() - gapToIcon - height);
-    }
+    const int below = icon.y() + icon.height() + gapToIcon;
+    const int roomBelow = available.y() + available.height() - screenMargin - below;
+    const int roomAbove = icon.y() - gapToIcon - available.y() - screenMargin;
+    const bool over = wanted > roomBelow && roomAbove > roomBelow;
+    const int height = std::min(wanted, over ? roomAbove : roomBelow);
+    const int y = over ? icon.y() - gapToIcon - height : below;
     const double arrow = std::min(std::max(middle - x, arrowClearance), width - arrowClearance);
     return {{x, y, width, height}, arrow};
 }

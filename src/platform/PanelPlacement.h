@@ -13,8 +13,9 @@ struct PanelPlacement {
     bool operator==(const PanelPlacement&) const = default;
 };
 
-/// Under `icon` (over it when the icon stands at the bottom of the screen), inside `available` with a margin.
-/// A content height of 60 or less is not taken seriously, nor a width under 340.
+/// Under `icon`, or over it where the content finds more room there, inside `available` with a margin; lower
+/// than its content where there is no room for all of it. A content height of 60 or less is not taken
+/// seriously, nor a width under 340.
 PanelPlacement placePanel(const QRect& icon, const QRect& available, const QSize& content);
 
 } // namespace murmeli

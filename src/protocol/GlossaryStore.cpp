@@ -22,6 +22,8 @@ namespace {
 const QString copyKey = u"glossary"_s;
 // There while the copy holds what the backend has not got yet: what both had last.
 const QString baseKey = u"glossary_base"_s;
+// Whose words the copy holds: the account's identifier.
+const QString personKey = u"glossary_person"_s;
 // What could not be sent before somebody else signed in, by the account: "text" and its "base".
 const QString othersKey = u"glossary_unsent"_s;
 
@@ -34,6 +36,12 @@ std::optional<QString> textIn(const QByteArray& answer)
     if (profiles.isEmpty()) return QString{};
     if (!profiles[0].isObject()) return std::nullopt; // rather no glossary than a lost one
     return profiles[0][u"glossary"_s].toString();
+}
+
+std::optional<QString> ownerOfCopy(const Prefs& prefs)
+{
+    const QString owner = prefs.string(personKey, {});
+    return owner.isEmpty() ? std::nullopt : std::optional{owner};
 }
 
 } // namespace
@@ -49,8 +57,9 @@ GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, con
       m_entries(glossaryText::parseAll(prefs.string(copyKey, {}))),
       m_base(prefs.string(baseKey, prefs.string(copyKey, {}))),
       m_unsent(prefs.load().value(baseKey).isString()),
-      m_person(signIn::subject(account.accessToken()))
+      m_person(ownerOfCopy(prefs))
 {
+    followPerson();
     reload();
     connect(&account, &AuthManager::changed, this, [this, was = account.accessToken()]() mutable {
         if (std::exchange(was, m_account.accessToken()) == m_account.accessToken()) return;
@@ -70,7 +79,11 @@ void GlossaryStore::followPerson()
     const auto person = signIn::subject(m_account.accessToken());
     if (!person) return; // signed out: whose words they are is known only at the next sign-in
     const auto before = std::exchange(m_person, person);
-    if (!before || before == person) return;
+    if (before == person) return;
+    if (!before) { // the first to sign in here
+        if (m_unsent || !m_entries.isEmpty()) m_prefs.set(personKey, *person);
+        return;
+    }
     QJsonObject others = m_prefs.load().value(othersKey).toObject();
     if (m_unsent) {
         others[*before] = QJsonObject{{u"text"_s, glossaryText::serialised(m_entries)}, {u"base"_s, m_base}};
@@ -82,9 +95,11 @@ void GlossaryStore::followPerson()
     m_savedAt = {};
     m_syncError.clear();
     setEntries(text);
-    m_prefs.set(othersKey, others);
-    m_prefs.set(baseKey, m_unsent ? QJsonValue{m_base} : QJsonValue{});
-    m_prefs.set(copyKey, text);
+    // In one write, so that no interruption gives one person's words to another.
+    m_prefs.set({{othersKey, others},
+                 {baseKey, m_unsent ? QJsonValue{m_base} : QJsonValue{}},
+                 {copyKey, text},
+                 {personKey, *person}});
     emit changed();
 }
 
@@ -98,11 +113,11 @@ void GlossaryStore::keepCopy(const QString& text, bool sent)
 {
     m_unsent = !sent;
     if (sent) m_base = text;
-    // In this order words that were not sent are never taken for sent ones, wherever we are interrupted.
-    const bool marked = m_prefs.load().value(baseKey).isString();
-    if (!sent && !marked) m_prefs.set(baseKey, m_base);
-    if (m_prefs.string(copyKey, {}) != text || !m_prefs.load().contains(copyKey)) m_prefs.set(copyKey, text);
-    if (sent && marked) m_prefs.set(baseKey, QJsonValue::Null);
+    QJsonObject members{{copyKey, text}};
+    if (!sent) members[baseKey] = m_base;
+    if (sent && m_prefs.load().contains(baseKey)) members[baseKey] = QJsonValue::Null;
+    if (m_person) members[personKey] = *m_person;
+    m_prefs.set(members);
 }
 
 QString GlossaryStore::problem(const HttpAnswer& answer, const char* key) const

@@ -1,14 +1,17 @@
 #include "ProtocolFileMaker.h"
 
+#include "base/Files.h"
 #include "base/Processes.h"
 #include "base/Text.h"
 #include "localisation/Language.h"
 #include "meetings/Meeting.h"
 #include "service/Paths.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QMetaObject>
 #include <QTemporaryDir>
+#include <QUuid>
 
 #include <utility>
 
@@ -33,7 +36,12 @@ ProtocolFileMaker::ProtocolFileMaker(const Paths& paths, Processes& processes, c
 {
 }
 
-ProtocolFileMaker::~ProtocolFileMaker() = default;
+ProtocolFileMaker::~ProtocolFileMaker()
+{
+    // The script may be about to write it still: it ends first.
+    qDeleteAll(findChildren<QObject*>(Qt::FindDirectChildrenOnly));
+    if (!m_unfinished.isEmpty()) QFile::remove(m_unfinished);
+}
 
 QString ProtocolFileMaker::suggestedName(const Meeting& meeting)
 {
@@ -61,13 +69,19 @@ void ProtocolFileMaker::build(const Meeting& meeting, const QString& destination
             this, [done = std::move(done)] { done(false); }, Qt::QueuedConnection);
         return;
     }
+    const QString beside =
+        QFileInfo{destination}.absolutePath() + u"/.murmeli-"_s + QUuid::createUuid().toString(QUuid::Id128);
+    m_unfinished = beside + u".pdf"_s;
     m_processes.run(
-        {.program = m_python, .arguments = {m_script, meeting.jsonPath, destination}}, this,
+        {.program = m_python, .arguments = {m_script, meeting.jsonPath, m_unfinished}}, this,
         [this, done = std::move(done), destination, source = meeting.jsonPath](const ProcessResult& result) {
-            const bool built = result.ok() && QFileInfo::exists(destination);
+            const QString made = std::exchange(m_unfinished, {});
+            const bool built = result.ok() && QFileInfo::exists(made) && files::moveOver(made, destination);
             if (built) {
                 m_lastSource = source;
                 m_lastBuilt = destination;
+            } else {
+                QFile::remove(made);
             }
             done(built);
         });
@@ -78,12 +92,14 @@ void ProtocolFileMaker::save(const Meeting& meeting, const QString& destination)
     if (m_outcome == Outcome::Working) return;
     end(Outcome::Working, {});
     build(meeting, destination, [this, destination](bool built) {
+        const QString name = QFileInfo{destination}.fileName();
         if (built) {
             m_copy(destination);
-            end(Outcome::Saved, QFileInfo{destination}.fileName());
+            end(Outcome::Saved, name);
         } else {
             end(Outcome::Failed, m_language.t(u"file.error"_s));
         }
+        emit saveEnded(built, built ? m_language.t(u"file.saved"_s, name) : m_text);
     });
 }
 

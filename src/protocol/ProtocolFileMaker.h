@@ -16,8 +16,8 @@ struct Meeting;
 struct Paths;
 class Processes;
 
-/// Makes a PDF of a protocol through the engine's script, which may take minutes. Main thread only; a build
-/// ends with this object.
+/// Makes a PDF of a protocol through the engine's script, which may take minutes. What stood at its
+/// destination stays untouched until the new file is whole. Main thread only; a build ends with this object.
 class ProtocolFileMaker final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -53,6 +53,8 @@ public:
 
 signals:
     void changed();
+    void saveEnded(bool saved,
+                   const QString& line); ///< what there is to tell: where the file is, or what failed
     void shared(const QString& path);
 
 private:
@@ -66,6 +68,7 @@ private:
     Copy m_copy;
     Outcome m_outcome = Outcome::Idle;
     QString m_text;
+    QString m_unfinished; ///< what the script is writing, beside its destination
     QString m_lastSource;
     QString m_lastBuilt;
     std::unique_ptr<QTemporaryDir> m_shareFolder;

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Json.h"
 #include "base/Scheduler.h"
+#include "base/Text.h"
 
 #include <QFile>
 
@@ -19,6 +20,7 @@ namespace {
 constexpr auto pollInterval = 1500ms;
 constexpr auto greetingTime = 2600ms;
 constexpr qint64 sizeLimit = 1024 * 1024; // bytes; the service writes a few hundred
+constexpr qsizetype longestText = 300; // characters of the service's own words; there is room for a few lines
 
 // The service may be rewriting the file at this very moment. It gets these pauses to finish before what
 // stands there counts as damaged; all of them end well before the next poll.
@@ -61,7 +63,7 @@ void AppState::read(int rereads)
     Snapshot snapshot;
     if (object) {
         snapshot.status = json::text(*object, "status"_L1, snapshot.status);
-        snapshot.detail = json::text(*object, "detail"_L1);
+        snapshot.detail = text::shortened(json::text(*object, "detail"_L1), longestText);
         snapshot.telegramConnected = json::flag(*object, "telegram_connected"_L1).value_or(false);
         snapshot.since = json::number(*object, "since"_L1).value_or(0);
         snapshot.jobs = json::integer(*object, "jobs"_L1).value_or(0);
@@ -77,8 +79,10 @@ void AppState::readFlag(Snapshot& snapshot) const
     snapshot.authFlag = bytes.has_value() || files::isReadable(m_paths.authFlagFile);
     const auto object = bytes ? json::object(*bytes) : std::nullopt;
     if (!object) return;
-    if (const QString title = json::text(*object, "title"_L1); !title.isEmpty()) snapshot.authTitle = title;
-    if (const QString body = json::text(*object, "body"_L1); !body.isEmpty()) snapshot.authBody = body;
+    if (const QString title = json::text(*object, "title"_L1); !title.isEmpty())
+        snapshot.authTitle = text::shortened(title, longestText);
+    if (const QString body = json::text(*object, "body"_L1); !body.isEmpty())
+        snapshot.authBody = text::shortened(body, longestText);
 }
 
 void AppState::publish(const Snapshot& snapshot)

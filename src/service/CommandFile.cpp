@@ -18,7 +18,7 @@ QByteArray text(Action action, double seconds)
 
 bool write(const QString& path, Action action, double seconds)
 {
-    return files::writeAtomic(path, text(action, seconds));
+    return files::writeAtomic(path, text(action, seconds), files::Durable::No); // it is read at once or never
 }
 
 } // namespace murmeli::commandFile

@@ -12,8 +12,7 @@ enum class Action { Start, Stop };
 /// fewest digits that read back as the same number.
 QByteArray text(Action action, double seconds);
 
-/// Writes the request atomically. \return false when it could not be written; nobody needs to be told, since
-/// the waiting state of the views ends by itself.
-bool write(const QString& path, Action action, double seconds);
+/// Writes the request atomically. \return false when it could not be written.
+[[nodiscard]] bool write(const QString& path, Action action, double seconds);
 
 } // namespace murmeli::commandFile

@@ -43,10 +43,17 @@ bool Prefs::boolean(const QString& key, bool fallback) const
     return value.isBool() ? value.toBool() : fallback;
 }
 
-void Prefs::set(const QString& key, const QJsonValue& value)
+void Prefs::set(const QJsonObject& members)
 {
     if (files::identity(m_file).size > sizeLimit) return; // what we cannot read is not ours to replace
-    const QByteArray bytes = json::withMember(readBytes(), key, value);
+    const QByteArray before = readBytes();
+    const QJsonObject known = json::object(before).value_or(QJsonObject{});
+    QByteArray bytes = before;
+    for (auto member = members.begin(); member != members.end(); ++member) {
+        if (!known.contains(member.key()) || known.value(member.key()) != *member)
+            bytes = json::withMember(bytes, member.key(), *member);
+    }
+    if (bytes == before) return;
     if (bytes.size() > sizeLimit) return; // nor could it be read again
     // A failure is silent by design.
     std::ignore = files::writeInPlace(m_file, bytes);

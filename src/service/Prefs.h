@@ -22,7 +22,9 @@ public:
 
     /// Stores one value in place; members we do not know keep their exact digits and letters. A damaged file
     /// is replaced. Failures are silent, as the service's choices must never stop the user.
-    void set(const QString& key, const QJsonValue& value);
+    void set(const QString& key, const QJsonValue& value) { set({{key, value}}); }
+    /// The same for several in one write, of which those are left out that stand there already.
+    void set(const QJsonObject& members);
 
     static constexpr qint64 sizeLimit = files::largestInPlace; ///< bytes; a larger file is left alone
 

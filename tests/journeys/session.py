@@ -76,7 +76,8 @@ class Session:
 
     def __init__(self, *, tray=True, engine: list[str] | None = None, notes=True, language="ru",
                  prefs: dict | None = None, state: dict | None = None, portal: list[str] | None = None,
-                 program=True, installed: bool | None = None, web: list[str] | None = None, keyring=False):
+                 program=True, installed: bool | None = None, web: list[str] | None = None, keyring=False, size=(1280, 900)):
+        self._size = size
         self._wants = {"tray": tray, "engine": engine, "portal": portal, "program": program, "web": web,
                        "keyring": keyring}
         self._makes = {"notes": notes, "prefs": prefs, "state": state, "installed": notes if installed is None else installed}
@@ -204,7 +205,6 @@ class Session:
             "LANGUAGE": self._language,
             "NO_AT_BRIDGE": "1",
             "QT_QPA_PLATFORM": "xcb",
-            "QT_QUICK_BACKEND": "software",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
             **self._addresses("http://127.0.0.1:9"),  # nobody is there until a web service is
         }
@@ -244,7 +244,8 @@ class Session:
         ours, theirs = os.pipe()
         try:
             # The server takes the first free number by itself: two sessions never fight for one.
-            self.start("display", ["Xvfb", "-displayfd", str(theirs), "-screen", "0", "1280x900x24",
+            self.start("display", ["Xvfb", "-displayfd", str(theirs), "-screen", "0",
+                                   f"{self._size[0]}x{self._size[1]}x24",
                                    "-nolisten", "tcp", "-noreset"], pass_fds=[theirs])
             os.close(theirs)
             theirs = -1

@@ -57,6 +57,12 @@ class AssistantTest(JourneyTest):
         return json.loads(session.prefs_file.read_text("utf-8")).get("glossary", "").splitlines()
 
 
+class Resting(AssistantTest):
+    def test_the_service_gets_the_glossary_though_no_window_is_opened(self):
+        session = self.open_signed_in()
+        wait_for(lambda: session.prefs_file.exists() and self.copy(session) == START.splitlines(), "the copy for the service")
+
+
 class Teaching(AssistantTest):
     def test_beside_a_protocol(self):
         session = self.open_signed_in()

@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import json
 import re
+from datetime import date, timedelta
 from functools import cache
 
 from main_window import ANNA, answer_dialog, clipboard, glossary, paste, summaries, write_library
@@ -130,7 +131,7 @@ class FirstDay(JourneyTest):
         self.hands = hands(self.session)
         self.texts = texts(language)
         self.language = language
-        write_library(self.session)
+        write_library(self.session, date.today() - timedelta(days=1))  # whatever the hour, today's recording is the newest
         self.known = {summary.path for summary in summaries(self.session)}
         self.session.start_program()
         for chapter in (self.install, self.sign_in, self.record, self.read_and_correct, self.pass_on, self.analyse,

@@ -12,6 +12,7 @@ from waiting import settles, stays, wait_for
 
 IDLE = "Готов к записи"
 RECORDING = "Идёт запись"
+REFUSED = "Не удалось передать запрос службе"
 TWO_GIGABYTES = 2 << 30
 
 
@@ -135,7 +136,7 @@ class NoFolder(JourneyTest):
         session.tree.wait("label", IDLE, 3)
         session.press("radio button", "Короткий")
         session.press("push button", "Начать запись")
-        session.tree.wait("label", "Запускаем запись…")
+        session.tree.wait("label", REFUSED)
         answers(session)
         self.assertFalse(session.notes.exists(), "the folder is the service's to make")
         session.notes.mkdir()
@@ -151,6 +152,7 @@ class NoFolder(JourneyTest):
         session.tree.wait("label", IDLE, 3)
         session.press("radio button", "Короткий")
         session.press("push button", "Начать запись")
+        session.tree.wait("label", REFUSED)
         answers(session)
 
     def test_a_command_file_that_is_none(self):
@@ -158,7 +160,7 @@ class NoFolder(JourneyTest):
         session.command_file.mkdir()
         session.open_panel()
         session.press("push button", "Начать запись")
-        session.tree.wait("label", "Запускаем запись…")
+        session.tree.wait("label", REFUSED)
         answers(session)
         clear(session.command_file)
         os.mkfifo(session.command_file)

@@ -2,7 +2,9 @@
 
 from __future__ import annotations
 
+import os
 import re
+import signal
 from pathlib import Path
 
 from session import JourneyTest, Session
@@ -246,8 +248,19 @@ class Window(JourneyTest):
                 session.close()
 
     def test_quitting_ends_all_that_the_installation_began(self):
-        for label, web, at_work in (("while a step works", ["--pace", "60"], "sleep 60"),
-                                    ("while the installer is fetched", ["--fault", "/app/install.sh=hang"], "curl ")):
+        def by_the_panel(session: Session) -> None:
+            session.open_panel()
+            session.press("push button", QUIT)
+
+        def by_a_signal(number: int):
+            return lambda session: os.kill(session.program.pid, number)
+
+        works, fetched = ["--pace", "60"], ["--fault", "/app/install.sh=hang"]
+        for label, web, at_work, end in (("while a step works", works, "sleep 60", by_the_panel),
+                                         ("while the installer is fetched", fetched, "curl ", by_the_panel),
+                                         ("terminated", works, "sleep 60", by_a_signal(signal.SIGTERM)),
+                                         ("interrupted", works, "sleep 60", by_a_signal(signal.SIGINT)),
+                                         ("its terminal gone", works, "sleep 60", by_a_signal(signal.SIGHUP))):
             with self.case(label):
                 session = self.open_session(notes=False, program=False, web=web)
                 others = session.processes_in_home()
@@ -257,8 +270,7 @@ class Window(JourneyTest):
                 wait_for(lambda: any(at_work in line for line in session.processes_in_home().values()), at_work)
                 begun = session.processes_in_home().keys() - others.keys()
                 self.assertGreater(len(begun), 2)
-                session.open_panel()
-                session.press("push button", QUIT)
+                end(session)
                 self.assertEqual(session.program.wait(5), 0)
                 left = {pid: line for pid, line in session.processes_in_home().items() if pid not in others}
                 self.assertEqual(left, {})

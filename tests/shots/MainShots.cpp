@@ -120,6 +120,7 @@ QList<MainShot> mainShots(bool inRussian)
         {.name = u"assistant-sync-error"_s, .assistant = true, .glossary = words, .profileStatus = 500},
         {.name = u"assistant-empty"_s, .assistant = true},
         {.name = u"settings-tab"_s, .settings = true},
+        {.name = u"settings-tab-unrolled"_s, .settings = true, .height = 1560},
         {.name = u"report"_s, .detail = true, .report = true},
         {.name = u"report-unrolled"_s, .detail = true, .report = true, .exact = false, .height = 2330},
         {.name = u"report-loading"_s, .detail = true, .report = true, .build = ""},

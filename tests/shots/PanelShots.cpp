@@ -148,6 +148,7 @@ bool shootToasts(const Frame& frame, const QString& only)
                                                    {u"cardTitle"_s, m.language.t(key + u".title"_s)},
                                                    {u"message"_s, m.language.t(key + u".body"_s)},
                                                    {u"starting"_s, starting},
+                                                   {u"symbol"_s, u"waveform"_s},
                                                    {u"shown"_s, true}})};
         auto* window = qobject_cast<QQuickWindow*>(toast.get());
         if (!window) return false;

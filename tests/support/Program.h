@@ -84,7 +84,15 @@ struct Program {
                 .language = language,
                 .scheduler = scheduler,
                 .settings = settings,
+                .glossary = glossary(),
                 .webOrigin = server.origin()};
+    }
+
+    GlossaryStore& glossary()
+    {
+        if (!m_glossary)
+            m_glossary = std::make_unique<GlossaryStore>(account, http, prefs, language, scheduler);
+        return *m_glossary;
     }
 
     KeyPanel::Parts panelParts() { return {state, record, panel, account, updater}; }
@@ -113,6 +121,9 @@ struct Program {
         scheduler};
     Updater updater;
     SettingsModel settings;
+
+private:
+    std::unique_ptr<GlossaryStore> m_glossary;
 };
 
 } // namespace murmeli

@@ -1,13 +1,13 @@
 #include "registeredTests.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QTest>
 
 #include <memory>
 
 int main(int argc, char* argv[])
 {
-    const QGuiApplication app{argc, argv};
+    const QApplication app{argc, argv};
     int failures = 0;
     for (const auto& make : registeredTests()) {
         const std::unique_ptr<QObject> test{make()};

@@ -44,6 +44,7 @@ public:
              {m.paths.stateFile, m.paths.commandFile, m.paths.prefsFile, m.paths.authFlagFile}) {
             QFile::remove(file);
         }
+        QDir{}.rmdir(m.paths.commandFile);
         m.account.cancelLogin();
         m.account.logout();
         advance(90'000); // an installation is given up
@@ -77,6 +78,9 @@ public:
     {
         return QJsonDocument::fromJson(files::readWhole(m.paths.commandFile, 1000).value_or("{}")).object();
     }
+    Q_INVOKABLE void greet() { m.state.greet(); }
+    /// Until the next reset() no command can be written.
+    Q_INVOKABLE void refuseCommands() { QDir{}.mkpath(m.paths.commandFile); }
     Q_INVOKABLE void reduceMotion(bool reduced) { m.look.setReducedMotion(reduced); }
     Q_INVOKABLE void signIn() { m.signIn(); }
     Q_INVOKABLE [[nodiscard]] int pagesOpened() const { return int(m.desktop.opened.size()); }

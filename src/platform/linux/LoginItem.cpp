@@ -26,7 +26,7 @@ void set(bool on, const QString& home)
     const QString entry =
         u"[Desktop Entry]\nType=Application\nName=Murmeli\nIcon=murmeli\nExec=\"%1\"\nHidden=%2\n"_s.arg(
             program, on ? u"false"_s : u"true"_s);
-    std::ignore = files::writeAtomic(folder + u"/murmeli.desktop"_s, entry.toUtf8());
+    std::ignore = files::writeAtomic(folder + u"/murmeli.desktop"_s, entry.toUtf8(), files::Durable::No);
 }
 
 } // namespace murmeli::loginItem

@@ -2,11 +2,14 @@
 
 #include "SessionBus.h"
 
+#include <QDir>
 #include <QGuiApplication>
 #include <QScopeGuard>
 
 #include <cstdlib>
 #include <xcb/xcb.h>
+
+using namespace Qt::StringLiterals;
 
 namespace murmeli::windowSystem {
 
@@ -17,6 +20,14 @@ void prepare()
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("DISPLAY")) {
         qputenv("QT_QPA_PLATFORM", "xcb;wayland");
     }
+}
+
+bool drawsInSoftware()
+{
+    const bool named = qEnvironmentVariableIsSet("QT_QUICK_BACKEND") ||
+                       qEnvironmentVariableIsSet("QSG_RHI_BACKEND") ||
+                       qEnvironmentVariableIsSet("QMLSCENE_DEVICE");
+    return !named && QDir{u"/dev/dri"_s}.entryList({u"renderD*"_s}, QDir::System).isEmpty();
 }
 
 void becomeAccessory() {}

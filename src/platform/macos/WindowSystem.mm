@@ -10,6 +10,8 @@ void prepare() {}
 
 void becomeAccessory() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
 
+bool drawsInSoftware() { return false; }
+
 bool compositing() { return true; }
 
 void floatEverywhere(QWindow* window)

@@ -75,6 +75,21 @@ private slots:
         QCOMPARE(m->panel.line(), u"Нажать, чтобы записать"_s);
     }
 
+    void aRequestThatCannotBeWrittenIsToldAtOnce()
+    {
+        QDir{m->paths.root}.removeRecursively();
+        m->panel.setHoverOrb(true); // as it is when the orb has been pressed
+        m->record.toggle();
+        QVERIFY(!m->record.waiting());
+        QCOMPARE(m->panel.line(), u"Не удалось передать запрос службе"_s);
+        m->scheduler.advance(12s);
+        QCOMPARE(m->panel.line(), u"Нажать, чтобы записать"_s);
+        m->record.toggle();
+        QDir{}.mkpath(m->paths.root);
+        m->record.toggle(); // a refusal keeps nobody from trying again
+        QCOMPARE(m->panel.line(), u"Запускаем запись…"_s);
+    }
+
     void anOldTimeOutDoesNotEndANewWait()
     {
         m->record.toggle();

@@ -2,6 +2,8 @@
 #include "registeredTests.h"
 #include "support/Program.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSignalSpy>
@@ -149,6 +151,38 @@ private slots:
         QTRY_COMPARE(told(*m->main->detail()->sections()), shown);
         m->main->back();
         QTEST(m->open().draft(), "draft");
+    }
+
+    void aFileIsMadeThoughItsMeetingWasLeft_data()
+    {
+        QTest::addColumn<bool>("again"); ///< the meeting is in sight again when it ends
+        QTest::newRow("elsewhere") << false;
+        QTest::newRow("opened again") << true;
+    }
+    void aFileIsMadeThoughItsMeetingWasLeft()
+    {
+        QFETCH(bool, again);
+        const QString go = m->program.home.filePath(u"go"_s);
+        m->program.write(m->program.paths.pdfScript,
+                         "until [ -e '" + go.toUtf8() + "' ]; do sleep 0.01; done; cp \"$1\" \"$2\"\n");
+        QDir{}.mkpath(QFileInfo{m->program.paths.python}.path());
+        QFile::link(u"/bin/bash"_s, m->program.paths.python);
+        m->write(summary({u"раз"_s}));
+        MeetingDetailModel& left = m->open();
+        m->main->setOnScreen(true);
+        QSignalSpy ended{m->main.get(), &MainModel::fileEnded};
+        const QString destination = m->program.home.filePath(u"План.pdf"_s);
+        left.files()->save(*m->main->store()->list()->find(id), destination);
+        m->main->back();
+        if (again) QCOMPARE(m->open().files()->outcome(), ProtocolFileMaker::Outcome::Working);
+        m->program.write(go, "");
+        QTRY_VERIFY(QFile::exists(destination));
+        QTRY_COMPARE(QGuiApplication::clipboard()->text(), destination);
+        QCOMPARE(ended.size(), again ? 0 : 1);
+        if (!again)
+            QCOMPARE(ended[0],
+                     (QVariantList{u"План"_s, true, m->program.language.t(u"file.saved"_s, u"План.pdf"_s)}));
+        QCOMPARE(m->open().files()->outcome(), ProtocolFileMaker::Outcome::Saved);
     }
 
 private:

@@ -1,8 +1,15 @@
+#include "platform/FileDialog.h"
 #include "platform/PanelPlacement.h"
 #include "platform/SingleInstance.h"
 #include "registeredTests.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
 #include <QFile>
+#include <QLineEdit>
+#include <QMessageBox>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -41,6 +48,11 @@ private slots:
             << 159.0;
         QTest::newRow("second screen") << QRect{3000, 1, 22, 22} << QRect{1280, 0, 1920, 1080}
                                        << QSize{340, 590} << QRect{2841, 26, 340, 590} << 170.0;
+        QTest::newRow("higher than the screen") << QRect{981, 1, 22, 22} << QRect{0, 24, 1024, 576}
+                                                << QSize{340, 900} << QRect{676, 26, 340, 566} << 308.0;
+        QTest::newRow("higher than the screen, bar at the bottom")
+            << QRect{629, 578, 22, 22} << QRect{0, 0, 1280, 576} << QSize{340, 900} << QRect{470, 8, 340, 567}
+            << 170.0;
         QTest::newRow("bar at the bottom") << QRect{629, 878, 22, 22} << QRect{0, 0, 1280, 876}
                                            << QSize{340, 590} << QRect{470, 285, 340, 590} << 170.0;
     }
@@ -52,6 +64,46 @@ private slots:
         const PanelPlacement place = placePanel(icon, available, content);
         QTEST(place.panel, "panel");
         QTEST(place.arrowX, "arrowX");
+    }
+
+    void aNameIsSavedAsItWasTyped_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("as offered") << QString{} << u"План \"Весна\" 2026.pdf"_s;
+        QTest::newRow("quotation marks") << u"\"а\" \"б\""_s << u"\"а\" \"б\".pdf"_s;
+        QTest::newRow("a dot is no ending") << u"Релиз 1.5"_s << u"Релиз 1.5.pdf"_s;
+        QTest::newRow("with its ending") << u"отчёт.PDF"_s << u"отчёт.PDF"_s;
+        QTest::newRow("another folder") << u"./вниз/отчёт"_s << u"вниз/отчёт.pdf"_s;
+        QTest::newRow("one that is there") << u"есть"_s << u"есть.pdf"_s;
+    }
+    void aNameIsSavedAsItWasTyped()
+    {
+        QFETCH(QString, typed);
+        const QTemporaryDir folder;
+        QDir{folder.path()}.mkdir(u"вниз"_s);
+        QFile there{folder.filePath(u"есть.pdf"_s)};
+        QVERIFY(there.open(QIODevice::WriteOnly));
+        QString chosen;
+        fileDialog::save({.title = u"Сохранить"_s,
+                          .suggested = folder.filePath(u"План \"Весна\" 2026.pdf"_s),
+                          .kind = u"PDF (*.pdf)"_s,
+                          .suffix = u"pdf"_s},
+                         nullptr, [&](const QString& path) { chosen = path; });
+        const auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        QVERIFY(dialog);
+        auto* field = dialog->findChild<QLineEdit*>(u"fileNameEdit"_s);
+        QVERIFY(field);
+        if (!typed.isEmpty()) field->setText(typed);
+        QTest::keyClick(field, Qt::Key_Return);
+        if (auto* question = dialog->findChild<QMessageBox*>()) {
+            QVERIFY(chosen.isEmpty());
+            QCOMPARE(typed, u"есть"_s);
+            question->button(QMessageBox::Yes)->click();
+        }
+        QFETCH(QString, name);
+        QTRY_COMPARE(QDir::cleanPath(chosen), folder.filePath(name));
+        QTRY_VERIFY(!QApplication::activeModalWidget());
     }
 
     void theSecondInstanceHandsOverItsLine()

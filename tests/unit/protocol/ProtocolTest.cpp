@@ -203,7 +203,9 @@ private slots:
         m->program.signIn();
         m->installEngine(m->program.paths.rebuildScript, "echo rendered > " + m->scratch("rendered"));
         QTcpSocket* waiting = nullptr;
-        m->program.server.reply = [&](QTcpSocket* socket, const Server::Request&) { waiting = socket; };
+        m->program.server.reply = [&](QTcpSocket* socket, const Server::Request& request) {
+            if (request.path == "/api/assist/edit") waiting = socket;
+        };
         m->editor.apply(u"поправь"_s, m->meeting(), [](bool) { QFAIL("nobody is there to be told"); });
         QTRY_VERIFY(waiting);
         m->ownEditor.reset();
@@ -255,12 +257,31 @@ private slots:
         QFETCH(bool, saved);
         if (!script.isEmpty()) m->installEngine(m->program.paths.pdfScript, script);
         const QString destination = m->program.home.filePath(u"к \"файлу\".pdf"_s);
+        m->program.write(destination, "the file that was there");
         m->files.save(m->meeting(), destination);
         QCOMPARE(m->files.outcome(), ProtocolFileMaker::Outcome::Working);
         QTRY_VERIFY(m->files.outcome() != ProtocolFileMaker::Outcome::Working);
         QCOMPARE(m->files.outcome() == ProtocolFileMaker::Outcome::Saved, saved);
         QCOMPARE(m->copied, saved ? QStringList{destination} : QStringList{});
+        QCOMPARE(files::readWhole(destination, 1000) == "the file that was there", !saved);
+        QCOMPARE(QDir{m->program.home.path()}.entryList({u"*.pdf"_s}, QDir::Files | QDir::Hidden).size(), 1);
         QCOMPARE(m->files.text(), saved ? u"к \"файлу\".pdf"_s : m->program.language.t(u"file.error"_s));
+    }
+
+    void aBuildThatEndsWithUsLeavesTheOldFile()
+    {
+        m->installEngine(m->program.paths.pdfScript,
+                         "echo half > \"$2\"; echo > '" + m->scratch("begun") + "'; sleep 60");
+        const QString destination = m->program.home.filePath(u"есть.pdf"_s);
+        m->program.write(destination, "old");
+        auto files =
+            std::make_unique<ProtocolFileMaker>(m->program.paths, m->program.processes, m->program.language,
+                                                [](const QString&) { QFAIL("nothing was saved"); });
+        files->save(m->meeting(), destination);
+        QTRY_VERIFY(!m->read("begun").isEmpty());
+        files.reset();
+        QCOMPARE(files::readWhole(destination, 1000), "old"_ba);
+        QCOMPARE(QDir{m->program.home.path()}.entryList({u"*.pdf"_s}, QDir::Files | QDir::Hidden).size(), 1);
     }
 
     void sharingTwiceBuildsOnce()
@@ -503,6 +524,26 @@ private slots:
         QTRY_COMPARE(told(store->entries()), u"его|новое"_s);
         QTRY_VERIFY(store->savedAt().isValid());
         QCOMPARE(sent, "boris {\"glossary\":\"его\\nновое\"}"_ba);
+    }
+
+    void unsentWordsStayTheirWritersOwnAcrossRuns()
+    {
+        const QString boris = token(R"({"sub":"boris"})");
+        m->reply(Server::answer(500, "{}"));
+        m->program.signIn(boris);
+        m->makeStore()->save(glossaryText::parseAll(u"его"_s));
+        m->program.account.logout();
+        auto nextRun = m->makeStore();
+        QCOMPARE(told(nextRun->entries()), u"его"_s);
+        m->backendHas(R"([{"glossary":"её"}])");
+        m->program.signIn(token(R"({"sub":"anna"})"));
+        QTRY_COMPARE(told(nextRun->entries()), u"её"_s);
+        QVERIFY(std::ranges::none_of(m->program.server.requests, [](const Server::Request& request) {
+            return request.method == "PATCH" && request.body.contains("её");
+        }));
+        m->backendHas(R"([{"glossary":"прежнее"}])");
+        m->program.signIn(boris);
+        QTRY_COMPARE(told(nextRun->entries()), u"прежнее|его"_s);
     }
 
     void wordsThatNoFileKeepsAreSentAllTheSame()

@@ -167,6 +167,13 @@ private slots:
         QCOMPARE(state.authBody(), u"Текст"_s);
         QCOMPARE(required.size(), 1);
 
+        const QByteArray endless = "{\"title\":\"" + QByteArray(60'000, 'w') + "\"}";
+        QVERIFY(files::writeAtomic(m_paths->authFlagFile, endless));
+        writeState("{\"detail\":\"" + QByteArray(450'000, 'w') + "\"}");
+        m_scheduler->advance(1500ms);
+        QCOMPARE(state.authTitle().size(), 301);
+        QCOMPARE(state.detail().size(), 301);
+
         state.dismissAuthBanner();
         m_scheduler->advance(0ms);
         QVERIFY(!state.authFlag());

@@ -217,6 +217,36 @@ TestCase {
         return null;
     }
 
+    // The lowest panel that a screen of 600 points leaves room for, with everything up.
+    function test_lowScreens() {
+        fixture.raiseFlag('{"title":"' + "Т".repeat(60000) + '","body":"' + "слово ".repeat(30000) + '"}');
+        fixture.publishRelease("0.9.0");
+        fixture.account.login();
+        fixture.greet();
+        tryVerify(() => shows("Закрыть уведомление") && shows("Отменить вход"));
+        panel.height = panel.topMargin + 560 + panel.bottomMargin;
+        verify(panel.contentSize.height < 1200);
+        const inSight = name => {
+            const item = named(name);
+            const top = item.mapToItem(panel, 0, 0).y;
+            return top >= panel.topMargin && top + item.height <= panel.height - panel.bottomMargin;
+        };
+        panel.focusFirst();
+        tryVerify(() => inSight("Начать запись"));
+        for (const name of ["Протоколы", "Выйти из Murmeli (снова открыть — через меню приложений)"]) verify(inSight(name), name);
+        for (const name of ["Отменить вход", "Адрес для входа", "Подключить", "Закрыть уведомление"]) {
+            const item = named(name);
+            item.forceActiveFocus(Qt.TabFocusReason);
+            tryVerify(() => inSight(name), 1000, name);
+        }
+        verify(inSight("Протоколы"));
+        fixture.account.cancelLogin();
+        tryVerify(() => !shows("Отменить вход"));
+        panel.focusFirst();
+        fixture.account.login();
+        tryVerify(() => shows("Отменить вход") && inSight("Отменить вход")); // without being looked for
+    }
+
     function test_nothingMovesWhileClosed() {
         fixture.reduceMotion(false);
         const orb = named("Начать запись");

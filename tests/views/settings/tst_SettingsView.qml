@@ -30,6 +30,24 @@ TestCase {
         verify(view);
     }
 
+    // As the main window makes it: before it has its size.
+    Component {
+        id: tab
+        Loader {
+            anchors.fill: parent
+            sourceComponent: SettingsView { model: fixture.settings }
+        }
+    }
+    function test_permissionsInATab() {
+        view.destroy();
+        const loader = createTemporaryObject(tab, testCase);
+        view = loader.item;
+        const microphone = named("Разрешить: Микрофон");
+        const screen = named("Разрешить: Запись экрана");
+        tryVerify(() => screen.mapToItem(view, 0, 0).y >= microphone.mapToItem(view, 0, 0).y + 40);
+        for (const button of [microphone, screen]) verify(button.mapToItem(view, 0, 0).x > view.width / 2);
+    }
+
     function find(fits, item = view) {
         for (let i = 0; i < item.children.length; ++i) {
             const child = item.children[i];
