@@ -1,8 +1,8 @@
 #include "AppDelegate.h"
 
-#include "KeyPanel.h"
 #include "base/Scheduler.h"
 #include "localisation/Language.h"
+#include "panel/KeyPanel.h"
 #include "platform/LoginItem.h"
 #include "platform/PanelPlacement.h"
 #include "platform/StatusItem.h"

@@ -1,20 +1,20 @@
 #pragma once
 
-#include "KeyPanel.h"
-#include "MainWindowController.h"
-#include "Notifier.h"
-#include "PanelModel.h"
-#include "RecordControl.h"
-#include "SettingsWindowController.h"
-#include "SetupWindowController.h"
-#include "ToastCenter.h"
-#include "UpdateWindowController.h"
 #include "account/AuthManager.h"
+#include "glossary/GlossaryStore.h"
+#include "notices/Notifier.h"
+#include "notices/ToastCenter.h"
+#include "panel/KeyPanel.h"
+#include "panel/PanelModel.h"
 #include "platform/Installation.h"
-#include "protocol/GlossaryStore.h"
 #include "service/AppState.h"
+#include "service/RecordControl.h"
 #include "settings/SettingsModel.h"
 #include "update/Updater.h"
+#include "windows/MainWindowController.h"
+#include "windows/SettingsWindowController.h"
+#include "windows/SetupWindowController.h"
+#include "windows/UpdateWindowController.h"
 
 #include <QElapsedTimer>
 #include <QObject>

@@ -1,5 +1,5 @@
+#include "AppDelegate.h"
 #include "account/SignInAddress.h"
-#include "app/AppDelegate.h"
 #include "base/Http.h"
 #include "base/Processes.h"
 #include "base/Scheduler.h"

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Detail
 import Murmeli.Localisation
+import Murmeli.Protocol
 import Murmeli.Report
 import Murmeli.Ui
 

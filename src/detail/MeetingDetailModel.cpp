@@ -5,6 +5,7 @@
 #include "base/Json.h"
 #include "base/Scheduler.h"
 #include "base/Text.h"
+#include "glossary/GlossaryStore.h"
 #include "localisation/Language.h"
 #include "meetings/MeetingCaptions.h"
 #include "meetings/MeetingStore.h"
@@ -12,7 +13,6 @@
 #include "platform/FileDialog.h"
 #include "platform/ShareMenu.h"
 #include "platform/Workspace.h"
-#include "protocol/GlossaryStore.h"
 #include "service/Paths.h"
 
 #include <QDir>

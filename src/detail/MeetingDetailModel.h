@@ -1,10 +1,10 @@
 #pragma once
 
-#include "SectionListModel.h"
 #include "base/Files.h"
 #include "meetings/Meeting.h"
 #include "protocol/ProtocolEditor.h"
 #include "protocol/ProtocolFileMaker.h"
+#include "protocol/SectionListModel.h"
 #include "report/ReportLoader.h"
 
 #include <QObject>

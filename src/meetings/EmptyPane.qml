@@ -1,4 +1,5 @@
 import QtQuick
+import Murmeli.Meetings
 import Murmeli.Ui
 
 // In place of a list that holds nothing.

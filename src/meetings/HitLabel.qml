@@ -1,4 +1,5 @@
 import QtQuick
+import Murmeli.Meetings
 import Murmeli.Ui
 
 // One line of text with the place marked where a search has found something.

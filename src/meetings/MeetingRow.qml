@@ -1,4 +1,5 @@
 import QtQuick
+import Murmeli.Meetings
 import Murmeli.Ui
 
 // A meeting in the list.

@@ -1,4 +1,5 @@
 import QtQuick
+import Murmeli.Report
 import Murmeli.Ui
 
 // A line of a bulleted list.

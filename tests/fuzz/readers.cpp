@@ -1,8 +1,8 @@
 // Feeds the readers of foreign text with whatever comes. The first byte chooses the reader; each has to end
 // without a fault, and to keep what it promises.
 #include "base/Json.h"
+#include "glossary/GlossaryText.h"
 #include "meetings/SummaryFile.h"
-#include "protocol/GlossaryText.h"
 #include "protocol/ProtocolItems.h"
 #include "report/MeetingReport.h"
 #include "report/ReportRow.h"

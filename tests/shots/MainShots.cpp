@@ -1,8 +1,8 @@
 #include "Shot.h"
-#include "app/AppWindow.h"
-#include "app/MainModel.h"
 #include "sampleReport.h"
 #include "support/Program.h"
+#include "windows/AppWindow.h"
+#include "windows/MainModel.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -190,7 +190,7 @@ bool shoot(const MainShot& shot, const Frame& frame)
     MainModel model{m.mainGround()};
     AppWindow window{engine,
                      m.language,
-                     {.url = u"qrc:/qt/qml/Murmeli/App/MainWindowView.qml"_s,
+                     {.url = u"qrc:/qt/qml/Murmeli/Windows/MainWindowView.qml"_s,
                       .properties = {{u"model"_s, QVariant::fromValue(&model)},
                                      {u"appState"_s, QVariant::fromValue(&m.state)},
                                      {u"record"_s, QVariant::fromValue(&m.record)}},

@@ -142,7 +142,7 @@ bool shootToasts(const Frame& frame, const QString& only)
         QQmlEngine engine;
         m.install(engine);
         const QString key = starting ? u"notify.started"_s : u"notify.finished"_s;
-        QQmlComponent component{&engine, QUrl{u"qrc:/qt/qml/Murmeli/App/Toast.qml"_s}};
+        QQmlComponent component{&engine, QUrl{u"qrc:/qt/qml/Murmeli/Notices/Toast.qml"_s}};
         const std::unique_ptr<QObject> toast{
             component.createWithInitialProperties({{u"card"_s, QRectF{100, 100, 330, 74}},
                                                    {u"cardTitle"_s, m.language.t(key + u".title"_s)},

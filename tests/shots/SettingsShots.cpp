@@ -1,6 +1,6 @@
 #include "Shot.h"
-#include "app/AppWindow.h"
 #include "support/Program.h"
+#include "windows/AppWindow.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

@@ -1,23 +1,23 @@
 #pragma once
 
 #include "account/AuthManager.h"
-#include "app/KeyPanel.h"
-#include "app/MainModel.h"
-#include "app/PanelModel.h"
 #include "base/Files.h"
 #include "base/Http.h"
-#include "base/ManualScheduler.h"
 #include "base/Processes.h"
 #include "localisation/Language.h"
+#include "panel/KeyPanel.h"
+#include "panel/PanelModel.h"
 #include "permissions/PermissionsModel.h"
 #include "platform/SignInSession.h"
 #include "service/Prefs.h"
 #include "settings/SettingsModel.h"
 #include "setup/SetupRunner.h"
 #include "support/Desktop.h"
+#include "support/ManualScheduler.h"
 #include "support/Server.h"
 #include "ui/Look.h"
 #include "update/Updater.h"
+#include "windows/MainModel.h"
 
 #include <QDir>
 #include <QQmlEngine>

@@ -1,5 +1,5 @@
-#include "app/MainModel.h"
 #include "support/Program.h"
+#include "windows/MainModel.h"
 
 #include <QClipboard>
 #include <QFile>

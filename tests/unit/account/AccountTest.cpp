@@ -3,10 +3,10 @@
 #include "account/SignInAddress.h"
 #include "base/Files.h"
 #include "base/Http.h"
-#include "base/ManualScheduler.h"
 #include "platform/SignInSession.h"
 #include "registeredTests.h"
 #include "support/Desktop.h"
+#include "support/ManualScheduler.h"
 #include "support/Server.h"
 #include "support/Token.h"
 

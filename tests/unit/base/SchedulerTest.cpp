@@ -1,5 +1,5 @@
-#include "base/ManualScheduler.h"
 #include "registeredTests.h"
+#include "support/ManualScheduler.h"
 
 #include <QTest>
 

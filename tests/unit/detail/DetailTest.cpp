@@ -1,6 +1,6 @@
-#include "app/MainModel.h"
 #include "registeredTests.h"
 #include "support/Program.h"
+#include "windows/MainModel.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,5 +1,4 @@
 #include "base/Files.h"
-#include "base/ManualScheduler.h"
 #include "localisation/Language.h"
 #include "meetings/MeetingCaptions.h"
 #include "meetings/MeetingListModel.h"
@@ -10,6 +9,7 @@
 #include "registeredTests.h"
 #include "service/Paths.h"
 #include "service/Prefs.h"
+#include "support/ManualScheduler.h"
 
 #include <QAbstractItemModelTester>
 #include <QDir>

@@ -1,9 +1,9 @@
 #include "base/Files.h"
-#include "base/ManualScheduler.h"
 #include "registeredTests.h"
 #include "service/AppState.h"
 #include "service/CommandFile.h"
 #include "service/Prefs.h"
+#include "support/ManualScheduler.h"
 
 #include <QDir>
 #include <QElapsedTimer>

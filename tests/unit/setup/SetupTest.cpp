@@ -1,8 +1,8 @@
-#include "base/ManualScheduler.h"
 #include "base/Processes.h"
 #include "registeredTests.h"
 #include "service/Paths.h"
 #include "setup/SetupRunner.h"
+#include "support/ManualScheduler.h"
 #include "support/Server.h"
 
 #include <QDir>

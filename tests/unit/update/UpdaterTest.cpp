@@ -1,9 +1,9 @@
 #include "update/Updater.h"
 
 #include "base/Http.h"
-#include "base/ManualScheduler.h"
 #include "base/Processes.h"
 #include "registeredTests.h"
+#include "support/ManualScheduler.h"
 #include "support/Server.h"
 
 #include <QSignalSpy>

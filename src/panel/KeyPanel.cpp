@@ -1,0 +1,136 @@
+#include "KeyPanel.h"
+
+#include "PanelModel.h"
+#include "account/AuthManager.h"
+#include "platform/ClickOutside.h"
+#include "platform/Memory.h"
+#include "platform/WindowSystem.h"
+#include "ui/FocusKeeper.h"
+#include "update/Updater.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QQuickItem>
+#include <QScreen>
+#include <QTimer>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr Qt::WindowFlags floatingFlags =
+    Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
+
+constexpr int frameHeight = 48; // about what a desktop puts around a window, known only once it is there
+
+} // namespace
+
+KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
+    : QQuickView(&engine, nullptr), m_kind(kind)
+{
+    const bool floating = kind == Kind::Floating;
+    if (floating) {
+        setFlags(floatingFlags);
+        setColor(Qt::transparent);
+    }
+    new FocusKeeper{this};
+    setTitle(u"Murmeli"_s);
+    setResizeMode(QQuickView::SizeRootObjectToView);
+    setInitialProperties({{u"appState"_s, QVariant::fromValue(&parts.state)},
+                          {u"record"_s, QVariant::fromValue(&parts.record)},
+                          {u"panel"_s, QVariant::fromValue(&parts.panel)},
+                          {u"account"_s, QVariant::fromValue(&parts.account)},
+                          {u"updater"_s, QVariant::fromValue(&parts.updater)},
+                          {u"floating"_s, floating}});
+    setSource(QUrl{u"qrc:/qt/qml/Murmeli/Panel/PanelView.qml"_s});
+    if (QQuickItem* root = rootObject()) {
+        connect(root, SIGNAL(fadedOut()), this, SLOT(hide()));
+        connect(root, SIGNAL(pressedOutside()), this, SIGNAL(pressedOutside()));
+        connect(root, &QQuickItem::implicitHeightChanged, this, &KeyPanel::contentSizeChanged);
+        if (!floating) {
+            connect(this, &KeyPanel::contentSizeChanged, this, &KeyPanel::fitScreen);
+            fitScreen();
+        }
+    }
+}
+
+KeyPanel::~KeyPanel() = default;
+
+QSize KeyPanel::contentSize() const
+{
+    const QObject* root = rootObject();
+    return root ? root->property("contentSize").toSizeF().toSize() : QSize{};
+}
+
+void KeyPanel::fitScreen()
+{
+    QSize size = contentSize();
+    if (const QScreen* on = screen())
+        size.setHeight(std::min(size.height(), on->availableGeometry().height() - frameHeight));
+    setMinimumSize(size);
+    setMaximumSize(size);
+    resize(size);
+}
+
+void KeyPanel::openAt(const QRect& place, const QRect& icon)
+{
+    const QObject* root = rootObject();
+    if (!root) return;
+    const int side = root->property("sideMargin").toInt();
+    const int top = root->property("topMargin").toInt();
+    const int bottom = root->property("bottomMargin").toInt();
+    const QRect window = place.adjusted(-side, -top, side, bottom);
+    setGeometry(window);
+    // The shadow around the body may reach over the icon.
+    const QRect covered = icon & window;
+    setMask(covered.isEmpty() ? QRegion{}
+                              : QRegion{QRect{{}, window.size()}} - covered.translated(-window.topLeft()));
+    if (m_open) return;
+    setOpen(true);
+    show();
+    windowSystem::floatEverywhere(this);
+    raise();
+    requestActivate();
+    m_clickOutside = makeClickOutside(this, [this] { emit pressedOutside(); });
+}
+
+void KeyPanel::openOrdinary()
+{
+    setOpen(true);
+    show();
+    raise();
+    requestActivate();
+}
+
+void KeyPanel::closePanel()
+{
+    if (!m_open) return;
+    m_clickOutside.reset();
+    setOpen(false); // the view fades and then asks to be hidden
+    emit closed();
+}
+
+void KeyPanel::setOpen(bool open)
+{
+    m_open = open;
+    if (QObject* root = rootObject()) root->setProperty("open", open);
+}
+
+void KeyPanel::hideEvent(QHideEvent* event)
+{
+    QQuickView::hideEvent(event);
+    QTimer::singleShot(0, qApp, memory::giveBack); // once what was shown has gone
+    if (m_kind == Kind::Ordinary && m_open) setOpen(false);
+}
+
+void KeyPanel::keyPressEvent(QKeyEvent* event)
+{
+    QQuickView::keyPressEvent(event);
+    if (m_kind == Kind::Floating && !event->isAccepted() && event->key() == Qt::Key_Escape) closePanel();
+}
+
+} // namespace murmeli

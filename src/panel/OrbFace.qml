@@ -1,0 +1,96 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Murmeli.Panel
+import Murmeli.Ui
+
+// The orb's look in one status: halo, rings, arc and core, with the movements of that status.
+Item {
+    id: root
+
+    required property var style
+    required property bool shown
+    required property bool moving // the orb is on screen and may move
+    property real pulseFrom: 1
+    property real pulseTo: 1
+    property real haloFrom: 0.8
+    property int pulseTime: Theme.breathe
+    property int turnTime: 0 // 0: the arc stands
+    property bool hovered: false
+    property bool pressed: false
+    property bool waiting: false
+
+    readonly property bool alive: moving && opacity > 0 && Theme.motion && !waiting
+    property real beat // 0 … 1, there and back
+
+    anchors.fill: parent
+    opacity: shown ? 1 : 0
+    visible: opacity > 0
+
+    Behavior on opacity { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
+
+    SequentialAnimation on beat {
+        running: root.alive
+        loops: Animation.Infinite
+        NumberAnimation { to: 1; duration: root.pulseTime; easing.type: Easing.InOutSine }
+        NumberAnimation { to: 0; duration: root.pulseTime; easing.type: Easing.InOutSine }
+        onStopped: root.beat = 0.5
+    }
+
+    OrbArt {
+        anchors.centerIn: parent
+        width: Theme.orbHalo
+        height: Theme.orbHalo
+        part: OrbArt.Halo
+        style: root.style
+        opacity: Math.min(1, (root.haloFrom + (1 - root.haloFrom) * root.beat + (root.hovered ? 0.16 : 0))) * Theme.haloStrength
+        Behavior on opacity {
+            enabled: !root.alive
+            NumberAnimation { duration: Theme.quick; easing.type: Easing.OutCubic }
+        }
+    }
+    Repeater {
+        model: root.style.rings
+        delegate: OrbArt {
+            required property var modelData
+            anchors.centerIn: parent
+            width: modelData.diameter + 12 // room to grow
+            height: width
+            part: OrbArt.Ring
+            color: modelData.color
+            inset: 6
+            zoom: root.alive ? 1.05 - 0.09 * root.beat : 1
+        }
+    }
+    OrbArt {
+        id: arc
+        anchors.fill: parent
+        visible: !root.waiting
+        part: OrbArt.Arc
+        style: root.style
+        strokeWidth: 2
+        NumberAnimation on turned {
+            from: 0
+            to: 360
+            duration: Math.max(1, root.turnTime)
+            loops: Animation.Infinite
+            running: root.alive && root.turnTime > 0
+        }
+    }
+    OrbArt {
+        anchors.centerIn: parent
+        width: Theme.orbCore + 12
+        height: width
+        inset: 6
+        part: OrbArt.Core
+        style: root.style
+        zoom: press.value * (root.alive ? root.pulseFrom + (root.pulseTo - root.pulseFrom) * root.beat : 1)
+    }
+    QtObject {
+        id: press
+        property real value: !Theme.motion ? 1 : root.waiting ? 0.95 : root.pressed ? 0.96 : root.hovered ? 1.035 : 1
+        Behavior on value {
+            NumberAnimation { duration: root.pressed ? Theme.instant : Theme.quick; easing.type: Easing.OutCubic }
+        }
+    }
+}

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "service/RecordControl.h"
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include <memory>
+
+namespace murmeli {
+
+class Language;
+class Prefs;
+
+/// What the panel says and what its controls do. Main thread only.
+class PanelModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to the panel")
+    Q_PROPERTY(Face face READ face NOTIFY changed FINAL)
+    Q_PROPERTY(Line lineKind READ lineKind NOTIFY changed FINAL)
+    Q_PROPERTY(QString title READ title NOTIFY changed FINAL)
+    Q_PROPERTY(QString line READ line NOTIFY changed FINAL) ///< under the title, unless the time runs there
+    Q_PROPERTY(QString jobsLine READ jobsLine NOTIFY changed FINAL)
+    Q_PROPERTY(QString orbName READ orbName NOTIFY changed FINAL)
+    Q_PROPERTY(QString orbHelp READ orbHelp NOTIFY changed FINAL)
+    Q_PROPERTY(QString authTitle READ authTitle NOTIFY changed FINAL)
+    Q_PROPERTY(QString authBody READ authBody NOTIFY changed FINAL)
+    Q_PROPERTY(QString quitHelp READ quitHelp NOTIFY changed FINAL)
+    Q_PROPERTY(QString format READ format WRITE setFormat NOTIFY preferencesChanged FINAL)
+    Q_PROPERTY(bool autoRecord READ autoRecord WRITE setAutoRecord NOTIFY preferencesChanged FINAL)
+    Q_PROPERTY(QString time READ time NOTIFY timeChanged FINAL) ///< of the running recording, as "24:31"
+    Q_PROPERTY(QString spokenTime READ spokenTime NOTIFY timeChanged FINAL)
+    Q_PROPERTY(bool hoverOrb READ hoverOrb WRITE setHoverOrb NOTIFY changed FINAL)
+    Q_PROPERTY(QString version READ version CONSTANT FINAL)
+
+public:
+    enum class Face { Idle, Recording, Processing };
+    Q_ENUM(Face)
+    enum class Line { Waiting, Refused, Invitation, RunningTime, Subtitle };
+    Q_ENUM(Line)
+
+    PanelModel(const AppState& state, const RecordControl& record, Prefs& prefs, const Language& language,
+               Scheduler& scheduler, QObject* parent = nullptr);
+
+    [[nodiscard]] Face face() const;
+    [[nodiscard]] Line lineKind() const;
+    [[nodiscard]] QString title() const;
+    [[nodiscard]] QString line() const;
+    [[nodiscard]] QString jobsLine() const;
+    [[nodiscard]] QString orbName() const;
+    [[nodiscard]] QString orbHelp() const;
+    [[nodiscard]] QString authTitle() const;
+    [[nodiscard]] QString authBody() const;
+    [[nodiscard]] QString quitHelp() const;
+    [[nodiscard]] QString format() const { return m_format; }
+    [[nodiscard]] bool autoRecord() const { return m_autoRecord; }
+    [[nodiscard]] QString time() const;
+    [[nodiscard]] QString spokenTime() const;
+    [[nodiscard]] bool hoverOrb() const { return m_hoverOrb; }
+    [[nodiscard]] static QString version();
+
+    /// A panel has come on screen, or gone from it. While there is none, no clock runs.
+    Q_INVOKABLE void watch();
+    Q_INVOKABLE void unwatch();
+
+    void setFormat(const QString& format);
+    void setAutoRecord(bool on);
+    void setHoverOrb(bool over);
+
+    /// Looks which preferences have changed.
+    void readPreferences();
+
+signals:
+    void changed();
+    void preferencesChanged();
+    void timeChanged();
+
+    // What the panel's buttons ask for.
+    void mainWindowRequested();
+    void meetingsRequested();
+    void settingsRequested();
+    void botRequested();
+    void updateRequested();
+    void quitRequested();
+
+private:
+    [[nodiscard]] qint64 elapsedSeconds() const;
+    [[nodiscard]] QString text(const char* key) const;
+    void runClock();
+
+    const AppState& m_state;
+    const RecordControl& m_record;
+    Prefs& m_prefs;
+    const Language& m_language;
+    Scheduler& m_scheduler;
+    QString m_format;
+    bool m_autoRecord = true;
+    bool m_hoverOrb = false;
+    int m_watchers = 0;               ///< panels on screen
+    std::unique_ptr<QObject> m_clock; ///< while it lives, the time is told once a second
+};
+
+} // namespace murmeli

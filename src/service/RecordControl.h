@@ -1,0 +1,51 @@
+#pragma once
+
+#include "AppState.h"
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+namespace murmeli {
+
+class Scheduler;
+
+/// The one way to start or stop a recording: writes the request and remembers that it waits for the service's
+/// answer. Main thread only.
+class RecordControl final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to each view")
+    Q_PROPERTY(Pending pending READ pending NOTIFY pendingChanged FINAL)
+    Q_PROPERTY(bool waiting READ waiting NOTIFY pendingChanged FINAL)
+    Q_PROPERTY(
+        bool refused READ refused NOTIFY pendingChanged FINAL) ///< the last request could not be written
+
+public:
+    enum class Pending { None, Starting, Stopping };
+    Q_ENUM(Pending)
+
+    RecordControl(const Paths& paths, const AppState& state, Scheduler& scheduler, QObject* parent = nullptr);
+
+    [[nodiscard]] Pending pending() const { return m_pending; }
+    [[nodiscard]] bool waiting() const { return m_pending != Pending::None; }
+    [[nodiscard]] bool refused() const { return m_refused; }
+
+    /// Asks for a stop while recording, else for a start; does nothing while an answer is awaited, which is
+    /// given up after 12 s. For as long a request counts as refused that could not be written.
+    Q_INVOKABLE void toggle();
+
+signals:
+    void pendingChanged();
+
+private:
+    void set(Pending pending, bool refused = false);
+
+    QString m_commandFile;
+    const AppState& m_state;
+    Scheduler& m_scheduler;
+    Pending m_pending = Pending::None;
+    bool m_refused = false;
+    quint64 m_request = 0; ///< an earlier request's time-out must not end a later one
+};
+
+} // namespace murmeli

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "detail/MeetingDetailModel.h"
+#include "glossary/AssistantModel.h"
+#include "glossary/GlossaryStore.h"
+#include "meetings/MeetingStore.h"
+#include "settings/SettingsModel.h"
+
+#include <QHash>
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include <memory>
+
+namespace murmeli {
+
+/// What the main window shows: which tab, and which meeting is open. Main thread only.
+class MainModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to the main window")
+    Q_PROPERTY(Tab tab READ tab WRITE setTab NOTIFY tabChanged FINAL)
+    Q_PROPERTY(murmeli::MeetingDetailModel* detail READ detail NOTIFY detailChanged FINAL) ///< null: the list
+    Q_PROPERTY(murmeli::MeetingStore* store READ store CONSTANT FINAL)
+    Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
+    Q_PROPERTY(murmeli::AssistantModel* assistant READ assistant CONSTANT FINAL)
+    Q_PROPERTY(murmeli::SettingsModel* settings READ settings CONSTANT FINAL)
+
+public:
+    enum class Tab { Meetings, Assistant, Settings };
+    Q_ENUM(Tab)
+
+    struct Ground {
+        const Paths& paths;
+        Prefs& prefs;
+        AuthManager& account;
+        Http& http;
+        Processes& processes;
+        const Language& language;
+        Scheduler& scheduler;
+        SettingsModel& settings;
+        GlossaryStore& glossary;
+        QString webOrigin;
+    };
+
+    explicit MainModel(const Ground& ground, QObject* parent = nullptr);
+    ~MainModel() override;
+    Q_DISABLE_COPY_MOVE(MainModel)
+
+    [[nodiscard]] Tab tab() const { return m_tab; }
+    void setTab(Tab tab);
+    [[nodiscard]] MeetingDetailModel* detail() const { return m_detail.get(); }
+    [[nodiscard]] MeetingStore* store() { return &m_store; }
+    [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
+    [[nodiscard]] AssistantModel* assistant() { return &m_assistant; }
+    [[nodiscard]] SettingsModel* settings() { return &m_ground.settings; }
+
+    Q_INVOKABLE void open(const QString& id);
+    /// Back to the list. \return the meeting that was open.
+    Q_INVOKABLE QString back();
+
+    /// Whether the window shows; what ends while it does not has to be told elsewhere.
+    void setOnScreen(bool onScreen) { m_onScreen = onScreen; }
+
+signals:
+    /// A protocol's file was saved, or could not be, and its meeting is not in sight.
+    void fileEnded(const QString& meeting, bool saved, const QString& line);
+    void tabChanged();
+    void detailChanged();
+
+private:
+    std::shared_ptr<ProtocolFileMaker> filesOf(const Meeting& meeting);
+    void leave(std::unique_ptr<MeetingDetailModel> detail);
+    /// A remark was: its words are wanted no more.
+    void carriedOut(const QString& id, const QString& remark);
+
+    Ground m_ground;
+    QObject m_background;
+    MeetingStore m_store;
+    AssistantModel m_assistant;
+    Tab m_tab = Tab::Meetings;
+    std::unique_ptr<MeetingDetailModel> m_detail;
+    bool m_onScreen = false;
+    QHash<QString, std::shared_ptr<ProtocolFileMaker>>
+        m_files;                      ///< by the meeting: of the open one, and at work
+    QHash<QString, QString> m_drafts; ///< remarks that were not sent, by the meeting
+};
+
+} // namespace murmeli

@@ -1,0 +1,61 @@
+import QtQuick
+import QtTest
+import Murmeli.Windows
+
+TestCase {
+    id: testCase
+
+    name: "MainWindow"
+    when: windowShown
+    visible: true
+    width: 980
+    height: 680
+
+    Loader {
+        id: window
+        anchors.fill: parent
+        active: false
+        sourceComponent: MainWindowView {
+            model: fixture.library
+            appState: fixture.appState
+            record: fixture.record
+        }
+    }
+
+    function init() { fixture.reset(); }
+    function cleanup() {
+        window.active = false;
+        fixture.closeLibrary();
+    }
+
+    // The first Space must not record people.
+    function test_theKeyboardBeginsWhereOneReads_data() {
+        return [
+            { tag: "nothing there", meetings: 0, tab: 0, name: "Встречи" },
+            { tag: "the list", meetings: 2, tab: 0, name: "Встречи" },
+            { tag: "a protocol", meetings: 2, opened: true, tab: 0, name: "К списку встреч" },
+            { tag: "another tab", meetings: 1, tab: 2, name: "Разделы, Настройки" }
+        ];
+    }
+    function test_theKeyboardBeginsWhereOneReads(data) {
+        for (let i = 0; i < data.meetings; ++i) fixture.writeMeeting("2026-03-04 1" + i + "-00-00", { title: "План" });
+        fixture.openLibrary();
+        fixture.library.tab = data.tab;
+        if (data.opened) fixture.library.open("2026-03-04 10-00-00");
+        window.active = true;
+        tryVerify(() => window.Window.activeFocusItem && window.Window.activeFocusItem.Accessible.name === data.name);
+        keyClick(Qt.Key_Space);
+        compare(fixture.lastCommand(), {});
+    }
+
+    function test_aRefusedRequestIsTold() {
+        fixture.openLibrary();
+        window.active = true;
+        fixture.refuseCommands();
+        fixture.record.toggle();
+        const says = item => item.visible && (item.text === "Не удалось передать запрос службе" || Array.from(item.children).some(says));
+        tryVerify(() => says(window.item));
+        fixture.advance(12000);
+        verify(!says(window.item));
+    }
+}
