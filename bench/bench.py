@@ -9,6 +9,8 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[1]
+BIN = ROOT / "build" / "optimised" / "bin"
+os.environ["MURMELI_BIN"] = str(BIN / "murmeli")
 sys.path.insert(0, str(ROOT / "tests" / "journeys"))
 
 from main_window import SEARCH, fill, open_meeting, sign_in, summaries, write_library  # noqa: E402
@@ -16,7 +18,6 @@ from session import Session  # noqa: E402
 from test_report import analysis_of  # noqa: E402
 from test_updates import start_with_a_check  # noqa: E402
 
-BIN = ROOT / "build" / "dev" / "bin"
 ROUNDS = int(os.environ.get("ROUNDS", "7"))
 IDLE_SECONDS = 20
 

@@ -3,12 +3,14 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickView>
+#include <QQuickWindow>
 #include <QSystemTrayIcon>
 #include <QTime>
 #include <QTimer>
 
 int main(int argc, char* argv[])
 {
+    QQuickWindow::setSceneGraphBackend(QStringLiteral("software")); // as Murmeli where nothing else draws
     QApplication app{argc, argv};
     QApplication::setQuitOnLastWindowClosed(false);
     QPixmap pixmap{22, 22};

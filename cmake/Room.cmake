@@ -13,6 +13,15 @@ if(MURMELI_SANITIZE)
     add_link_options(-fsanitize=${MURMELI_SANITIZE})
 endif()
 
+# Qt's headers are read once for all rooms that have views.
+file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/generated/Headers.cpp CONTENT "")
+add_library(murmeli_headers OBJECT ${CMAKE_BINARY_DIR}/generated/Headers.cpp)
+target_precompile_headers(murmeli_headers PRIVATE
+    <QByteArray> <QDateTime> <QHash> <QJsonObject> <QList> <QObject> <QPointer> <QSet> <QString> <QUrl> <QVariant>
+    <QtQml/qqmlregistration.h> <QQmlEngine> <QQuickItem>
+    <algorithm> <chrono> <functional> <memory> <optional> <utility> <vector>)
+target_link_libraries(murmeli_headers PRIVATE murmeli_options Qt6::Quick)
+
 # Headers of a room are included as "room/Header.h" by the rooms that link it: a farm of links
 # holding just that one folder is the only include path that the target gives away.
 function(murmeli_room_includes target room)
@@ -20,6 +29,12 @@ function(murmeli_room_includes target room)
     file(MAKE_DIRECTORY ${farm})
     file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${room} ${farm}/${room} SYMBOLIC)
     target_include_directories(${target} PUBLIC ${farm} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+endfunction()
+
+function(murmeli_precompiled target)
+    if(NOT MURMELI_SANITIZE)
+        target_precompile_headers(${target} REUSE_FROM murmeli_headers)
+    endif()
 endfunction()
 
 # murmeli_room(NAME room SOURCES … LINK …): a room without views.
@@ -36,9 +51,14 @@ function(murmeli_qml_room)
     set(target murmeli_${ROOM_NAME})
     qt_add_library(${target} STATIC)
     set_source_files_properties(${ROOM_SINGLETONS} PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
+    set(uncompiled NO_CACHEGEN)
+    if(MURMELI_COMPILE_QML)
+        set(uncompiled)
+    endif()
     qt_add_qml_module(${target}
         URI ${ROOM_URI}
         VERSION 1.0
+        ${uncompiled}
         RESOURCE_PREFIX ${MURMELI_QML_PREFIX}
         IMPORT_PATH ${QT_QML_OUTPUT_DIRECTORY}
         DEPENDENCIES ${ROOM_DEPENDENCIES}
@@ -46,5 +66,10 @@ function(murmeli_qml_room)
         QML_FILES ${ROOM_QML_FILES} ${ROOM_SINGLETONS}
         RESOURCES ${ROOM_RESOURCES})
     target_link_libraries(${target} PUBLIC ${ROOM_LINK} Qt6::Quick PRIVATE murmeli_options)
+    murmeli_precompiled(${target})
+    # Of what Qt makes beside the library only the plugin has a Q_OBJECT in it.
+    get_property(made DIRECTORY PROPERTY BUILDSYSTEM_TARGETS)
+    list(REMOVE_ITEM made ${target} ${target}plugin)
+    set_target_properties(${made} PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
     murmeli_room_includes(${target} ${ROOM_NAME})
 endfunction()
