@@ -3,7 +3,7 @@
 #include "meetings/MeetingStore.h"
 #include "meetings/ProtocolFinder.h"
 #include "report/ReportLoader.h"
-#include "support/Program.h"
+#include "support/TestProgram.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -100,7 +100,7 @@ private:
     std::unique_ptr<QObject> m_pane;
 };
 
-void measureList(Program& m, QQmlEngine& engine, QQuickWindow& window)
+void measureList(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
 {
     MeetingStore store{m.paths, m.language, m.scheduler};
     until(&store, &MeetingStore::scanned, [] {});
@@ -122,7 +122,7 @@ void measureList(Program& m, QQmlEngine& engine, QQuickWindow& window)
     row("10 000 meetings, to the first picture", opening(10'000), "ms", 1.25 * few);
 }
 
-void measureReport(Program& m, QQmlEngine& engine, QQuickWindow& window)
+void measureReport(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
 {
     const Meeting meeting{.id = u"a"_s,
                           .title = u"План"_s,
@@ -146,6 +146,7 @@ void measureReport(Program& m, QQmlEngine& engine, QQuickWindow& window)
     ReportLoader loader{{.account = m.account,
                          .http = m.http,
                          .language = m.language,
+                         .desktop = m.desktop,
                          .scheduler = m.scheduler,
                          .protocols = std::make_shared<ProtocolFinder>(m.paths.vaultDir),
                          .webOrigin = m.server.origin()}};
@@ -178,7 +179,7 @@ int main(int argc, char* argv[])
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     const QApplication app{argc, argv};
-    Program m;
+    TestProgram m;
     QQmlEngine engine;
     m.install(engine);
     QQuickWindow window;

@@ -1,12 +1,11 @@
 #include "AuthManager.h"
 
-#include "Keychain.h"
 #include "SignInAddress.h"
 #include "base/Background.h"
 #include "base/Scheduler.h"
 #include "base/Text.h"
-#include "platform/SignInSession.h"
-#include "platform/Workspace.h"
+#include "platform/Desktop.h"
+#include "platform/SecretStore.h"
 
 #include <memory>
 #include <utility>
@@ -27,13 +26,14 @@ constexpr auto attemptTime = 15min;
 
 } // namespace
 
-AuthManager::AuthManager(Place place, Backend backend, Http& http, SignInSession& session,
+AuthManager::AuthManager(Place place, Backend backend, Http& http, Desktop& desktop, SecretStore& secrets,
                          Scheduler& scheduler, QObject* parent)
     : QObject(parent),
       m_place(std::move(place)),
       m_backend(std::move(backend)),
       m_http(http),
-      m_signInSession(session),
+      m_desktop(desktop),
+      m_secrets(secrets),
       m_scheduler(scheduler)
 {
     m_writer.setMaxThreadCount(1);
@@ -42,7 +42,7 @@ AuthManager::AuthManager(Place place, Backend backend, Http& http, SignInSession
 
 AuthManager::~AuthManager() = default;
 
-bool AuthManager::takesAddress() const { return signingIn() && m_signInSession.usesBrowser(); }
+bool AuthManager::takesAddress() const { return signingIn() && m_desktop.signsInThroughBrowser(); }
 
 QString AuthManager::freshToken() const
 {
@@ -54,10 +54,10 @@ QString AuthManager::freshToken() const
 void AuthManager::restore()
 {
     const auto found = std::make_shared<accountFile::Session>();
-    keychain::load(refreshKey, this,
+    m_secrets.load(refreshKey, this,
                    [found](const auto& value) { found->refreshToken = value.value_or(QString{}); });
-    keychain::load(emailKey, this, [found](const auto& value) { found->email = value.value_or(QString{}); });
-    keychain::load(accessKey, this, [this, found](const auto& value) {
+    m_secrets.load(emailKey, this, [found](const auto& value) { found->email = value.value_or(QString{}); });
+    m_secrets.load(accessKey, this, [this, found](const auto& value) {
         // Also when a locked store was opened long after the start.
         if (m_decided) return;
         found->accessToken = value.value_or(QString{});
@@ -82,9 +82,9 @@ void AuthManager::importFromFile()
 
 void AuthManager::keep(const accountFile::Session& session)
 {
-    keychain::save(accessKey, session.accessToken);
-    keychain::save(refreshKey, session.refreshToken);
-    keychain::save(emailKey, session.email);
+    m_secrets.save(accessKey, session.accessToken);
+    m_secrets.save(refreshKey, session.refreshToken);
+    m_secrets.save(emailKey, session.email);
 }
 
 void AuthManager::adopt(const accountFile::Session& session, accountFile::Tokens tokens)
@@ -106,7 +106,7 @@ void AuthManager::login()
     m_scheduler.after(attemptTime, this, [this, attempt = m_attempt] {
         if (attempt == m_attempt) cancelLogin();
     });
-    m_signInSession.start(page, signIn::scheme, [this](const QString& address) { handle(address); });
+    m_desktop.signIn(page, signIn::scheme, [this](const QString& address) { handle(address); });
     emit changed();
 }
 
@@ -143,9 +143,9 @@ void AuthManager::paste(const QString& text)
 
 void AuthManager::logout()
 {
-    keychain::remove(accessKey);
-    keychain::remove(refreshKey);
-    keychain::remove(emailKey);
+    m_secrets.remove(accessKey);
+    m_secrets.remove(refreshKey);
+    m_secrets.remove(emailKey);
     m_decided = true;
     m_session = {};
     m_fileIsBehind = false;
@@ -153,11 +153,12 @@ void AuthManager::logout()
     emit changed();
 }
 
-void AuthManager::openAccount() const { workspace::openUrl(QUrl{m_place.accountSite}); }
+void AuthManager::openAccount() const { m_desktop.openUrl(QUrl{m_place.accountSite}); }
 
 void AuthManager::registerDevice()
 {
-    const QString name = m_place.computerName.isEmpty() ? u"Mac"_s : m_place.computerName;
+    QString name = m_desktop.computerName();
+    if (name.isEmpty()) name = u"Mac"_s;
     m_http.send(m_backend.request("POST", u"/rest/v1/rpc/register_device"_s, m_session.accessToken,
                                   {{u"p_name"_s, name}}),
                 this, [](const HttpAnswer&) {}); // tried again at the next start

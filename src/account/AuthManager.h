@@ -9,9 +9,10 @@
 
 namespace murmeli {
 
+class Desktop;
 class Http;
 class Scheduler;
-class SignInSession;
+class SecretStore;
 
 /// The one account session: signs in through the account site, keeps the tokens in the secret store, and
 /// hands them on to the recording service in account.json. Failures are silent; what was known stays. Tokens
@@ -30,13 +31,12 @@ public:
     struct Place {
         QString accountSite; ///< address of the account site
         QString accountFile; ///< path of account.json
-        QString computerName;
     };
 
     /// Restores the last session from the event loop: from the secret store, else from account.json, also
     /// when the store does not answer within three seconds.
-    AuthManager(Place place, Backend backend, Http& http, SignInSession& session, Scheduler& scheduler,
-                QObject* parent = nullptr);
+    AuthManager(Place place, Backend backend, Http& http, Desktop& desktop, SecretStore& secrets,
+                Scheduler& scheduler, QObject* parent = nullptr);
     ~AuthManager() override;
     Q_DISABLE_COPY_MOVE(AuthManager)
 
@@ -90,7 +90,8 @@ private:
     Place m_place;
     Backend m_backend;
     Http& m_http;
-    SignInSession& m_signInSession;
+    Desktop& m_desktop;
+    SecretStore& m_secrets;
     Scheduler& m_scheduler;
     accountFile::Session m_session;
     quint64 m_lastAttempt = 0;

@@ -3,17 +3,15 @@
 #include "base/Http.h"
 #include "base/Processes.h"
 #include "base/Scheduler.h"
-#include "localisation/Language.h"
 #include "platform/Appearance.h"
+#include "platform/Desktop.h"
 #include "platform/EndSignals.h"
 #include "platform/Installation.h"
-#include "platform/SignInSession.h"
+#include "platform/SecretStore.h"
 #include "platform/SingleInstance.h"
 #include "platform/StatusItem.h"
 #include "platform/WindowSystem.h"
-#include "platform/Workspace.h"
 #include "service/AppInfo.h"
-#include "service/Prefs.h"
 #include "ui/Look.h"
 
 #include <QApplication>
@@ -85,31 +83,28 @@ int main(int argc, char* argv[])
     if (windowSystem::drawsInSoftware()) QQuickWindow::setSceneGraphBackend(u"software"_s);
     endSignals::quitOn(&app);
 
-    const Paths paths{home};
-    Prefs prefs{paths.prefsFile};
     SystemScheduler scheduler;
-    Language language{prefs, workspace::preferredLanguages};
-    Look look{nullptr};
     NetworkHttp http;
     SystemProcesses processes;
-    const auto signInSession = makeSignInSession();
+    const auto desktop = makeDesktop(home);
+    const auto secrets = makeSecretStore();
+    Program program{Paths{home},
+                    {.scheduler = scheduler,
+                     .http = http,
+                     .processes = processes,
+                     .desktop = *desktop,
+                     .secrets = *secrets},
+                    installationOf(QCoreApplication::applicationFilePath()),
+                    AppInfo::addresses()};
+    Look look{nullptr};
     const auto statusItem = makeStatusItem();
-    AppDelegate delegate{{.paths = paths,
-                          .prefs = prefs,
-                          .language = language,
-                          .look = look,
-                          .scheduler = scheduler,
-                          .http = http,
-                          .processes = processes,
-                          .signInSession = *signInSession,
-                          .statusItem = *statusItem,
-                          .installation = installationOf(QCoreApplication::applicationFilePath())}};
+    AppDelegate delegate{program, *desktop, scheduler, look, *statusItem};
     delegate.start(start.forceSetup);
 
     // The icon stands; what follows may ask the desktop.
     const auto appearance = makeAppearance();
     look.follow(*appearance);
-    QObject::connect(&instance, &SingleInstance::told, &delegate, &AppDelegate::told);
+    QObject::connect(&instance, &SingleInstance::told, &program, &Program::told);
     instance.listen();
     return QApplication::exec();
 }

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Window
 import Murmeli.Detail
 import Murmeli.Localisation
 import Murmeli.Protocol
@@ -23,6 +24,14 @@ Column {
 
     topPadding: 10 + Theme.chromeInset
 
+    Connections {
+        target: root.detail
+        // It may have taken minutes, and the user be elsewhere by now.
+        function onBuilt(path: string) {
+            if (sharing.visible && root.Window.window.visible)
+                root.detail.offer(path, root.Window.window, sharing.mapToItem(null, 0, sharing.height + Theme.gapSmall));
+        }
+    }
     LinkButton {
         id: back
         x: -Theme.gapSmall - 2
@@ -77,7 +86,7 @@ Column {
             symbol: "square.and.arrow.down"
             enabled: !root.building
             text: L.t("file.save")
-            onClicked: root.detail.save(saving)
+            onClicked: root.detail.save(root.Window.window)
         }
         PillButton {
             id: sharing
@@ -85,7 +94,7 @@ Column {
             symbol: "square.and.arrow.up"
             enabled: !root.building
             text: L.t("file.share")
-            onClicked: root.detail.share(sharing)
+            onClicked: root.detail.share()
         }
         PillButton {
             visible: root.detail.hasProtocol

@@ -10,14 +10,10 @@
 #include "meetings/MeetingCaptions.h"
 #include "meetings/MeetingStore.h"
 #include "meetings/SummaryFile.h"
-#include "platform/FileDialog.h"
-#include "platform/ShareMenu.h"
-#include "platform/Workspace.h"
+#include "platform/Desktop.h"
 #include "service/Paths.h"
 
 #include <QDir>
-#include <QQuickItem>
-#include <QQuickWindow>
 #include <QStandardPaths>
 
 #include <utility>
@@ -46,6 +42,7 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
       m_report({.account = ground.account,
                 .http = ground.http,
                 .language = ground.language,
+                .desktop = ground.desktop,
                 .scheduler = ground.scheduler,
                 .protocols = ground.store.protocols(),
                 .webOrigin = ground.webOrigin})
@@ -59,15 +56,7 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
         load();
     });
     connect(&ground.language, &Language::changed, this, &MeetingDetailModel::changed);
-    connect(m_files.get(), &ProtocolFileMaker::shared, this, [this](const QString& path) {
-        // The file may take minutes, and the user be elsewhere by then. A second press has it at once.
-        if (!m_anchor || !m_anchor->isVisible() || !m_anchor->window() || !m_anchor->window()->isVisible())
-            return;
-        const auto t = [this](const char* key) { return m_ground.language.t(QString::fromLatin1(key)); };
-        shareMenu::present(
-            path, {t("file.share.mail"), t("file.share.open"), t("file.share.folder"), t("file.share.copy")},
-            m_anchor->window(), m_anchor->mapToScene(QPointF{0, m_anchor->height() + 4}).toPoint());
-    });
+    connect(m_files.get(), &ProtocolFileMaker::shared, this, &MeetingDetailModel::built);
 }
 
 MeetingDetailModel::~MeetingDetailModel() = default;
@@ -144,29 +133,31 @@ void MeetingDetailModel::sendRemark(const QString& remark)
     m_editor.apply(remark, m_meeting, done, carriedOut);
 }
 
-void MeetingDetailModel::save(QQuickItem* anchor)
+void MeetingDetailModel::save(QWindow* window)
 {
     QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
     if (!QFileInfo{folder}.isDir()) folder = m_ground.paths.home;
-    const fileDialog::Question question{.title = m_ground.language.t(u"file.dialog"_s),
-                                        .suggested =
-                                            folder + u'/' + ProtocolFileMaker::suggestedName(m_meeting),
-                                        .kind = u"PDF (*.pdf)"_s,
-                                        .suffix = u"pdf"_s};
-    fileDialog::save(question, anchor->window(), [self = QPointer{this}](const QString& path) {
-        if (self) self->m_files->save(self->m_meeting, path);
-    });
+    m_ground.desktop.askWhereToSave({.title = m_ground.language.t(u"file.dialog"_s),
+                                     .suggested = folder + u'/' + ProtocolFileMaker::suggestedName(m_meeting),
+                                     .kind = u"PDF (*.pdf)"_s,
+                                     .suffix = u"pdf"_s},
+                                    window, this,
+                                    [this](const QString& path) { m_files->save(m_meeting, path); });
 }
 
-void MeetingDetailModel::share(QQuickItem* anchor)
+void MeetingDetailModel::share() { m_files->share(m_meeting); }
+
+void MeetingDetailModel::offer(const QString& path, QWindow* window, const QPointF& at)
 {
-    m_anchor = anchor;
-    m_files->share(m_meeting);
+    const auto t = [this](const char* key) { return m_ground.language.t(QString::fromLatin1(key)); };
+    m_ground.desktop.share(
+        path, {t("file.share.mail"), t("file.share.open"), t("file.share.folder"), t("file.share.copy")},
+        window, at.toPoint());
 }
 
-void MeetingDetailModel::reveal() const
+void MeetingDetailModel::reveal()
 {
-    if (m_protocol) workspace::reveal(*m_protocol, m_ground.paths.vaultDir);
+    if (m_protocol) m_ground.desktop.reveal(*m_protocol, m_ground.paths.vaultDir);
 }
 
 void MeetingDetailModel::openReport() { m_report.load(m_meeting); }

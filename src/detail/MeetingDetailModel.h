@@ -8,8 +8,8 @@
 #include "report/ReportLoader.h"
 
 #include <QObject>
-#include <QPointer>
-#include <QQuickItem>
+#include <QPoint>
+#include <QWindow>
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
@@ -17,6 +17,7 @@
 
 namespace murmeli {
 
+class Desktop;
 class GlossaryStore;
 class MeetingStore;
 
@@ -46,6 +47,7 @@ public:
         const AuthManager& account;
         Http& http;
         Processes& processes;
+        Desktop& desktop;
         const Language& language;
         const Scheduler& scheduler;
         QString webOrigin;
@@ -76,13 +78,16 @@ public:
     /// Nothing when the remark is empty or another one is on its way.
     Q_INVOKABLE void sendRemark(const QString& remark);
 
-    /// Asks where, in front of the item's window, and builds the PDF there.
-    Q_INVOKABLE void save(QQuickItem* anchor);
+    /// Asks where, in front of `window`, and builds the PDF there.
+    Q_INVOKABLE void save(QWindow* window);
 
-    /// Builds a PDF and offers what can be done with it, below the item.
-    Q_INVOKABLE void share(QQuickItem* anchor);
+    /// Builds a PDF for passing on, which may take minutes; built() tells where it is. A second press has it
+    /// at once.
+    Q_INVOKABLE void share();
+    /// Offers what can be done with it, at a place in `window`.
+    Q_INVOKABLE void offer(const QString& path, QWindow* window, const QPointF& at);
 
-    Q_INVOKABLE void reveal() const;
+    Q_INVOKABLE void reveal();
 
     /// Reads the analysis that is stored.
     Q_INVOKABLE void openReport();
@@ -95,6 +100,7 @@ public:
 signals:
     void changed();
     void draftChanged();
+    void built(const QString& path);
     void remarkDone();       ///< the protocol was corrected
     void corrected(int row); ///< where, in the list of sections
 
@@ -127,7 +133,6 @@ private:
     QString m_draft;
     bool m_edited = false;
     bool m_loaded = false;
-    QPointer<QQuickItem> m_anchor;
 };
 
 } // namespace murmeli

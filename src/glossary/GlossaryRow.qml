@@ -1,5 +1,4 @@
 import QtQuick
-import Murmeli.Glossary
 import Murmeli.Localisation
 import Murmeli.Ui
 

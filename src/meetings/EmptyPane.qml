@@ -1,5 +1,4 @@
 import QtQuick
-import Murmeli.Meetings
 import Murmeli.Ui
 
 // In place of a list that holds nothing.

@@ -1,5 +1,4 @@
 import QtQuick
-import Murmeli.Meetings
 import Murmeli.Ui
 
 // One line of text with the place marked where a search has found something.

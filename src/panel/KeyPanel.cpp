@@ -45,11 +45,12 @@ KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
                           {u"panel"_s, QVariant::fromValue(&parts.panel)},
                           {u"account"_s, QVariant::fromValue(&parts.account)},
                           {u"updater"_s, QVariant::fromValue(&parts.updater)},
+                          {u"actions"_s, QVariant::fromValue(&m_actions)},
                           {u"floating"_s, floating}});
+    connect(&m_actions, &WindowActions::faded, this, &QWindow::hide);
+    connect(&m_actions, &WindowActions::pressedBeside, this, &KeyPanel::pressedOutside);
     setSource(QUrl{u"qrc:/qt/qml/Murmeli/Panel/PanelView.qml"_s});
     if (QQuickItem* root = rootObject()) {
-        connect(root, SIGNAL(fadedOut()), this, SLOT(hide()));
-        connect(root, SIGNAL(pressedOutside()), this, SIGNAL(pressedOutside()));
         connect(root, &QQuickItem::implicitHeightChanged, this, &KeyPanel::contentSizeChanged);
         if (!floating) {
             connect(this, &KeyPanel::contentSizeChanged, this, &KeyPanel::fitScreen);
@@ -111,7 +112,6 @@ void KeyPanel::closePanel()
     if (!m_open) return;
     m_clickOutside.reset();
     setOpen(false); // the view fades and then asks to be hidden
-    emit closed();
 }
 
 void KeyPanel::setOpen(bool open)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/WindowActions.h"
+
 #include <QQuickView>
 
 #include <memory>
@@ -50,7 +52,6 @@ public:
 signals:
     void contentSizeChanged();
     void pressedOutside();
-    void closed();
 
 protected:
     void hideEvent(QHideEvent* event) override;
@@ -60,6 +61,7 @@ private:
     void setOpen(bool open);
     void fitScreen();
 
+    WindowActions m_actions;
     Kind m_kind;
     bool m_open = false;
     std::unique_ptr<ClickOutside> m_clickOutside;

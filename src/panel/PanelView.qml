@@ -17,11 +17,9 @@ Item {
     required property PanelModel panel
     required property AuthManager account
     required property Updater updater
+    required property WindowActions actions
     property bool floating: true
     property bool open: false
-
-    signal fadedOut()
-    signal pressedOutside()
 
     // What the panel would like to be; it makes do with less.
     readonly property size contentSize: Qt.size(Theme.panelWidth, body.y - topMargin + fullHeight)
@@ -47,7 +45,7 @@ Item {
     Component.onDestruction: if (onScreen) panel.unwatch()
     onOpenChanged: {
         if (open) focusFirst();
-        else if (!floating) root.fadedOut();
+        else if (!floating) root.actions.faded();
     }
 
     states: State {
@@ -67,7 +65,7 @@ Item {
             SequentialAnimation {
                 id: fade
                 NumberAnimation { target: sheet; property: "opacity"; to: 0; duration: Theme.closing }
-                ScriptAction { script: root.fadedOut() }
+                ScriptAction { script: root.actions.faded() }
             }
         }
     ]
@@ -76,7 +74,7 @@ Item {
         anchors.fill: parent
         enabled: root.floating
         Accessible.ignored: true
-        onPressed: root.pressedOutside()
+        onPressed: root.actions.pressedBeside()
     }
 
     Item {

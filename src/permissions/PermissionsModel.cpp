@@ -4,7 +4,7 @@
 #include "base/Json.h"
 #include "base/Processes.h"
 #include "localisation/Language.h"
-#include "platform/SystemSettings.h"
+#include "platform/Desktop.h"
 #include "service/Paths.h"
 
 #include <QFileInfo>
@@ -27,25 +27,19 @@ constexpr qint64 answerLimit = 64 * 1024; // bytes
 
 } // namespace
 
-PermissionsModel::PermissionsModel(const Paths& paths, Processes& processes, QObject& background,
-                                   OpenSettings openSettings)
+PermissionsModel::PermissionsModel(const Paths& paths, Processes& processes, Desktop& desktop,
+                                   QObject& background)
     : m_python(paths.python),
       m_script(paths.recorderScript),
       m_stateFile(paths.stateFile),
       m_processes(processes),
-      m_background(background),
-      m_openSettings(std::move(openSettings))
+      m_desktop(desktop),
+      m_background(background)
 {
     refresh();
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive) refresh();
     });
-}
-
-bool PermissionsModel::openSystemSettings(Kind kind)
-{
-    return systemSettings::open(kind == Kind::Microphone ? systemSettings::Page::Microphone
-                                                         : systemSettings::Page::ScreenRecording);
 }
 
 PermissionsModel::State PermissionsModel::stateOf(Kind kind) const
@@ -141,7 +135,9 @@ void PermissionsModel::request(Kind kind)
 
 void PermissionsModel::openSettings(Kind kind)
 {
-    m_settingsMissing = !m_openSettings(kind);
+    m_settingsMissing =
+        !m_desktop.openSettings(kind == Kind::Microphone ? Desktop::SettingsPage::Microphone
+                                                         : Desktop::SettingsPage::ScreenRecording);
     emit changed();
 }
 

@@ -8,6 +8,7 @@
 
 namespace murmeli {
 
+class Desktop;
 class Processes;
 struct Paths;
 
@@ -32,14 +33,10 @@ public:
     enum class State { Granted, Denied, NotAsked, Unknown };
     Q_ENUM(State)
 
-    /// Shows the desktop's page for a permission; false where there is none.
-    using OpenSettings = std::function<bool(Kind)>;
-
     /// Asks for the state now and whenever the program becomes the active one. \param background for as long
     /// as it lives, a question that the user is being asked stays open, also when the model has gone with its
     /// pane.
-    PermissionsModel(const Paths& paths, Processes& processes, QObject& background,
-                     OpenSettings openSettings = openSystemSettings);
+    PermissionsModel(const Paths& paths, Processes& processes, Desktop& desktop, QObject& background);
 
     [[nodiscard]] State microphone() const { return m_microphone; }
     [[nodiscard]] State screen() const { return m_screen; }
@@ -68,7 +65,6 @@ signals:
 private:
     enum class Asking { Nothing, Microphone, Screen };
 
-    static bool openSystemSettings(Kind kind);
     void run(const QString& flag, bool userDecides, std::function<void(const QByteArray&)> done);
     void apply(const QByteArray& output);
     [[nodiscard]] bool recordingNow() const;
@@ -78,8 +74,8 @@ private:
     QString m_script;
     QString m_stateFile;
     Processes& m_processes;
+    Desktop& m_desktop;
     QObject& m_background;
-    OpenSettings m_openSettings;
     State m_microphone = State::Unknown; ///< also before the first answer
     State m_screen = State::Unknown;
     Asking m_asking = Asking::Nothing;

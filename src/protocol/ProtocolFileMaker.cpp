@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "localisation/Language.h"
 #include "meetings/Meeting.h"
+#include "platform/Desktop.h"
 #include "service/Paths.h"
 
 #include <QFile>
@@ -26,13 +27,13 @@ constexpr qsizetype longestName = 180; // bytes, so that a name with its ending 
 } // namespace
 
 ProtocolFileMaker::ProtocolFileMaker(const Paths& paths, Processes& processes, const Language& language,
-                                     Copy copy, QObject* parent)
+                                     Desktop& desktop, QObject* parent)
     : QObject(parent),
       m_python(paths.python),
       m_script(paths.pdfScript),
       m_processes(processes),
       m_language(language),
-      m_copy(std::move(copy))
+      m_desktop(desktop)
 {
 }
 
@@ -94,7 +95,7 @@ void ProtocolFileMaker::save(const Meeting& meeting, const QString& destination)
     build(meeting, destination, [this, destination](bool built) {
         const QString name = QFileInfo{destination}.fileName();
         if (built) {
-            m_copy(destination);
+            m_desktop.copyFile(destination);
             end(Outcome::Saved, name);
         } else {
             end(Outcome::Failed, m_language.t(u"file.error"_s));

@@ -11,6 +11,7 @@ class QTemporaryDir;
 
 namespace murmeli {
 
+class Desktop;
 class Language;
 struct Meeting;
 struct Paths;
@@ -29,10 +30,7 @@ public:
     enum class Outcome { Idle, Working, Saved, Failed };
     Q_ENUM(Outcome)
 
-    /// Puts a file on the clipboard.
-    using Copy = std::function<void(const QString& path)>;
-
-    ProtocolFileMaker(const Paths& paths, Processes& processes, const Language& language, Copy copy,
+    ProtocolFileMaker(const Paths& paths, Processes& processes, const Language& language, Desktop& desktop,
                       QObject* parent = nullptr);
     ~ProtocolFileMaker() override;
     Q_DISABLE_COPY_MOVE(ProtocolFileMaker)
@@ -65,7 +63,7 @@ private:
     QString m_script;
     Processes& m_processes;
     const Language& m_language;
-    Copy m_copy;
+    Desktop& m_desktop;
     Outcome m_outcome = Outcome::Idle;
     QString m_text;
     QString m_unfinished; ///< what the script is writing, beside its destination

@@ -1,6 +1,5 @@
 import QtQuick
 import Murmeli.Localisation
-import Murmeli.Protocol
 import Murmeli.Ui
 
 // An item of the protocol; the first one of a section stands beside its title.

@@ -1,5 +1,4 @@
 import QtQuick
-import Murmeli.Report
 import Murmeli.Ui
 
 // A line of a bulleted list.

@@ -1,6 +1,5 @@
 import QtQuick
 import Murmeli.Localisation
-import Murmeli.Report
 import Murmeli.Ui
 
 // What was said at a moment; pressed, it shows the lines before and after as well.

@@ -1,8 +1,5 @@
 #include "ReportListModel.h"
 
-#include "localisation/Language.h"
-#include "platform/Workspace.h"
-
 namespace murmeli {
 
 void ReportListModel::setRows(const QList<ReportRow>& rows)
@@ -37,10 +34,10 @@ int ReportListModel::direction(const QString& letter) const
     return 0;
 }
 
-void ReportListModel::copy(int row) const
+QString ReportListModel::text(int row, const QString& language) const
 {
-    if (row < 0 || row >= m_rows.size() || !m_rows[row].isItem()) return;
-    workspace::copyText(reportRows::text(m_rows[row], m_language.locale()));
+    const bool known = row >= 0 && row < m_rows.size() && m_rows[row].isItem();
+    return known ? reportRows::text(m_rows[row], language) : QString{};
 }
 
 QString ReportListModel::spoken(int row, const QString& language) const

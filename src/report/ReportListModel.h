@@ -7,8 +7,6 @@
 
 namespace murmeli {
 
-class Language;
-
 /// The rows of a report. Main thread only.
 class ReportListModel final : public QAbstractListModel {
     Q_OBJECT
@@ -16,10 +14,7 @@ class ReportListModel final : public QAbstractListModel {
     QML_UNCREATABLE("made by the loader of reports")
 
 public:
-    explicit ReportListModel(const Language& language, QObject* parent = nullptr)
-        : QAbstractListModel(parent), m_language(language)
-    {
-    }
+    explicit ReportListModel(QObject* parent) : QAbstractListModel(parent) {}
 
     void setRows(const QList<ReportRow>& rows);
 
@@ -32,8 +27,8 @@ public:
     /// Which way a letter key steps: 1, -1, or 0 for none. Keys count by their place, whatever the layout.
     Q_INVOKABLE [[nodiscard]] int direction(const QString& letter) const;
 
-    /// Puts what the item in a row says on the clipboard, with its stamps.
-    Q_INVOKABLE void copy(int row) const;
+    /// What the item in a row says, as it is copied in `language`; empty when the row is none.
+    [[nodiscard]] QString text(int row, const QString& language) const;
 
     /// What the item in a row says, as it is read out in `language`.
     Q_INVOKABLE [[nodiscard]] QString spoken(int row, const QString& language) const;
@@ -43,7 +38,6 @@ public:
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
 private:
-    const Language& m_language;
     QList<ReportRow> m_rows;
 };
 

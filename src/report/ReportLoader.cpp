@@ -11,6 +11,7 @@
 #include "meetings/MeetingCaptions.h"
 #include "meetings/ProtocolFinder.h"
 #include "meetings/SummaryFile.h"
+#include "platform/Desktop.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -82,9 +83,12 @@ std::optional<ReportLoader::Analysis> taken(const HttpAnswer& answer, const Meet
 
 } // namespace
 
-ReportLoader::ReportLoader(Ground ground, QObject* parent)
-    : QObject(parent), m_ground(std::move(ground)), m_rows(m_ground.language)
+ReportLoader::ReportLoader(Ground ground, QObject* parent) : QObject(parent), m_ground(std::move(ground)) {}
+
+void ReportLoader::copy(int row)
 {
+    const QString text = m_rows.text(row, m_ground.language.current());
+    if (!text.isEmpty()) m_ground.desktop.copyText(text);
 }
 
 QString ReportLoader::storedFile(const Meeting& meeting)

@@ -13,6 +13,8 @@
 namespace murmeli {
 
 class AuthManager;
+class Desktop;
+class Language;
 class Http;
 class ProtocolFinder;
 class Scheduler;
@@ -35,6 +37,7 @@ public:
         const AuthManager& account;
         Http& http;
         const Language& language;
+        Desktop& desktop;
         const Scheduler& scheduler;
         std::shared_ptr<ProtocolFinder> protocols;
         QString webOrigin;
@@ -67,6 +70,9 @@ public:
     /// What was said at a stamp, the line before and the line after it; empty when that is not known.
     Q_INVOKABLE [[nodiscard]] QStringList quote(const QString& stamp) const;
 
+    /// Puts what the item in a row says on the clipboard; nothing when the row is none.
+    Q_INVOKABLE void copy(int row);
+
     /// A stamp as it is read out in `language`.
     Q_INVOKABLE [[nodiscard]] QString spoken(const QString& stamp, const QString& language) const;
 
@@ -84,7 +90,7 @@ private:
     Ground m_ground;
     std::optional<MeetingReport> m_report;
     Transcript m_lines;
-    ReportListModel m_rows;
+    ReportListModel m_rows{nullptr};
     QString m_error;
     bool m_loading = false;
     bool m_asked = false;

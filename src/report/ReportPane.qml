@@ -67,7 +67,7 @@ Item {
     Keys.onBacktabPressed: event => event.accepted = walkFromWithin(-1)
     Keys.onPressed: event => {
         const direction = root.loader.rows.direction(event.text);
-        if (event.matches(StandardKey.Copy) && list.activeFocus) root.loader.rows.copy(list.currentIndex);
+        if (event.matches(StandardKey.Copy) && list.activeFocus) root.loader.copy(list.currentIndex);
         else if (direction !== 0) root.step(direction);
         else return;
         event.accepted = true;
@@ -249,7 +249,7 @@ Item {
                 spoken: root.loader.rows.spoken(place.index, L.language)
                 pointed: over.hovered
                 onStampPressed: stamp => root.toggle(stamp)
-                onCopyAsked: root.loader.rows.copy(place.index)
+                onCopyAsked: root.loader.copy(place.index)
             }
         }
         // qmllint enable unqualified

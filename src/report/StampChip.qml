@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Localisation
-import Murmeli.Report
 import Murmeli.Ui
 
 // A moment of the meeting; pressed, it shows what was said then.

@@ -3,17 +3,23 @@
 #include <QByteArray>
 #include <QString>
 
-/// What this build is and where it belongs. In developer builds the environment may set the addresses
-/// (MURMELI_WEB_ORIGIN, MURMELI_ACCOUNT_SITE, MURMELI_BACKEND, MURMELI_BOT_LINK).
+/// What this build is and where it belongs.
 namespace murmeli::AppInfo {
 
 extern const QString version;
 
-QString webOrigin();
-QString versionURL();
-QString accountSite();
-QString backend();       ///< base address of the hosted backend's REST interface
-QByteArray backendKey(); ///< its anonymous key, which is public
-QString botLink();
+struct Addresses {
+    QString web; ///< origin of the web service
+    QString accountSite;
+    QString backend;       ///< base address of the hosted backend's REST interface
+    QByteArray backendKey; ///< its anonymous key, which is public
+    QString bot;
+
+    [[nodiscard]] QString versionUrl() const { return web + QStringLiteral("/app/version.json"); }
+};
+
+/// This build's. In developer builds the environment may set them (MURMELI_WEB_ORIGIN, MURMELI_ACCOUNT_SITE,
+/// MURMELI_BACKEND, MURMELI_BOT_LINK).
+Addresses addresses();
 
 } // namespace murmeli::AppInfo

@@ -24,7 +24,8 @@ Paths::Paths(const QString& homeFolder)
       rebuildScript(root + u"/pipeline/reprotocol.py"_s),
       recorderScript(root + u"/pipeline/native_rec.py"_s),
       notificationsLog(logs + u"/notifications.log"_s),
-      appAgentFile(home + u"/Library/LaunchAgents/"_s + QLatin1StringView{appAgentLabel} + u".plist"_s)
+      appAgentFile(home + u"/Library/LaunchAgents/"_s + QLatin1StringView{appAgentLabel} + u".plist"_s),
+      agentLoader(u"/bin/launchctl"_s)
 {
 }
 

@@ -29,6 +29,7 @@ struct Paths {
     QString recorderScript; ///< the recorder's answers about permissions
     QString notificationsLog;
     QString appAgentFile;
+    QString agentLoader; ///< loads and unloads the login agent, where the system has such agents
 
     static constexpr auto appAgentLabel = "com.valdor.quillet.app";
     static constexpr qsizetype instructionsLimit = 20'000; ///< characters

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Window
 import Murmeli.Localisation
 import Murmeli.Settings
 import Murmeli.Ui
@@ -61,7 +62,7 @@ Loader {
                 symbol: "trash"
                 symbolSize: Theme.symbolText
                 help: L.t("instructions.clear")
-                onClicked: root.model.run(SettingAction.ClearInstructions, root)
+                onClicked: root.model.run(SettingAction.ClearInstructions, root.Window.window)
             }
             PillButton {
                 kind: root.row.action === SettingAction.ConnectTelegram && !root.model.telegramConnected
@@ -69,7 +70,7 @@ Loader {
                 text: L.t(root.model.buttonKey(root.row, root.revision))
                 spokenName: text + ": " + root.title
                 help: root.subtitle
-                onClicked: root.model.run(root.row.action, root)
+                onClicked: root.model.run(root.row.action, root.Window.window)
             }
         }
     }

@@ -5,15 +5,13 @@
 #include "base/Json.h"
 #include "base/Processes.h"
 #include "localisation/Language.h"
-#include "platform/FileDialog.h"
-#include "platform/Workspace.h"
+#include "platform/Desktop.h"
 #include "service/AppState.h"
 #include "service/Paths.h"
 #include "service/Prefs.h"
 #include "update/Updater.h"
 
 #include <QFile>
-#include <QQuickWindow>
 
 #include <algorithm>
 #include <utility>
@@ -46,7 +44,7 @@ SettingsModel::~SettingsModel() = default;
 
 PermissionsModel* SettingsModel::permissionsFor(QObject* pane)
 {
-    auto* permissions = new PermissionsModel{m_ground.paths, m_ground.processes, *this};
+    auto* permissions = new PermissionsModel{m_ground.paths, m_ground.processes, m_ground.desktop, *this};
     permissions->setParent(pane);
     return permissions;
 }
@@ -122,9 +120,9 @@ void SettingsModel::setBool(const QString& key, bool value)
     store(key, value);
     if (key != loginKey) return;
     // Nobody waits for it: where it is not there, the desktop's own list counts.
-    m_ground.processes.startDetached(m_ground.loader,
+    m_ground.processes.startDetached(m_ground.paths.agentLoader,
                                      {value ? u"load"_s : u"unload"_s, m_ground.paths.appAgentFile});
-    if (m_ground.setLoginItem) m_ground.setLoginItem(value);
+    m_ground.desktop.setLoginItem(value);
 }
 
 void SettingsModel::setString(const QString& key, const QString& value)
@@ -210,16 +208,14 @@ void SettingsModel::loadInstructions(const QString& file)
         });
 }
 
-void SettingsModel::run(int action, QQuickItem* anchor)
+void SettingsModel::run(int action, QWindow* window)
 {
     switch (action) {
     case settingAction::LoadInstructions:
-        fileDialog::open({.title = m_ground.language.t(u"instructions.title"_s),
-                          .suggested = m_ground.paths.home,
-                          .kind = m_ground.language.t(u"instructions.kind"_s)},
-                         anchor->window(), [self = QPointer{this}](const QString& path) {
-                             if (self) self->loadInstructions(path);
-                         });
+        m_ground.desktop.askForFile({.title = m_ground.language.t(u"instructions.title"_s),
+                                     .suggested = m_ground.paths.home,
+                                     .kind = m_ground.language.t(u"instructions.kind"_s)},
+                                    window, this, [this](const QString& path) { loadInstructions(path); });
         break;
     case settingAction::ClearInstructions:
         QFile::remove(m_ground.paths.userInstructions);
@@ -232,10 +228,10 @@ void SettingsModel::run(int action, QQuickItem* anchor)
         m_ground.account.openAccount();
         break;
     case settingAction::OpenRecordings:
-        workspace::openFolder(m_ground.paths.recordings);
+        m_ground.desktop.openFolder(m_ground.paths.recordings);
         break;
     case settingAction::OpenLogs:
-        workspace::openFolder(m_ground.paths.logs);
+        m_ground.desktop.openFolder(m_ground.paths.logs);
         break;
     case settingAction::CheckUpdate:
         m_ground.updater.check();

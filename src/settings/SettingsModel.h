@@ -6,7 +6,7 @@
 
 #include <QJsonObject>
 #include <QObject>
-#include <QQuickItem>
+#include <QWindow>
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
@@ -16,6 +16,7 @@ namespace murmeli {
 
 class AppState;
 class AuthManager;
+class Desktop;
 class Language;
 struct Paths;
 class Prefs;
@@ -44,8 +45,7 @@ public:
         Updater& updater;
         Language& language;
         Processes& processes;
-        QString loader = QStringLiteral("/bin/launchctl"); ///< of the login agent
-        std::function<void(bool on)> setLoginItem = {};    ///< the desktop's own list, where it has one
+        Desktop& desktop;
     };
 
     explicit SettingsModel(const Ground& ground, QObject* parent = nullptr);
@@ -78,8 +78,8 @@ public:
                                                int revision) const;
     Q_INVOKABLE [[nodiscard]] QString buttonKey(const murmeli::SettingRow& row, int revision) const;
 
-    /// A file dialog stands in front of the item's window.
-    Q_INVOKABLE void run(int action, QQuickItem* anchor);
+    /// A file dialog stands in front of `window`.
+    Q_INVOKABLE void run(int action, QWindow* window);
 
     /// Takes a file as the instructions, as run() does once it is chosen.
     void loadInstructions(const QString& file);

@@ -4,7 +4,7 @@
 #include "base/Processes.h"
 #include "base/Scheduler.h"
 #include "base/Text.h"
-#include "platform/Workspace.h"
+#include "platform/Desktop.h"
 #include "service/Paths.h"
 
 #include <QDir>
@@ -36,8 +36,13 @@ std::optional<int> percent(const QString& text)
 
 } // namespace
 
-SetupRunner::SetupRunner(Place place, Processes& processes, Scheduler& scheduler, QObject* parent)
-    : QAbstractListModel(parent), m_place(std::move(place)), m_processes(processes), m_scheduler(scheduler)
+SetupRunner::SetupRunner(Place place, Processes& processes, Desktop& desktop, Scheduler& scheduler,
+                         QObject* parent)
+    : QAbstractListModel(parent),
+      m_place(std::move(place)),
+      m_processes(processes),
+      m_desktop(desktop),
+      m_scheduler(scheduler)
 {
     m_logWriter.setMaxThreadCount(1);
 }
@@ -112,7 +117,7 @@ void SetupRunner::markReady()
     publish();
 }
 
-void SetupRunner::openLog() const { workspace::openUrl(QUrl::fromLocalFile(m_place.logFile)); }
+void SetupRunner::openLog() { m_desktop.openUrl(QUrl::fromLocalFile(m_place.logFile)); }
 
 void SetupRunner::read(const QByteArray& chunk)
 {

@@ -10,6 +10,7 @@
 
 namespace murmeli {
 
+class Desktop;
 class Processes;
 class Scheduler;
 struct Paths;
@@ -38,7 +39,8 @@ public:
         QString logFile;   ///< holds the whole output of the latest run; its folder is made
     };
 
-    SetupRunner(Place place, Processes& processes, Scheduler& scheduler, QObject* parent = nullptr);
+    SetupRunner(Place place, Processes& processes, Desktop& desktop, Scheduler& scheduler,
+                QObject* parent = nullptr);
     ~SetupRunner() override;
     Q_DISABLE_COPY_MOVE(SetupRunner)
 
@@ -70,7 +72,7 @@ public:
     /// Everything counts as done, unless an installation runs or has succeeded.
     void markReady();
 
-    Q_INVOKABLE void openLog() const;
+    Q_INVOKABLE void openLog();
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
@@ -91,6 +93,7 @@ private:
 
     Place m_place;
     Processes& m_processes;
+    Desktop& m_desktop;
     Scheduler& m_scheduler;
     std::array<StepState, allSetupSteps.size()> m_states;
     bool m_finished = false;

@@ -12,14 +12,13 @@ import Murmeli.Update
 Rectangle {
     id: root
 
-    required property SetupRunner runner
-    required property PermissionsModel perms
+    required property Setup setup
     required property Updater updater
+    readonly property SetupRunner runner: setup.runner
+    readonly property PermissionsModel perms: setup.permissions
     readonly property bool diskImage: updater.runningFromDiskImage
     readonly property string variant: diskImage ? ".dmg" : runner.finished ? ".done" : runner.failed ? ".failed" : ""
     readonly property int percent: Math.round(runner.overallPercent * 100)
-
-    signal done()
 
     // Brings a place of the content into sight.
     function scrollTo(y: real): void {
@@ -235,6 +234,6 @@ Rectangle {
         runner: root.runner
         perms: root.perms
         diskImage: root.diskImage
-        onDone: root.done()
+        onDone: root.setup.finish()
     }
 }

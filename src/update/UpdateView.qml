@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Window
 import QtQuick.Controls.Basic
 import Murmeli.Localisation
 import Murmeli.Ui
@@ -16,8 +17,6 @@ Rectangle {
         : phase === Updater.Available ? Theme.violet : Theme.cyan
     readonly property color accentInk: phase === Updater.UpToDate ? Theme.inkGreen : phase === Updater.Failed ? Theme.inkRed
         : phase === Updater.Available ? Theme.inkViolet : Theme.inkCyan
-
-    signal closed()
 
     function focusFirst(): void {
         footer.focusFirst();
@@ -212,6 +211,6 @@ Rectangle {
         round: true
         filled: true
         help: L.t("update.close")
-        onClicked: root.closed()
+        onClicked: root.Window.window.close()
     }
 }

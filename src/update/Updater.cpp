@@ -6,7 +6,7 @@
 #include "base/Processes.h"
 #include "base/Scheduler.h"
 #include "base/Text.h"
-#include "platform/Workspace.h"
+#include "platform/Desktop.h"
 
 #include <algorithm>
 #include <utility>
@@ -55,12 +55,13 @@ QLatin1StringView word(Updater::Phase phase)
 
 } // namespace
 
-Updater::Updater(Place place, Http& http, Processes& processes, Scheduler& scheduler, StatusProvider status,
-                 QObject* parent)
+Updater::Updater(Place place, Http& http, Processes& processes, Desktop& desktop, Scheduler& scheduler,
+                 StatusProvider status, QObject* parent)
     : QObject(parent),
       m_place(std::move(place)),
       m_http(http),
       m_processes(processes),
+      m_desktop(desktop),
       m_scheduler(scheduler),
       m_status(std::move(status))
 {
@@ -149,7 +150,7 @@ void Updater::runUpdate()
     emit changed();
 }
 
-void Updater::reveal() const { workspace::reveal(bundlePath(), u"/Applications"_s); }
+void Updater::reveal() { m_desktop.reveal(bundlePath(), u"/Applications"_s); }
 
 void Updater::startAutoCheck()
 {

@@ -12,6 +12,7 @@
 
 namespace murmeli {
 
+class Desktop;
 class Http;
 class Processes;
 class Scheduler;
@@ -53,7 +54,7 @@ public:
     using StatusProvider = std::function<QString()>;
 
     Updater(
-        Place place, Http& http, Processes& processes, Scheduler& scheduler,
+        Place place, Http& http, Processes& processes, Desktop& desktop, Scheduler& scheduler,
         StatusProvider status = [] { return QStringLiteral("idle"); }, QObject* parent = nullptr);
 
     /// Whether `a` is a higher version than `b`: decimal components joined by dots, missing ones count as 0
@@ -88,7 +89,7 @@ public:
     Q_INVOKABLE void runUpdate();
 
     /// Selects the program in the file browser.
-    Q_INVOKABLE void reveal() const;
+    Q_INVOKABLE void reveal();
 
     /// Checks half a minute from now and then every hour. To be called once.
     void startAutoCheck();
@@ -104,6 +105,7 @@ private:
     Place m_place;
     Http& m_http;
     Processes& m_processes;
+    Desktop& m_desktop;
     Scheduler& m_scheduler;
     StatusProvider m_status;
     Phase m_phase = Phase::Idle;

@@ -1,7 +1,7 @@
 #include "MainModel.h"
 
 #include "base/Text.h"
-#include "platform/Workspace.h"
+#include "platform/Desktop.h"
 
 #include <functional>
 #include <utility>
@@ -31,9 +31,9 @@ void MainModel::open(const QString& id)
     auto old = std::exchange(
         m_detail, std::make_unique<MeetingDetailModel>(
                       MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_ground.account,
-                                                 m_ground.http, m_ground.processes, m_ground.language,
-                                                 m_ground.scheduler, m_ground.webOrigin, m_background,
-                                                 std::bind_front(&MainModel::carriedOut, this)},
+                                                 m_ground.http, m_ground.processes, m_ground.desktop,
+                                                 m_ground.language, m_ground.scheduler, m_ground.webOrigin,
+                                                 m_background, std::bind_front(&MainModel::carriedOut, this)},
                       *meeting, filesOf(*meeting)));
     m_detail->setDraft(m_drafts.value(id));
     emit detailChanged();
@@ -45,7 +45,7 @@ std::shared_ptr<ProtocolFileMaker> MainModel::filesOf(const Meeting& meeting)
     std::shared_ptr<ProtocolFileMaker>& files = m_files[meeting.id];
     if (!files) {
         files = std::make_shared<ProtocolFileMaker>(m_ground.paths, m_ground.processes, m_ground.language,
-                                                    workspace::copyFile);
+                                                    m_ground.desktop);
         connect(files.get(), &ProtocolFileMaker::saveEnded, this,
                 [this, id = meeting.id, title = meeting.title](bool saved, const QString& line) {
                     const bool seen =

@@ -32,10 +32,10 @@ public:
 
     struct Ground {
         const Paths& paths;
-        Prefs& prefs;
         AuthManager& account;
         Http& http;
         Processes& processes;
+        Desktop& desktop;
         const Language& language;
         Scheduler& scheduler;
         SettingsModel& settings;

@@ -1,6 +1,6 @@
 #include "Shot.h"
 #include "sampleReport.h"
-#include "support/Program.h"
+#include "support/TestProgram.h"
 #include "windows/AppWindow.h"
 #include "windows/MainModel.h"
 
@@ -130,7 +130,7 @@ QList<MainShot> mainShots(bool inRussian)
     };
 }
 
-void writeMeetings(Program& m, const Frame& frame, const MainShot& shot)
+void writeMeetings(TestProgram& m, const Frame& frame, const MainShot& shot)
 {
     const bool inRussian = frame.language == "ru"_L1;
     const QDate today = QDateTime::fromSecsSinceEpoch(qint64(m.scheduler.now())).date();
@@ -162,7 +162,7 @@ void setInViews(const AppWindow& window, const char* property, const QVariant& v
 
 bool shoot(const MainShot& shot, const Frame& frame)
 {
-    Program m;
+    TestProgram m;
     dress(m, frame);
     QQmlEngine engine;
     m.install(engine);

@@ -1,7 +1,10 @@
 #include "Shot.h"
-#include "support/Program.h"
+#include "panel/KeyPanel.h"
+#include "support/TestProgram.h"
 
+#include <QQmlComponent>
 #include <QQuickItem>
+#include <QQuickWindow>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -82,7 +85,7 @@ QList<PanelShot> panelShots()
 
 bool shoot(const PanelShot& shot, const Frame& frame)
 {
-    Program m;
+    TestProgram m;
     m.write(m.paths.prefsFile, shot.prefs);
     m.write(m.paths.stateFile, R"({"status":"recording"})"); // keeps what is offered from being installed
     if (!shot.flag.isNull()) m.write(m.paths.authFlagFile, shot.flag);
@@ -103,7 +106,7 @@ bool shoot(const PanelShot& shot, const Frame& frame)
     m.scheduler.advance(1500ms);
     if (shot.greet) m.state.greet();
 
-    KeyPanel window{engine, KeyPanel::Kind::Floating, m.panelParts()};
+    KeyPanel window{engine, KeyPanel::Kind::Floating, {m.state, m.record, m.panel, m.account, m.updater}};
     window.setColor(frame.dark ? QColor{0x23, 0x24, 0x2c} : QColor{0xd9, 0xda, 0xe1}); // the desk
     window.openAt({QPoint{100, 100}, window.contentSize()});
     settle(100);
@@ -137,7 +140,7 @@ bool shootToasts(const Frame& frame, const QString& only)
     for (const bool starting : {true, false}) {
         const QString name = starting ? u"toast-started"_s : u"toast-finished"_s;
         if (!name.contains(only)) continue;
-        Program m;
+        TestProgram m;
         dress(m, frame);
         QQmlEngine engine;
         m.install(engine);

@@ -1,5 +1,5 @@
 #include "Shot.h"
-#include "support/Program.h"
+#include "support/TestProgram.h"
 #include "windows/AppWindow.h"
 
 using namespace Qt::StringLiterals;
@@ -32,7 +32,7 @@ const QList<SettingsShot>& settingsShots()
 
 bool shoot(const SettingsShot& shot, const Frame& frame)
 {
-    Program m;
+    TestProgram m;
     m.write(m.paths.prefsFile, shot.prefs);
     dress(m, frame);
     QQmlEngine engine;

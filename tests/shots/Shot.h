@@ -8,7 +8,7 @@ class QQuickWindow;
 
 namespace murmeli {
 
-struct Program;
+struct TestProgram;
 
 /// In which language and theme a picture is taken, and where it goes.
 struct Frame {
@@ -18,7 +18,7 @@ struct Frame {
 };
 
 /// Prepares a program for the frame.
-void dress(Program& program, const Frame& frame);
+void dress(TestProgram& program, const Frame& frame);
 
 /// Lets animations of the given time come to their end.
 void settle(int milliseconds);

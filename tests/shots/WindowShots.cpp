@@ -1,5 +1,5 @@
 #include "Shot.h"
-#include "support/Program.h"
+#include "support/TestProgram.h"
 #include "windows/AppWindow.h"
 
 #include <QFileInfo>
@@ -21,7 +21,7 @@ const QByteArray englishRelease =
     R"({"version":"0.9.0","released":"28 November 2026","notes":"The analysis of a meeting shows how much of the agenda was covered, and the numbers that were named.\nA remark on a protocol corrects the right item at once, without transcribing again.\nThe assistant’s glossary takes rules: how a word is heard, and how it is written.\nA recording no longer breaks off when the computer changes its audio device.\nFixed: after sleep the recording’s timer showed the wrong time."})";
 
 /// A recorder that gives `answer`, after `wait` has gone when that is not empty.
-void installRecorder(const Program& m, const QByteArray& answer, const QByteArray& wait = {})
+void installRecorder(const TestProgram& m, const QByteArray& answer, const QByteArray& wait = {})
 {
     m.write(m.paths.recorderScript,
             (wait.isEmpty() ? QByteArray{} : "case $1 in --request*) sleep " + wait + ";; esac\n") +
@@ -59,7 +59,7 @@ bool shootUpdates(const Frame& frame, const QString& only)
     bool good = true;
     for (const Shot& shot : shots) {
         if (!(u"update-"_s + shot.name).contains(only)) continue;
-        Program m{shot.installation};
+        TestProgram m{shot.installation};
         m.write(m.paths.stateFile, R"({"status":"recording"})"); // nothing is installed by itself
         m.scheduler.advance(1500ms);
         dress(m, frame);
@@ -110,17 +110,17 @@ bool shootSetups(const Frame& frame, const QString& only)
     bool good = true;
     for (const Shot& shot : shots) {
         if (!(u"setup-"_s + shot.name).contains(only)) continue;
-        Program m{shot.installation};
+        TestProgram m{shot.installation};
         dress(m, frame);
         QQmlEngine engine;
         m.install(engine);
         m.publish(shot.script);
         installRecorder(m, shot.permissions, "60");
-        PermissionsModel permissions{m.paths, m.processes, m.settings,
-                                     [](PermissionsModel::Kind) { return true; }};
-        SetupRunner runner{{.webOrigin = m.server.origin(), .logFile = m.home.filePath(u"setup.log"_s)},
-                           m.processes,
-                           m.scheduler};
+        Setup setup{m.paths,     {.webOrigin = m.server.origin(), .logFile = m.home.filePath(u"setup.log"_s)},
+                    m.processes, m.desktop,
+                    m.scheduler, m.settings};
+        SetupRunner& runner = *setup.runner();
+        PermissionsModel& permissions = *setup.permissions();
         if (!shot.script.isEmpty()) {
             runner.start();
             await([&] {
@@ -130,12 +130,11 @@ bool shootSetups(const Frame& frame, const QString& only)
         }
         await([&] { return permissions.screen() != PermissionsModel::State::Unknown; });
         if (shot.asking) permissions.request(PermissionsModel::Kind::Screen);
-        AppWindow window{engine, m.language,
-                         view(u"qrc:/qt/qml/Murmeli/Setup/SetupView.qml"_s,
-                              {{u"runner"_s, QVariant::fromValue(&runner)},
-                               {u"perms"_s, QVariant::fromValue(&permissions)},
-                               {u"updater"_s, QVariant::fromValue(&m.updater)}},
-                              {560, 720})};
+        AppWindow window{
+            engine, m.language,
+            view(u"qrc:/qt/qml/Murmeli/Setup/SetupView.qml"_s,
+                 {{u"setup"_s, QVariant::fromValue(&setup)}, {u"updater"_s, QVariant::fromValue(&m.updater)}},
+                 {560, 720})};
         window.present();
         settle(900);
         good = save(window, frame, u"setup-"_s + shot.name) && good;
@@ -174,12 +173,13 @@ bool shootPermissions(const Frame& frame, const QString& only)
     bool good = true;
     for (const Shot& shot : shots) {
         if (!(u"permissions-"_s + shot.name).contains(only)) continue;
-        Program m;
+        TestProgram m;
         dress(m, frame);
         QQmlEngine engine;
         m.install(engine);
         installRecorder(m, shot.answer, shot.wait);
-        PermissionsModel model{m.paths, m.processes, m.settings, [&](Kind) { return shot.page; }};
+        m.desktop.hasPages = shot.page;
+        PermissionsModel model{m.paths, m.processes, m.desktop, m.settings};
         await([&] { return model.screen() != PermissionsModel::State::Unknown; });
         if (shot.request) model.request(*shot.request);
         if (shot.request == Kind::Screen) await([&] { return model.screenLooksStale(); });

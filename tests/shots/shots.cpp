@@ -1,7 +1,7 @@
 // Draws every screen in every state, in both languages and themes: murmeli_shots FOLDER [PART OF A NAME]
 
 #include "Shot.h"
-#include "support/Program.h"
+#include "support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
-void dress(Program& program, const Frame& frame)
+void dress(TestProgram& program, const Frame& frame)
 {
     program.prefs.set(u"locale"_s, frame.language);
     program.language.refresh();

@@ -1,7 +1,6 @@
-#include "support/Program.h"
+#include "support/TestProgram.h"
 #include "windows/MainModel.h"
 
-#include <QClipboard>
 #include <QFile>
 #include <QGuiApplication>
 #include <QJsonDocument>
@@ -83,7 +82,10 @@ public:
     Q_INVOKABLE void refuseCommands() { QDir{}.mkpath(m.paths.commandFile); }
     Q_INVOKABLE void reduceMotion(bool reduced) { m.look.setReducedMotion(reduced); }
     Q_INVOKABLE void signIn() { m.signIn(); }
-    Q_INVOKABLE [[nodiscard]] int pagesOpened() const { return int(m.desktop.opened.size()); }
+    Q_INVOKABLE [[nodiscard]] int pagesOpened() const
+    {
+        return int(m.desktop.opened.size() + m.desktop.folders.size());
+    }
 
     /// The next check finds `version`.
     Q_INVOKABLE void publishRelease(const QString& version)
@@ -131,17 +133,17 @@ public:
         const QByteArray wire = status == 0 ? QByteArray{} : Server::answer(status, body.toUtf8());
         m.server.reply = [wire](QTcpSocket* socket, const Server::Request&) { socket->write(wire); };
     }
-    Q_INVOKABLE [[nodiscard]] QString clipboard() const { return QGuiApplication::clipboard()->text(); }
+    Q_INVOKABLE [[nodiscard]] QString clipboard() const { return m.desktop.copiedText; }
 
 signals:
     void libraryChanged();
 
 private:
-    Program m;
+    TestProgram m;
     std::unique_ptr<MainModel> m_library;
 };
 
-class Setup : public QObject {
+class ViewSetup : public QObject {
     Q_OBJECT
 
 public slots:
@@ -159,5 +161,5 @@ private:
 
 } // namespace
 
-QUICK_TEST_MAIN_WITH_SETUP(views, Setup)
+QUICK_TEST_MAIN_WITH_SETUP(views, ViewSetup)
 #include "viewTests.moc"

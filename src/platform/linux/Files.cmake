@@ -3,13 +3,9 @@ pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 set(MURMELI_PLATFORM_SOURCES
     linux/Appearance.cpp
     linux/ClickOutside.cpp
-    linux/LoginItem.cpp
+    linux/Desktop.cpp
     linux/Memory.cpp
     linux/SessionBus.cpp linux/SessionBus.h
-    linux/ShareMenu.cpp
-    linux/SignInSession.cpp
     linux/StatusItem.cpp
-    linux/SystemSettings.cpp
-    linux/WindowSystem.cpp
-    linux/Workspace.cpp)
+    linux/WindowSystem.cpp)
 set(MURMELI_PLATFORM_LIBRARIES Qt6::DBus PkgConfig::XCB)

@@ -3,10 +3,10 @@
 #include "account/SignInAddress.h"
 #include "base/Files.h"
 #include "base/Http.h"
-#include "platform/SignInSession.h"
 #include "registeredTests.h"
-#include "support/Desktop.h"
 #include "support/ManualScheduler.h"
+#include "support/MemorySecrets.h"
+#include "support/RecordingDesktop.h"
 #include "support/Server.h"
 #include "support/Token.h"
 
@@ -512,19 +512,20 @@ private slots:
 
 private:
     struct Fixture {
-        Desktop desktop;
+        RecordingDesktop desktop;
+        MemorySecrets secrets;
         QTemporaryDir home;
         QString file = home.filePath(u"account.json"_s);
         ManualScheduler scheduler;
         NetworkHttp http;
         Server server;
-        std::unique_ptr<SignInSession> session = makeSignInSession();
 
         [[nodiscard]] std::unique_ptr<AuthManager> make()
         {
             return std::make_unique<AuthManager>(
                 AuthManager::Place{.accountSite = server.origin() + u"/account"_s, .accountFile = file},
-                Backend{.base = server.origin(), .anonymousKey = "anonymous"}, http, *session, scheduler);
+                Backend{.base = server.origin(), .anonymousKey = "anonymous"}, http, desktop, secrets,
+                scheduler);
         }
         void answerLinks(const QByteArray& body)
         {

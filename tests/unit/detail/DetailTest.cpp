@@ -1,9 +1,7 @@
 #include "registeredTests.h"
-#include "support/Program.h"
+#include "support/TestProgram.h"
 #include "windows/MainModel.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSignalSpy>
@@ -177,7 +175,7 @@ private slots:
         if (again) QCOMPARE(m->open().files()->outcome(), ProtocolFileMaker::Outcome::Working);
         m->program.write(go, "");
         QTRY_VERIFY(QFile::exists(destination));
-        QTRY_COMPARE(QGuiApplication::clipboard()->text(), destination);
+        QTRY_COMPARE(m->program.desktop.copiedFiles, QStringList{destination});
         QCOMPARE(ended.size(), again ? 0 : 1);
         if (!again)
             QCOMPARE(ended[0],
@@ -187,7 +185,7 @@ private slots:
 
 private:
     struct Fixture {
-        Program program;
+        TestProgram program;
         std::unique_ptr<MainModel> main;
 
         void write(const QByteArray& bytes) const

@@ -1,15 +1,18 @@
-#include "platform/FileDialog.h"
+#include "base/Files.h"
+#include "platform/Desktop.h"
 #include "platform/PanelPlacement.h"
 #include "platform/SingleInstance.h"
 #include "registeredTests.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
 #include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -85,11 +88,13 @@ private slots:
         QFile there{folder.filePath(u"есть.pdf"_s)};
         QVERIFY(there.open(QIODevice::WriteOnly));
         QString chosen;
-        fileDialog::save({.title = u"Сохранить"_s,
-                          .suggested = folder.filePath(u"План \"Весна\" 2026.pdf"_s),
-                          .kind = u"PDF (*.pdf)"_s,
-                          .suffix = u"pdf"_s},
-                         nullptr, [&](const QString& path) { chosen = path; });
+        QObject context;
+        makeDesktop(folder.path())
+            ->askWhereToSave({.title = u"Сохранить"_s,
+                              .suggested = folder.filePath(u"План \"Весна\" 2026.pdf"_s),
+                              .kind = u"PDF (*.pdf)"_s,
+                              .suffix = u"pdf"_s},
+                             nullptr, &context, [&](const QString& path) { chosen = path; });
         const auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         QVERIFY(dialog);
         auto* field = dialog->findChild<QLineEdit*>(u"fileNameEdit"_s);
@@ -104,6 +109,35 @@ private slots:
         QFETCH(QString, name);
         QTRY_COMPARE(QDir::cleanPath(chosen), folder.filePath(name));
         QTRY_VERIFY(!QApplication::activeModalWidget());
+    }
+
+    void theDesktopsOwnList()
+    {
+#ifdef Q_OS_MACOS
+        QSKIP("The login agent does it all there.");
+#endif
+        const QTemporaryDir home;
+        const auto desktop = makeDesktop(home.path());
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path() + u"/config"_s));
+        const QString entry = home.path() + u"/config/autostart/murmeli.desktop"_s;
+        const auto content = [&] { return QString::fromUtf8(files::readWhole(entry, 10'000).value_or("")); };
+        desktop->setLoginItem(true);
+        QVERIFY(content().contains(u"\nHidden=false\n"_s));
+        QVERIFY(content().contains(u"\nExec=\""_s + QCoreApplication::applicationFilePath() + u"\"\n"_s));
+        desktop->setLoginItem(false);
+        QVERIFY(content().contains(u"\nHidden=true\n"_s));
+        qunsetenv("XDG_CONFIG_HOME");
+        desktop->setLoginItem(false);
+        QVERIFY(QFile::exists(home.path() + u"/.config/autostart/murmeli.desktop"_s));
+    }
+
+    void aFileIsCopiedForProgramsOfEveryKind()
+    {
+        makeDesktop({})->copyFile(u"/tmp/а b.pdf"_s);
+        const QMimeData* held = QGuiApplication::clipboard()->mimeData();
+        QCOMPARE(held->text(), u"/tmp/а b.pdf"_s);
+        QCOMPARE(held->urls(), QList{QUrl::fromLocalFile(u"/tmp/а b.pdf"_s)});
+        QVERIFY(held->data(u"x-special/gnome-copied-files"_s).startsWith("copy\nfile:///tmp/"));
     }
 
     void theSecondInstanceHandsOverItsLine()

@@ -3,7 +3,7 @@
 #include "meetings/ProtocolFinder.h"
 #include "registeredTests.h"
 #include "report/ReportLoader.h"
-#include "support/Program.h"
+#include "support/TestProgram.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -308,7 +308,7 @@ private slots:
 
     void steppingFromItemToItem()
     {
-        ReportListModel model{m->program.language};
+        ReportListModel model{nullptr};
         model.setRows(reportRows::of(parsed(R"({"blockers":["x"],"insights":[{},{}],"commitments":[{}]})")));
         QList<int> items;
         for (int row = model.neighbour(-1, 1); items.isEmpty() || row != items.last();
@@ -572,7 +572,7 @@ private slots:
 
 private:
     struct Fixture {
-        Program program;
+        TestProgram program;
         Meeting meeting{.id = u"2025-03-04 10-15-30"_s,
                         .title = u"План"_s,
                         .startedAt = QDateTime{{2025, 3, 4}, {10, 15}},
@@ -581,6 +581,7 @@ private:
         ReportLoader loader{{.account = program.account,
                              .http = program.http,
                              .language = program.language,
+                             .desktop = program.desktop,
                              .scheduler = program.scheduler,
                              .protocols = std::make_shared<ProtocolFinder>(program.paths.vaultDir),
                              .webOrigin = program.server.origin()}};

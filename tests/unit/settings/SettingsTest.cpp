@@ -1,8 +1,7 @@
 #include "base/Json.h"
-#include "platform/LoginItem.h"
 #include "registeredTests.h"
 #include "settings/SettingsModel.h"
-#include "support/Program.h"
+#include "support/TestProgram.h"
 
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -69,7 +68,7 @@ class SettingsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() { m = std::make_unique<Program>(); }
+    void init() { m = std::make_unique<TestProgram>(); }
     void cleanup() { m.reset(); }
 
     void catalogue()
@@ -232,16 +231,7 @@ about
 
     void launchAtLogin()
     {
-        QStringList lists;
-        SettingsModel settings{{.paths = m->paths,
-                                .prefs = m->prefs,
-                                .state = m->state,
-                                .account = m->account,
-                                .updater = m->updater,
-                                .language = m->language,
-                                .processes = m->processes,
-                                .loader = m->home.filePath(u"launchctl"_s),
-                                .setLoginItem = [&](bool on) { lists << (on ? u"on"_s : u"off"_s); }}};
+        SettingsModel& settings = m->settings;
         settings.setBool(u"launch_at_login"_s, false); // there is no such program, and nobody minds
         QVERIFY(!settings.boolean(u"launch_at_login"_s, 0));
 
@@ -252,29 +242,12 @@ about
         const auto called = [&] { return QString::fromUtf8(files::readWhole(calls, 1000).value_or("")); };
         const QString agent = m->home.path() + u"/Library/LaunchAgents/com.valdor.quillet.app.plist\n"_s;
         settings.setBool(u"launch_at_login"_s, true);
+        QCOMPARE(m->desktop.loginItem, true);
         QTRY_COMPARE(called(), u"load "_s + agent);
         settings.setBool(u"launch_at_login"_s, false);
         QTRY_COMPARE(called(), u"load "_s + agent + u"unload "_s + agent);
         settings.setBool(u"notifications"_s, false);
-        QCOMPARE(lists, (QStringList{u"off"_s, u"on"_s, u"off"_s}));
-    }
-
-    void theDesktopsOwnList()
-    {
-#ifdef Q_OS_MACOS
-        QSKIP("The login agent does it all there.");
-#endif
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(m->home.path() + u"/config"_s));
-        const QString entry = m->home.path() + u"/config/autostart/murmeli.desktop"_s;
-        const auto content = [&] { return QString::fromUtf8(files::readWhole(entry, 10'000).value_or("")); };
-        loginItem::set(true, m->home.path());
-        QVERIFY(content().contains(u"\nHidden=false\n"_s));
-        QVERIFY(content().contains(u"\nExec=\""_s + QCoreApplication::applicationFilePath() + u"\"\n"_s));
-        loginItem::set(false, m->home.path());
-        QVERIFY(content().contains(u"\nHidden=true\n"_s));
-        qunsetenv("XDG_CONFIG_HOME");
-        loginItem::set(false, m->home.path());
-        QVERIFY(QFile::exists(m->home.path() + u"/.config/autostart/murmeli.desktop"_s));
+        QCOMPARE(m->desktop.loginItem, false);
     }
 
     void instructions_data()
@@ -377,7 +350,9 @@ about
         if (place.isRelative())
             place = QUrl::fromLocalFile(place.path() == u"logs"_s ? m->paths.logs : m->paths.recordings);
         m->settings.run(action, nullptr);
-        QTRY_COMPARE(m->desktop.opened, QList{place});
+        const QStringList folders = place.isLocalFile() ? QStringList{place.toLocalFile()} : QStringList{};
+        QCOMPARE(m->desktop.folders, folders);
+        QCOMPARE(m->desktop.opened, place.isLocalFile() ? QList<QUrl>{} : QList{place});
     }
 
     void telegram()
@@ -416,7 +391,7 @@ about
     }
 
 private:
-    std::unique_ptr<Program> m;
+    std::unique_ptr<TestProgram> m;
 };
 
 MURMELI_TEST(SettingsTest)

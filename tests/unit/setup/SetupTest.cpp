@@ -3,6 +3,7 @@
 #include "service/Paths.h"
 #include "setup/SetupRunner.h"
 #include "support/ManualScheduler.h"
+#include "support/RecordingDesktop.h"
 #include "support/Server.h"
 
 #include <QDir>
@@ -256,7 +257,7 @@ private:
             runner = std::make_unique<SetupRunner>(
                 SetupRunner::Place{.webOrigin = server.origin(),
                                    .logFile = home.filePath(u"state/murmeli/setup.log"_s)},
-                processes, scheduler);
+                processes, desktop, scheduler);
         }
         void install(const QByteArray& script) { serve(Server::answer(200, script)); }
         void serve(const QByteArray& wire)
@@ -296,6 +297,7 @@ private:
         Server server;
         ManualScheduler scheduler;
         SystemProcesses processes;
+        RecordingDesktop desktop;
         std::unique_ptr<SetupRunner> runner;
     };
     std::unique_ptr<Fixture> m;

@@ -4,6 +4,7 @@
 #include "base/Processes.h"
 #include "registeredTests.h"
 #include "support/ManualScheduler.h"
+#include "support/RecordingDesktop.h"
 #include "support/Server.h"
 
 #include <QSignalSpy>
@@ -180,7 +181,7 @@ private:
                        .script = script,
                        .current = u"0.8.0"_s,
                        .installation = installation},
-                      http, processes, scheduler, [this] { return status; })
+                      http, processes, desktop, scheduler, [this] { return status; })
         {
             QFile file{script};
             QVERIFY(file.open(QIODevice::WriteOnly));
@@ -209,6 +210,7 @@ private:
         ManualScheduler scheduler;
         NetworkHttp http;
         SystemProcesses processes;
+        RecordingDesktop desktop;
         Server server;
         Updater updater;
     };

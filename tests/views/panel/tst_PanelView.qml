@@ -22,6 +22,7 @@ TestCase {
             panel: fixture.panel
             account: fixture.account
             updater: fixture.updater
+            actions: WindowActions { }
             open: true
         }
     }

@@ -1,15 +1,21 @@
-#include "FileDialog.h"
+#include "QtDesktop.h"
 
+#include <QClipboard>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QLineEdit>
+#include <QLocale>
 #include <QMessageBox>
+#include <QMimeData>
+#include <QPointer>
 #include <QWindow>
 
 using namespace Qt::StringLiterals;
 
-namespace murmeli::fileDialog {
+namespace murmeli {
 
 namespace {
 
@@ -17,7 +23,7 @@ namespace {
 /// kind. Desktops with a dialog of their own hand the name over as it is, and lack the ending only.
 class SaveDialog final : public QFileDialog {
 public:
-    SaveDialog(const Question& question, std::function<void(const QString& path)> chosen)
+    SaveDialog(const Desktop::FileQuestion& question, Desktop::Chosen chosen)
         : QFileDialog(nullptr, question.title, question.suggested, question.kind),
           m_ending(u'.' + question.suffix),
           m_chosen(std::move(chosen))
@@ -70,7 +76,7 @@ private:
     }
 
     QString m_ending;
-    std::function<void(const QString& path)> m_chosen;
+    Desktop::Chosen m_chosen;
 };
 
 void present(QFileDialog* dialog, QWindow* window)
@@ -82,19 +88,51 @@ void present(QFileDialog* dialog, QWindow* window)
     dialog->open();
 }
 
+/// Drops the answer when nobody is there for it any more.
+Desktop::Chosen whileAlive(QObject* context, Desktop::Chosen chosen)
+{
+    return [context = QPointer{context}, chosen = std::move(chosen)](const QString& path) {
+        if (context) chosen(path);
+    };
+}
+
 } // namespace
 
-void open(const Question& question, QWindow* window, std::function<void(const QString& path)> chosen)
+void QtDesktop::openUrl(const QUrl& url) { QDesktopServices::openUrl(url); }
+
+void QtDesktop::openFolder(const QString& path)
+{
+    QFileInfo folder{path};
+    while (!folder.isDir() && !folder.isRoot())
+        folder.setFile(folder.absolutePath());
+    openUrl(QUrl::fromLocalFile(folder.absoluteFilePath()));
+}
+
+void QtDesktop::copyFile(const QString& path)
+{
+    const QUrl url = QUrl::fromLocalFile(path);
+    auto* data = new QMimeData;
+    data->setUrls({url});
+    data->setText(path);
+    data->setData(u"x-special/gnome-copied-files"_s, "copy\n" + url.toEncoded());
+    QGuiApplication::clipboard()->setMimeData(data);
+}
+
+void QtDesktop::copyText(const QString& text) { QGuiApplication::clipboard()->setText(text); }
+
+void QtDesktop::askForFile(const FileQuestion& question, QWindow* window, QObject* context, Chosen chosen)
 {
     auto* dialog = new QFileDialog{nullptr, question.title, question.suggested, question.kind};
     dialog->setFileMode(QFileDialog::ExistingFile);
-    QObject::connect(dialog, &QFileDialog::fileSelected, dialog, std::move(chosen));
+    QObject::connect(dialog, &QFileDialog::fileSelected, dialog, whileAlive(context, std::move(chosen)));
     present(dialog, window);
 }
 
-void save(const Question& question, QWindow* window, std::function<void(const QString& path)> chosen)
+void QtDesktop::askWhereToSave(const FileQuestion& question, QWindow* window, QObject* context, Chosen chosen)
 {
-    present(new SaveDialog{question, std::move(chosen)}, window);
+    present(new SaveDialog{question, whileAlive(context, std::move(chosen))}, window);
 }
 
-} // namespace murmeli::fileDialog
+QStringList QtDesktop::preferredLanguages() const { return QLocale::system().uiLanguages(); }
+
+} // namespace murmeli

@@ -1,0 +1,137 @@
+#include "Program.h"
+
+#include "base/Scheduler.h"
+#include "platform/Desktop.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+Program::Program(const Paths& where, const Outside& outside, const Installation& installation,
+                 const AppInfo::Addresses& addresses, QObject* parent)
+    : QObject(parent),
+      paths(where),
+      prefs(paths.prefsFile),
+      language(prefs, [desktop = &outside.desktop] { return desktop->preferredLanguages(); }),
+      state(paths, outside.scheduler),
+      record(paths, state, outside.scheduler),
+      panel(state, record, prefs, language, outside.scheduler),
+      account({.accountSite = addresses.accountSite, .accountFile = paths.accountFile},
+              {.base = addresses.backend, .anonymousKey = addresses.backendKey}, outside.http,
+              outside.desktop, outside.secrets, outside.scheduler),
+      updater({.versionUrl = addresses.versionUrl(),
+               .script = paths.updateScript,
+               .current = AppInfo::version,
+               .installation = installation},
+              outside.http, outside.processes, outside.desktop, outside.scheduler,
+              [this] { return state.status(); }),
+      settings({.paths = paths,
+                .prefs = prefs,
+                .state = state,
+                .account = account,
+                .updater = updater,
+                .language = language,
+                .processes = outside.processes,
+                .desktop = outside.desktop}),
+      glossary(account, outside.http, prefs, language, outside.scheduler),
+      notifier(paths, prefs, language, outside.scheduler,
+               [this](const ToastText& toast) { emit toastWanted(toast); }),
+      m_outside(outside),
+      m_addresses(addresses)
+{
+    connectState();
+    connectPanel();
+}
+
+Program::~Program() = default;
+
+void Program::connectState()
+{
+    connect(&state, &AppState::authRequired, this, &Program::panelWanted);
+    connect(&state, &AppState::statusRead, this, [this](const QString& from, const QString& to) {
+        language.refresh(); // whoever changed the preference, it shows within one reading of the state
+        notifier.recordingChanged(from, to);
+    });
+    connect(&account, &AuthManager::didLogin, this, [this] {
+        emit panelWanted();
+        state.greet();
+    });
+    // The panel and the settings show some of the same preferences.
+    connect(&settings, &SettingsModel::stored, &panel, &PanelModel::readPreferences);
+    connect(&panel, &PanelModel::preferencesChanged, &settings, &SettingsModel::refresh);
+}
+
+void Program::connectPanel()
+{
+    connect(&panel, &PanelModel::meetingsRequested, this,
+            [this] { m_outside.desktop.openFolder(paths.vaultDir); });
+    connect(&panel, &PanelModel::botRequested, this,
+            [this] { m_outside.desktop.openUrl(QUrl{m_addresses.bot}); });
+    connect(&panel, &PanelModel::quitRequested, this, &Program::quitWanted);
+}
+
+void Program::start(bool forceSetup)
+{
+    m_outside.scheduler.after(0ms, this, [this, forceSetup] {
+        if (forceSetup || SetupRunner::needed(paths)) beginSetup();
+        updater.startAutoCheck();
+    });
+}
+
+void Program::told(const QString& line)
+{
+    if (account.handle(line)) return;
+    if (line == "activate"_L1) emit somethingWanted();
+}
+
+MainModel& Program::main()
+{
+    if (!m_main) {
+        m_main = std::make_unique<MainModel>(MainModel::Ground{.paths = paths,
+                                                               .account = account,
+                                                               .http = m_outside.http,
+                                                               .processes = m_outside.processes,
+                                                               .desktop = m_outside.desktop,
+                                                               .language = language,
+                                                               .scheduler = m_outside.scheduler,
+                                                               .settings = settings,
+                                                               .glossary = glossary,
+                                                               .webOrigin = m_addresses.web});
+        connect(m_main.get(), &MainModel::fileEnded, this,
+                [this](const QString& meeting, bool saved, const QString& line) {
+                    emit toastWanted({.title = meeting,
+                                      .message = line,
+                                      .symbol = saved ? u"checkmark"_s : u"exclamationmark.triangle"_s});
+                });
+    }
+    return *m_main;
+}
+
+void Program::beginSetup()
+{
+    m_setup = std::make_unique<Setup>(
+        paths,
+        SetupRunner::Place{.webOrigin = m_addresses.web,
+                           .logFile = m_outside.desktop.stateFolder() + u"/setup.log"_s},
+        m_outside.processes, m_outside.desktop, m_outside.scheduler, *this);
+    connect(m_setup.get(), &Setup::ended, this, [this](bool installed) {
+        if (installed) account.handOver();
+        emit setupEnded();
+    });
+    connect(m_setup.get(), &Setup::finished, this, &Program::finishSetup);
+    emit setupWanted();
+    if (!updater.runningFromDiskImage()) m_setup->start();
+}
+
+void Program::finishSetup()
+{
+    state.load();
+    updater.check();
+    emit setupFinished();
+    m_setup.release()->deleteLater(); // its view still reads it
+}
+
+} // namespace murmeli

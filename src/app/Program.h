@@ -1,0 +1,97 @@
+#pragma once
+
+#include "account/AuthManager.h"
+#include "glossary/GlossaryStore.h"
+#include "localisation/Language.h"
+#include "notices/Notifier.h"
+#include "panel/PanelModel.h"
+#include "platform/Installation.h"
+#include "service/AppInfo.h"
+#include "service/AppState.h"
+#include "service/Paths.h"
+#include "service/Prefs.h"
+#include "service/RecordControl.h"
+#include "settings/SettingsModel.h"
+#include "setup/Setup.h"
+#include "update/Updater.h"
+#include "windows/MainModel.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace murmeli {
+
+class Desktop;
+class Http;
+class Processes;
+class Scheduler;
+class SecretStore;
+
+/// All state objects and every connection between them, without a window: what the program is before anybody
+/// looks at it. Main thread only.
+class Program final : public QObject {
+    Q_OBJECT
+
+public:
+    /// What a test must control; all of it outlives the program.
+    struct Outside {
+        Scheduler& scheduler;
+        Http& http;
+        Processes& processes;
+        Desktop& desktop;
+        SecretStore& secrets;
+    };
+
+    Program(const Paths& paths, const Outside& outside, const Installation& installation,
+            const AppInfo::Addresses& addresses, QObject* parent = nullptr);
+    ~Program() override;
+    Q_DISABLE_COPY_MOVE(Program)
+
+    /// Begins what goes on by itself, and asks for the setup where the engine is missing or `forceSetup` asks
+    /// for it.
+    void start(bool forceSetup);
+
+    /// A later start of the program handed over a line: an address of ours, or a wish to be seen.
+    void told(const QString& line);
+
+    /// What the main window shows; made with the first look at it.
+    MainModel& main();
+
+    /// The setup under way, or null.
+    [[nodiscard]] Setup* setup() const { return m_setup.get(); }
+
+    const Paths paths;
+    Prefs prefs;
+    Language language;
+    AppState state;
+    RecordControl record;
+    PanelModel panel;
+    AuthManager account;
+    Updater updater;
+    SettingsModel settings;
+    GlossaryStore glossary;
+    Notifier notifier;
+
+signals:
+    void panelWanted();
+    void somethingWanted(); ///< a later start wishes to be seen
+    void toastWanted(const murmeli::ToastText& toast);
+    void setupWanted();   ///< setup() is there
+    void setupEnded();    ///< its installation
+    void setupFinished(); ///< the user is through with it, and it goes
+    void quitWanted();
+
+private:
+    void connectState();
+    void connectPanel();
+    void beginSetup();
+    void finishSetup();
+
+    Outside m_outside;
+    AppInfo::Addresses m_addresses;
+    std::unique_ptr<MainModel> m_main;
+    std::unique_ptr<Setup> m_setup;
+};
+
+} // namespace murmeli

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QObject>
+
+#include <memory>
+
+namespace murmeli {
+
+class AppState;
+class Language;
+class Look;
+class PanelModel;
+class RecordControl;
+class Scheduler;
+class StatusItem;
+
+/// How the status item looks, blinks and is called, and the words of its menu. Main thread only.
+class TrayFace final : public QObject {
+    Q_OBJECT
+
+public:
+    TrayFace(StatusItem& statusItem, const AppState& state, const RecordControl& record,
+             const PanelModel& panel, const Language& language, const Look& look, Scheduler& scheduler);
+    ~TrayFace() override;
+    Q_DISABLE_COPY_MOVE(TrayFace)
+
+    /// Shows the icon at once. A desktop that has no tray two seconds later is told of by trayMissing().
+    void show();
+
+signals:
+    void trayMissing();
+
+private:
+    void followStatus();
+    void updateIcon();
+    void updateTexts();
+
+    StatusItem& m_statusItem;
+    const AppState& m_state;
+    const RecordControl& m_record;
+    const PanelModel& m_panel;
+    const Language& m_language;
+    const Look& m_look;
+    Scheduler& m_scheduler;
+    std::unique_ptr<QObject> m_blinking; ///< while it lives, the icon blinks
+    bool m_bright = true;
+};
+
+} // namespace murmeli

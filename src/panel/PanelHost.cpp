@@ -1,0 +1,131 @@
+#include "PanelHost.h"
+
+#include "base/Scheduler.h"
+#include "platform/PanelPlacement.h"
+#include "platform/StatusItem.h"
+#include "platform/WindowSystem.h"
+#include "service/AppState.h"
+#include "ui/Look.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+
+using namespace std::chrono_literals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr auto samePress = 400ms; ///< in which a press can both close the panel and reach the icon
+
+} // namespace
+
+PanelHost::PanelHost(QQmlEngine& engine, Look& look, Scheduler& scheduler, StatusItem& statusItem,
+                     const KeyPanel::Parts& parts, QObject* parent)
+    : QObject(parent),
+      m_engine(engine),
+      m_look(look),
+      m_scheduler(scheduler),
+      m_statusItem(statusItem),
+      m_parts(parts)
+{
+}
+
+PanelHost::~PanelHost() = default;
+
+bool PanelHost::isOpen() const
+{
+    return (m_floating && m_floating->isOpen()) || (m_window && m_window->isOpen());
+}
+
+KeyPanel* PanelHost::floating()
+{
+    if (m_floating) return m_floating.get();
+    m_look.setCompositing(windowSystem::compositing());
+    m_floating = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Floating, m_parts);
+    KeyPanel* panel = m_floating.get();
+    connect(panel, &KeyPanel::contentSizeChanged, this, [this] {
+        if (m_floating && m_floating->isOpen()) place();
+    });
+    connect(panel, &KeyPanel::pressedOutside, this, &PanelHost::pressedOutside);
+    connect(panel, &QWindow::activeChanged, this, &PanelHost::activated);
+    // It is made anew in a blink; a program that sits in the tray all day keeps no memory for it.
+    connect(panel, &QWindow::visibleChanged, this, [this](bool visible) {
+        if (!visible && m_floating) m_floating.release()->deleteLater();
+    });
+    return panel;
+}
+
+void PanelHost::pressedOutside()
+{
+    if (!m_statusItem.geometry().contains(QCursor::pos())) {
+        m_closedFromOutside = m_scheduler.now();
+        close();
+        return;
+    }
+    // The icon's own action will toggle. Unless the pointer merely lies there, and something else has taken
+    // the activation.
+    KeyPanel* panel = m_floating.get();
+    m_scheduler.after(samePress, panel, [this, panel] {
+        if (panel == m_floating.get() && !panel->isActive()) close();
+    });
+}
+
+void PanelHost::toggle()
+{
+    m_pressedAt = QCursor::pos();
+    // Where the icon's place is unknown, the press that closed the panel may have been on the icon itself.
+    const bool justClosed =
+        m_scheduler.now() - m_closedFromOutside < std::chrono::duration<double>(samePress).count();
+    if (m_statusItem.geometry().isEmpty() && justClosed) return;
+    if (floating()->isOpen()) {
+        close();
+    } else {
+        open();
+    }
+}
+
+QRect PanelHost::anchor() const
+{
+    const QRect icon = m_statusItem.geometry();
+    if (!icon.isEmpty()) return icon;
+    if (!m_pressedAt.isNull()) return {m_pressedAt, QSize{1, 1}};
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return screen ? QRect{screen->availableGeometry().topRight(), QSize{1, 1}} : QRect{};
+}
+
+void PanelHost::open()
+{
+    if (!m_statusItem.hasTray()) {
+        openOrdinary();
+        return;
+    }
+    m_look.setCompositing(windowSystem::compositing());
+    place();
+}
+
+void PanelHost::place()
+{
+    const QRect icon = anchor();
+    const QScreen* screen = QGuiApplication::screenAt(icon.center());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    if (!screen) return;
+    KeyPanel* panel = floating();
+    const PanelPlacement place = placePanel(icon, screen->availableGeometry(), panel->contentSize());
+    m_parts.state.setArrowX(place.arrowX);
+    panel->openAt(place.panel, icon);
+}
+
+void PanelHost::close()
+{
+    if (m_floating) m_floating->closePanel();
+}
+
+void PanelHost::openOrdinary()
+{
+    if (!m_window) m_window = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_parts);
+    m_window->openOrdinary();
+}
+
+} // namespace murmeli

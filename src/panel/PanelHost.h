@@ -1,0 +1,57 @@
+#pragma once
+
+#include "KeyPanel.h"
+
+#include <QObject>
+#include <QPoint>
+
+#include <memory>
+
+namespace murmeli {
+
+class Look;
+class Scheduler;
+class StatusItem;
+
+/// Opens the panel under the status item, places, closes and toggles it; where the desktop has no tray it is
+/// an ordinary window. Main thread only.
+class PanelHost final : public QObject {
+    Q_OBJECT
+
+public:
+    PanelHost(QQmlEngine& engine, Look& look, Scheduler& scheduler, StatusItem& statusItem,
+              const KeyPanel::Parts& parts, QObject* parent = nullptr);
+    ~PanelHost() override;
+    Q_DISABLE_COPY_MOVE(PanelHost)
+
+    /// Makes the panel ahead of its first opening.
+    void prepare() { floating(); }
+
+    void toggle(); ///< a press on the status item
+    void open();
+    void close();
+    void openOrdinary();
+    [[nodiscard]] bool isOpen() const;
+
+signals:
+    void activated(); ///< the floating panel has the keyboard
+
+private:
+    KeyPanel* floating();
+    void place();
+    void pressedOutside();
+    [[nodiscard]] QRect anchor() const;
+
+    QQmlEngine& m_engine;
+    Look& m_look;
+    Scheduler& m_scheduler;
+    StatusItem& m_statusItem;
+    KeyPanel::Parts m_parts;
+    std::unique_ptr<KeyPanel> m_floating;
+    std::unique_ptr<KeyPanel> m_window;
+    double m_closedFromOutside = 0; ///< when, in seconds since 1970
+    QPoint m_pressedAt; ///< where the pointer last pressed the icon, on desktops that keep its place to
+                        ///< themselves
+};
+
+} // namespace murmeli

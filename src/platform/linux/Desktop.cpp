@@ -1,0 +1,142 @@
+#include "QtDesktop.h"
+#include "base/Files.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDir>
+#include <QFileInfo>
+#include <QMenu>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QSysInfo>
+#include <QWindow>
+
+#include <tuple>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+const QString fileManager = u"org.freedesktop.FileManager1"_s;
+constexpr qint64 sizeLimit = 64 * 1024; // bytes of /etc/machine-info
+
+struct Command {
+    QString program;
+    QStringList arguments;
+};
+
+/// The microphone's privacy or sound; GNOME keeps what a program may see under its name.
+QList<Command> commands(Desktop::SettingsPage page)
+{
+    if (page == Desktop::SettingsPage::Microphone) {
+        return {{u"gnome-control-center"_s, {u"microphone"_s}},
+                {u"systemsettings"_s, {u"kcm_pulseaudio"_s}},
+                {u"systemsettings5"_s, {u"kcm_pulseaudio"_s}}};
+    }
+    return {{u"gnome-control-center"_s, {u"applications"_s}}};
+}
+
+/// The folder that an environment variable of the desktop's names, else the usual one.
+QString baseFolder(const char* variable, const QString& usual)
+{
+    const QString named = qEnvironmentVariable(variable);
+    return named.startsWith(u'/') ? named : usual;
+}
+
+class LinuxDesktop final : public QtDesktop {
+public:
+    explicit LinuxDesktop(QString home) : m_home(std::move(home)) {}
+
+    void reveal(const QString& path, const QString& root) override;
+    void share(const QString& path, const ShareTexts& texts, QWindow* window, const QPoint& at) override;
+    bool openSettings(SettingsPage page) override;
+    void setLoginItem(bool on) override;
+    // The browser starts the handler of the scheme: us, as a second instance.
+    void signIn(const QUrl& page, const QString&, CameBack) override { openUrl(page); }
+    [[nodiscard]] bool signsInThroughBrowser() const override { return true; }
+    [[nodiscard]] QString computerName() const override;
+    [[nodiscard]] QString stateFolder() const override
+    {
+        return baseFolder("XDG_STATE_HOME", m_home + u"/.local/state"_s) + u"/murmeli"_s;
+    }
+
+private:
+    QString m_home;
+};
+
+void LinuxDesktop::reveal(const QString& path, const QString&)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(fileManager, u"/org/freedesktop/FileManager1"_s,
+                                                       fileManager, u"ShowItems"_s);
+    call << QStringList{QUrl::fromLocalFile(path).toString()} << QString{};
+    auto* watcher = new QDBusPendingCallWatcher{QDBusConnection::sessionBus().asyncCall(call), qApp};
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [this, path, watcher] {
+        watcher->deleteLater();
+        if (watcher->isError()) openFolder(QFileInfo{path}.absolutePath());
+    });
+}
+
+void LinuxDesktop::share(const QString& path, const ShareTexts& texts, QWindow* window, const QPoint& at)
+{
+    auto* menu = new QMenu;
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(texts.mail, [path] { QProcess::startDetached(u"xdg-email"_s, {u"--attach"_s, path}); });
+    menu->addAction(texts.open, [this, path] { openUrl(QUrl::fromLocalFile(path)); });
+    menu->addAction(texts.folder, [this, path] { reveal(path, {}); });
+    menu->addAction(texts.copy, [this, path] { copyFile(path); });
+    menu->winId(); // makes its window
+    if (menu->windowHandle()) menu->windowHandle()->setTransientParent(window);
+    menu->popup(window ? window->mapToGlobal(at) : at);
+}
+
+bool LinuxDesktop::openSettings(SettingsPage page)
+{
+    for (const Command& command : commands(page)) {
+        const QString program = QStandardPaths::findExecutable(command.program);
+        if (!program.isEmpty()) return QProcess::startDetached(program, command.arguments);
+    }
+    return false;
+}
+
+void LinuxDesktop::setLoginItem(bool on)
+{
+    const QString folder = baseFolder("XDG_CONFIG_HOME", m_home + u"/.config"_s) + u"/autostart"_s;
+    QDir{}.mkpath(folder);
+    // A package may have an entry for everybody; the user's own of the same name counts instead.
+    QString program = QCoreApplication::applicationFilePath();
+    program.replace(u'\\', u"\\\\\\\\"_s)
+        .replace(u'"', u"\\\\\""_s)
+        .replace(u'`', u"\\\\`"_s)
+        .replace(u'$', u"\\\\$"_s);
+    program.replace(u'%', u"%%"_s);
+    const QString entry =
+        u"[Desktop Entry]\nType=Application\nName=Murmeli\nIcon=murmeli\nExec=\"%1\"\nHidden=%2\n"_s.arg(
+            program, on ? u"false"_s : u"true"_s);
+    std::ignore = files::writeAtomic(folder + u"/murmeli.desktop"_s, entry.toUtf8(), files::Durable::No);
+}
+
+QString LinuxDesktop::computerName() const
+{
+    // The owner's own words for it stand where hostnamed keeps them.
+    const QByteArray info = files::readWhole(u"/etc/machine-info"_s, sizeLimit).value_or(QByteArray{});
+    for (const QByteArray& line : info.split('\n')) {
+        constexpr auto key = "PRETTY_HOSTNAME=";
+        if (!line.startsWith(key)) continue;
+        QByteArray name = line.mid(qsizetype(qstrlen(key))).trimmed();
+        if (name.size() > 1 && name.startsWith('"') && name.endsWith('"'))
+            name = name.sliced(1, name.size() - 2);
+        if (!name.isEmpty()) return QString::fromUtf8(name);
+    }
+    return QSysInfo::machineHostName();
+}
+
+} // namespace
+
+std::unique_ptr<Desktop> makeDesktop(const QString& home) { return std::make_unique<LinuxDesktop>(home); }
+
+} // namespace murmeli

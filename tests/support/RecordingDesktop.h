@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/Desktop.h"
+
+#include <optional>
+
+namespace murmeli {
+
+/// A desktop that does nothing and remembers what it was asked for.
+class RecordingDesktop : public Desktop {
+public:
+    QList<QUrl> opened;
+    QStringList folders;
+    QStringList revealed;
+    QStringList copiedFiles;
+    QString copiedText;
+    QList<FileQuestion> questions;
+    QString answer; ///< to the next question; empty: the user cancels
+    QStringList shared;
+    QList<SettingsPage> pages;
+    bool hasPages = true;
+    bool throughBrowser = true;
+    std::optional<bool> loginItem;
+    QString name; ///< of the computer
+    QStringList languages;
+    QString states; ///< folder
+
+    void openUrl(const QUrl& url) override { opened.append(url); }
+    void openFolder(const QString& path) override { folders.append(path); }
+    void reveal(const QString& path, const QString&) override { revealed.append(path); }
+    void copyFile(const QString& path) override { copiedFiles.append(path); }
+    void copyText(const QString& text) override { copiedText = text; }
+    void askForFile(const FileQuestion& question, QWindow*, QObject*, Chosen chosen) override
+    {
+        questions.append(question);
+        if (!answer.isEmpty()) chosen(answer);
+    }
+    void askWhereToSave(const FileQuestion& question, QWindow* window, QObject* context,
+                        Chosen chosen) override
+    {
+        askForFile(question, window, context, std::move(chosen));
+    }
+    void share(const QString& path, const ShareTexts&, QWindow*, const QPoint&) override
+    {
+        shared.append(path);
+    }
+    bool openSettings(SettingsPage page) override
+    {
+        if (hasPages) pages.append(page);
+        return hasPages;
+    }
+    void setLoginItem(bool on) override { loginItem = on; }
+    void signIn(const QUrl& page, const QString&, CameBack) override { opened.append(page); }
+    [[nodiscard]] bool signsInThroughBrowser() const override { return throughBrowser; }
+    [[nodiscard]] QString computerName() const override { return name; }
+    [[nodiscard]] QStringList preferredLanguages() const override { return languages; }
+    [[nodiscard]] QString stateFolder() const override { return states; }
+};
+
+} // namespace murmeli

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "app/Program.h"
+#include "base/Files.h"
+#include "base/Http.h"
+#include "base/Processes.h"
+#include "support/ManualScheduler.h"
+#include "support/MemorySecrets.h"
+#include "support/RecordingDesktop.h"
+#include "support/Server.h"
+#include "ui/Look.h"
+
+#include <QDir>
+#include <QQmlEngine>
+#include <QTemporaryDir>
+
+namespace murmeli {
+
+/// The program in a home of its own. The clock stands still until a test moves it; nothing here touches the
+/// desktop, its secret store or the network beyond the loopback.
+struct TestProgram {
+    explicit TestProgram(
+        const Installation& installation = {.bundlePath = QStringLiteral("/opt/murmeli/bin/murmeli")})
+        : program(paths, {scheduler, http, processes, desktop, secrets}, installation,
+                  {.web = server.origin(),
+                   .accountSite = QStringLiteral("http://127.0.0.1:1/account"),
+                   .backend = server.origin(),
+                   .backendKey = {},
+                   .bot = QStringLiteral("http://127.0.0.1:1/bot")})
+    {
+        scheduler.advance(std::chrono::milliseconds{0});
+    }
+
+    void write(const QString& path, const QByteArray& content) const
+    {
+        QDir{}.mkpath(QFileInfo{path}.path());
+        if (!files::writeAtomic(path, content)) qFatal("The temporary home cannot be written");
+    }
+
+    /// What the update server says from now on; the next check reads it.
+    void publish(const QByteArray& record)
+    {
+        server.reply = [record](QTcpSocket* socket, const Server::Request&) {
+            socket->write(Server::answer(200, record));
+        };
+    }
+
+    void signIn(const QString& token = QStringLiteral("a"))
+    {
+        account.login();
+        account.handle(QStringLiteral("murmeli://auth#email=anna%40example.org&access_token=") + token);
+    }
+
+    void install(QQmlEngine& engine)
+    {
+        engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+        language.install(engine);
+        look.install(engine);
+    }
+
+    /// For a main window of the test's own.
+    MainModel::Ground mainGround()
+    {
+        return {paths,    account,   http,     processes, desktop,
+                language, scheduler, settings, glossary,  server.origin()};
+    }
+
+    Server server;
+    QTemporaryDir home;
+    Paths paths = pathsIn(home.path());
+    bool made = QDir{}.mkpath(paths.logs);
+    ManualScheduler scheduler;
+    Look look{nullptr};
+    NetworkHttp http;
+    SystemProcesses processes;
+    RecordingDesktop desktop;
+    MemorySecrets secrets;
+    Program program;
+    Prefs& prefs = program.prefs;
+    Language& language = program.language;
+    AppState& state = program.state;
+    RecordControl& record = program.record;
+    PanelModel& panel = program.panel;
+    AuthManager& account = program.account;
+    Updater& updater = program.updater;
+    SettingsModel& settings = program.settings;
+    GlossaryStore& glossary = program.glossary;
+
+private:
+    static Paths pathsIn(const QString& home)
+    {
+        Paths paths{home};
+        paths.agentLoader = home + QStringLiteral("/launchctl");
+        return paths;
+    }
+};
+
+} // namespace murmeli

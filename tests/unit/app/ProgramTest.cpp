@@ -1,0 +1,201 @@
+#include "app/Program.h"
+
+#include "app/TrayFace.h"
+#include "platform/StatusItem.h"
+#include "registeredTests.h"
+#include "support/TestProgram.h"
+#include "support/Token.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace murmeli;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// An icon that nobody sees.
+class HiddenItem final : public StatusItem {
+public:
+    Look look;
+    QString name;
+    MenuTexts menu;
+    int looks = 0;
+    bool tray = true;
+
+    void setLook(const Look& now) override
+    {
+        look = now;
+        ++looks;
+    }
+    void setName(const QString& now) override { name = now; }
+    void setMenu(const MenuTexts& texts) override { menu = texts; }
+    void show() override {}
+    [[nodiscard]] QRect geometry() const override { return {}; }
+    [[nodiscard]] bool hasTray() const override { return tray; }
+};
+
+} // namespace
+
+/// What is tied to what.
+class ProgramTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { m = std::make_unique<TestProgram>(); }
+    void cleanup() { m.reset(); }
+
+    void theIconAndItsMenuFollow()
+    {
+        HiddenItem item;
+        TrayFace face{item, m->state, m->record, m->panel, m->language, m->look, m->scheduler};
+        QSignalSpy missing{&face, &TrayFace::trayMissing};
+        face.show();
+        QVERIFY(item.look.isTemplate);
+        QCOMPARE(item.name, u"Murmeli: Готов к записи"_s);
+        QCOMPARE(item.menu.record, u"Начать запись"_s);
+
+        m->record.toggle();
+        QCOMPARE(item.menu.state, u"Запускаем запись…"_s);
+        serviceSays("recording");
+        QVERIFY(!item.look.isTemplate);
+        QCOMPARE(item.menu.state, u"Идёт запись"_s);
+        QCOMPARE(item.menu.record, u"Остановить запись"_s);
+        const QImage bright = item.look.icon.pixmap(22).toImage();
+        m->scheduler.advance(700ms);
+        QVERIFY(item.look.icon.pixmap(22).toImage() != bright);
+        m->scheduler.advance(700ms);
+        QCOMPARE(item.look.icon.pixmap(22).toImage(), bright);
+
+        m->prefs.set(u"locale"_s, u"en"_s);
+        m->scheduler.advance(1500ms);
+        QCOMPARE(item.menu.quit, u"Quit Murmeli"_s);
+        serviceSays("processing");
+        QCOMPARE(item.look.symbolName, u"murmeli-processing-symbolic"_s);
+        const int looks = item.looks;
+        m->scheduler.advance(10s);
+        QCOMPARE(item.looks, looks); // at rest nothing blinks
+        m->look.setDark(false);
+        QVERIFY(item.looks > looks);
+        QVERIFY(missing.isEmpty());
+    }
+
+    void aDesktopWithoutATrayIsTold()
+    {
+        HiddenItem item;
+        TrayFace face{item, m->state, m->record, m->panel, m->language, m->look, m->scheduler};
+        QSignalSpy missing{&face, &TrayFace::trayMissing};
+        item.tray = false;
+        face.show();
+        m->scheduler.advance(1999ms);
+        QVERIFY(missing.isEmpty());
+        m->scheduler.advance(1ms);
+        QCOMPARE(missing.size(), 1);
+    }
+
+    void whatTheServiceDoesIsSeen()
+    {
+        QSignalSpy panel{&m->program, &Program::panelWanted};
+        QSignalSpy toast{&m->program, &Program::toastWanted};
+        m->write(m->paths.authFlagFile, "");
+        m->scheduler.advance(1500ms);
+        QCOMPARE(panel.size(), 1);
+        QVERIFY(toast.isEmpty());
+        serviceSays("recording");
+        QCOMPARE(toast.size(), 1);
+        QCOMPARE(panel.size(), 1);
+    }
+
+    void panelAndSettingsAgree()
+    {
+        m->settings.setString(u"protocol_format"_s, u"short"_s);
+        QCOMPARE(m->panel.format(), u"short"_s);
+        QSignalSpy shown{&m->settings, &SettingsModel::changed};
+        m->panel.setAutoRecord(false);
+        QVERIFY(!shown.isEmpty());
+        QVERIFY(!m->settings.boolean(u"auto_record"_s, 0));
+    }
+
+    void aSignInIsGreeted()
+    {
+        QSignalSpy panel{&m->program, &Program::panelWanted};
+        QSignalSpy seen{&m->program, &Program::somethingWanted};
+        m->program.told(u"murmeli://auth#access_token=a"_s); // that nobody has begun
+        m->program.told(u"https://example.org/"_s);
+        QVERIFY(panel.isEmpty() && seen.isEmpty());
+        m->account.login();
+        m->program.told(u"murmeli://auth#access_token=a"_s);
+        QCOMPARE(panel.size(), 1);
+        QVERIFY(m->state.welcome());
+        m->program.told(u"activate"_s);
+        QCOMPARE(seen.size(), 1);
+    }
+
+    void buttonsReachTheDesktop()
+    {
+        emit m->panel.meetingsRequested();
+        QCOMPARE(m->desktop.folders, QStringList{m->paths.vaultDir});
+        emit m->panel.botRequested();
+        QCOMPARE(m->desktop.opened.last(), QUrl{u"http://127.0.0.1:1/bot"_s});
+        QSignalSpy quit{&m->program, &Program::quitWanted};
+        emit m->panel.quitRequested();
+        QCOMPARE(quit.size(), 1);
+    }
+
+    void theSetupComesWhereTheEngineIsMissing()
+    {
+        m->desktop.states = m->home.filePath(u"state"_s);
+        m->server.reply = [](QTcpSocket* socket, const Server::Request& request) {
+            socket->write(Server::answer(200, request.path == "/app/install.sh" ? "true\n" : "[]"));
+        };
+        m->signIn(token(R"({"sub":"anna"})"));
+        QTRY_COMPARE(lookups(), 1);
+        QSignalSpy wanted{&m->program, &Program::setupWanted};
+        QSignalSpy ended{&m->program, &Program::setupEnded};
+        m->program.start(false);
+        m->scheduler.advance(0ms);
+        QCOMPARE(wanted.size(), 1);
+        QVERIFY(ended.wait());
+        QTRY_COMPARE(lookups(), 2); // the account is handed over to what has just been installed
+
+        QSignalSpy read{&m->state, &AppState::statusRead};
+        QSignalSpy finished{&m->program, &Program::setupFinished};
+        const auto checks = m->server.requestsTo("/app/version.json").size();
+        m->program.setup()->finish();
+        m->scheduler.advance(0ms);
+        QCOMPARE(finished.size(), 1);
+        QCOMPARE(read.size(), 1);
+        QTRY_COMPARE(m->server.requestsTo("/app/version.json").size(), checks + 1);
+        QVERIFY(!m->program.setup());
+    }
+
+    void whereTheEngineIsThereItChecksForUpdatesOnly()
+    {
+        m->write(m->paths.python, "");
+        QDir{}.mkpath(m->paths.modelsMarker);
+        m->program.start(false);
+        m->scheduler.advance(30s);
+        QVERIFY(!m->program.setup());
+        QTRY_COMPARE(m->server.requestsTo("/app/version.json").size(), 1);
+        m->scheduler.advance(1h);
+        QTRY_COMPARE(m->server.requestsTo("/app/version.json").size(), 2);
+        m->program.start(true);
+        m->scheduler.advance(0ms);
+        QVERIFY(m->program.setup());
+        QVERIFY(m->program.setup()->runner()->isFinished()); // asked for, it has nothing to do
+    }
+
+private:
+    void serviceSays(const QByteArray& status)
+    {
+        m->write(m->paths.stateFile, "{\"status\":\"" + status + "\"}");
+        m->scheduler.advance(1500ms);
+    }
+    [[nodiscard]] qsizetype lookups() const { return m->server.requestsTo("/rest/v1/telegram_links").size(); }
+
+    std::unique_ptr<TestProgram> m;
+};
+
+MURMELI_TEST(ProgramTest)
+#include "ProgramTest.moc"
