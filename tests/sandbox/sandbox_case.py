@@ -1,55 +1,32 @@
-"""What the sandbox's tests share: a temporary home, child processes, waiting for a condition."""
+"""What the sandbox's tests share: a temporary home, the engine and the web side in it, and how to talk to them."""
 
 from __future__ import annotations
 
+import http.client
 import json
 import os
 import re
-import signal
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 from pathlib import Path
 
-SANDBOX = Path(__file__).resolve().parents[2] / "sandbox"
-sys.path.insert(0, str(SANDBOX))
+TESTS = Path(__file__).resolve().parents[1]
+SANDBOX = TESTS.parent / "sandbox"
+sys.path += [str(SANDBOX), str(TESTS / "journeys")]
 
-VAULT = Path("Documents/Vexlor/Vexlor/Meetings")
-STAMPED = re.compile(r"\[(\d\d):(\d\d):(\d\d)\]")
+import accounts
+from waiting import wait_for
 
-
-def wait_for(condition, what: str, seconds: float = 8.0):
-    """The first true value of `condition`; fails when there is none in time."""
-    deadline = time.monotonic() + seconds
-    while True:
-        value = condition()
-        if value:
-            return value
-        if time.monotonic() > deadline:
-            raise AssertionError(f"waited {seconds} s in vain: {what}")
-        time.sleep(0.005)
-
-
-def transcript(protocol: Path) -> dict[str, str]:
-    """Stamp to words, read as the interface reads a protocol."""
-    text = protocol.read_text(encoding="utf-8")
-    start = text.find("Транскрипт")
-    lines = {}
-    for line in text[start:].split("\n") if start >= 0 else []:
-        line = line.strip("> ")
-        if line.startswith("[") and "]" in line:
-            stamp, _, words = line.partition("]")
-            lines[stamp + "]"] = words.strip()
-    return lines
+ANNA, PAVEL = accounts.USERS
 
 
 class SandboxCase(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name)
+        self.folder = Path(folder.name).resolve()
         self.home = self.folder / "home"
         self.root = self.home / "MeetingNotes"
         self.logs = self.root / "logs"
@@ -57,68 +34,92 @@ class SandboxCase(unittest.TestCase):
         self.real_home = self.folder / "real home"
         self.real_home.mkdir()
 
-    def environment(self) -> dict[str, str]:
-        return os.environ | {"HOME": str(self.real_home), "PYTHONDONTWRITEBYTECODE": "1"}
+    def environment(self, **more: str) -> dict[str, str]:
+        return os.environ | {"HOME": str(self.real_home), "PYTHONDONTWRITEBYTECODE": "1"} | more
 
-    def run_script(self, script: str, *arguments: str) -> subprocess.CompletedProcess:
-        return subprocess.run([sys.executable, str(SANDBOX / script), *arguments], env=self.environment(),
-                              capture_output=True, text=True, timeout=15)
+    def run_script(self, script: str | Path, *arguments, **environment: str) -> subprocess.CompletedProcess:
+        return subprocess.run([sys.executable, SANDBOX / script, *map(str, arguments)], timeout=30,
+                              env=self.environment(**environment), capture_output=True, text=True)
 
 
-class Engine:
-    """A running engine."""
+class Child:
+    """A program of the sandbox that runs until it is ended."""
 
-    def __init__(self, case: SandboxCase, *arguments: str):
-        self.case = case
-        self.output = case.folder / f"output-{time.monotonic_ns()}"
-        with open(self.output, "w") as output:
-            self.child = subprocess.Popen(
-                [sys.executable, str(SANDBOX / "engine.py"), "--home", str(case.home),
-                 "--poll-seconds", "0.02", *arguments],
-                env=case.environment(), stdout=output, stderr=subprocess.STDOUT)
+    def __init__(self, case: SandboxCase, script: str, *arguments: str):
+        handle, name = tempfile.mkstemp(dir=case.folder)
+        self.output = Path(name)
+        with open(handle, "w") as output:
+            self.child = subprocess.Popen([sys.executable, SANDBOX / script, "--home", case.home, *arguments],
+                                          env=case.environment(), stdout=output, stderr=subprocess.STDOUT)
         case.addCleanup(self.end)
-        self.wait_said("ready")
+        ready = re.compile(r"^sandbox: ready (?:in|at) (.+)\n", re.MULTILINE)
+        self.ready = wait_for(lambda: ready.search(self.output.read_text()), f"{script} to be ready")[1]
 
-    def end(self, number: int = signal.SIGTERM) -> int:
-        if self.child.poll() is None:
-            self.child.send_signal(number)
+    def end(self) -> int:
+        self.child.terminate()
         try:
             return self.child.wait(8)
-        except subprocess.TimeoutExpired:
+        finally:
             self.child.kill()
             self.child.wait()
-            raise
 
-    def said(self, text: str) -> int:
-        """How many lines begin with these words."""
-        return sum(line.startswith(f"sandbox: {text}") for line in self.output.read_text().splitlines())
 
-    def wait_said(self, text: str, times: int = 1):
-        wait_for(lambda: self.said(text) >= times, f"output line {text!r} × {times}")
+class Engine(Child):
+    def __init__(self, case: SandboxCase, *arguments: str):
+        self.state_file, self.command_file = case.root / "state.json", case.root / "command.json"
+        super().__init__(case, "engine.py", "--poll-seconds", "0.02", *arguments)
 
     def state(self) -> dict:
-        return json.loads((self.case.root / "state.json").read_text())
-
-    def wait_state(self, **members) -> dict:
-        def reached():
-            state = self.state()
-            return state if members.items() <= state.items() else None
-        return wait_for(reached, f"state {members}")
+        return json.loads(self.state_file.read_text())
 
     def command(self, action: str, ts: float) -> None:
-        temporary = self.case.root / "command.tmp"
+        temporary = self.command_file.with_suffix(".tmp")
         temporary.write_text(f'{{"action":"{action}","ts":{ts!r}}}')
-        os.replace(temporary, self.case.root / "command.json")
-
-    def summary_files(self) -> list[Path]:
-        return sorted(self.case.logs.glob("*.protocol.json"))
-
-    def wait_summary_files(self, count: int) -> list[Path]:
-        wait_for(lambda: len(self.summary_files()) >= count, f"{count} summary files")
-        return self.summary_files()
+        os.replace(temporary, self.command_file)
 
     def let_it_turn(self) -> None:
         """Returns when the service has gone through its loop twice: it restores a lost state file."""
         for _ in range(2):
-            (self.case.root / "state.json").unlink()
-            wait_for((self.case.root / "state.json").exists, "the state file to come back")
+            self.state_file.unlink()
+            wait_for(self.state_file.exists, "the state file to come back")
+
+
+class Reply:
+    def __init__(self, response: http.client.HTTPResponse):
+        self.status, self.headers, self.body = response.status, response.headers, response.read()
+
+    def json(self):
+        return json.loads(self.body)
+
+
+class Web(Child):
+    def __init__(self, case: SandboxCase, *arguments: str):
+        super().__init__(case, "web.py", "--port", "0", *arguments)
+        self.port = int(self.ready.rpartition(":")[2])
+
+    def begin(self, method: str, path: str, body=None, headers=None, timeout=8.0) -> http.client.HTTPConnection:
+        """A request whose answer is not read yet. A body that is no text goes as JSON."""
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=timeout)
+        text = body if body is None or isinstance(body, str) else json.dumps(body)
+        connection.request(method, path, text and text.encode(), headers or {})
+        return connection
+
+    def ask(self, *request, **how) -> Reply:
+        connection = self.begin(*request, **how)
+        try:
+            return Reply(connection.getresponse())
+        finally:
+            connection.close()
+
+    def control(self, name: str, **body):
+        """What the control answers; fails unless it obeys."""
+        reply = self.ask("POST", f"/sandbox/{name}", body)
+        assert reply.status == 200, reply.body
+        return reply.json()
+
+    def shown(self, name: str):
+        return self.ask("GET", f"/sandbox/{name}").json()
+
+    def as_user(self, user: accounts.User, **how) -> dict:
+        token = self.control("tokens", email=user.email, **how)["access_token"]
+        return {"apikey": accounts.ANONYMOUS_KEY, "Authorization": f"Bearer {token}"}
