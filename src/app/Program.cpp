@@ -36,7 +36,7 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
                 .language = language,
                 .processes = outside.processes,
                 .desktop = outside.desktop}),
-      glossary(account, outside.http, prefs, language, outside.scheduler),
+      glossary(account, outside.http, prefs, outside.scheduler),
       notifier(paths, prefs, language, outside.scheduler,
                [this](const ToastText& toast) { emit toastWanted(toast); }),
       m_outside(outside),
@@ -101,9 +101,9 @@ MainModel& Program::main()
                                                                .glossary = glossary,
                                                                .webOrigin = m_addresses.web});
         connect(m_main.get(), &MainModel::fileEnded, this,
-                [this](const QString& meeting, bool saved, const QString& line) {
+                [this](const QString& meeting, bool saved, const Message& line) {
                     emit toastWanted({.title = meeting,
-                                      .message = line,
+                                      .message = language.say(line),
                                       .symbol = saved ? u"checkmark"_s : u"exclamationmark.triangle"_s});
                 });
     }

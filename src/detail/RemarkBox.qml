@@ -13,7 +13,6 @@ Item {
     readonly property ProtocolEditor editor: detail.editor
     readonly property bool working: editor.outcome === ProtocolEditor.Working
     readonly property bool failed: editor.outcome === ProtocolEditor.Failed
-    readonly property bool fixed: editor.outcome === ProtocolEditor.Fixed
     property bool teaching: false
     property string learned
 
@@ -192,9 +191,7 @@ Item {
                 maximumLineCount: 2
                 elide: Text.ElideRight
                 color: root.failed ? Theme.inkRed : glyph.visible ? Theme.text2 : Theme.text3
-                text: root.working ? L.t("editor.working") : root.failed ? root.editor.text
-                    : root.editor.outcome === ProtocolEditor.NotFound ? L.t("editor.not_found")
-                    : root.fixed ? L.t("editor.done", root.editor.text)
+                text: root.editor.outcome !== ProtocolEditor.Idle ? L.say(root.editor.message)
                     : root.learned.length > 0 ? L.t("detail.learned", root.learned) : L.t("editor.hint")
                 Accessible.role: root.failed ? Accessible.AlertMessage : Accessible.StatusBar
             }

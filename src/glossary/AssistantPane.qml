@@ -174,8 +174,8 @@ Item {
                 anchors.verticalCenter: parent.verticalCenter
                 visible: status.text.length > 0 && !root.store.loading
                 size: Theme.symbolText
-                name: root.store.syncError.length > 0 ? "exclamationmark.triangle" : "checkmark.circle.fill"
-                ink: root.store.syncError.length > 0 ? Theme.inkRed : Theme.inkGreen
+                name: !root.store.syncError.empty ? "exclamationmark.triangle" : "checkmark.circle.fill"
+                ink: !root.store.syncError.empty ? Theme.inkRed : Theme.inkGreen
             }
             Label {
                 id: status
@@ -184,8 +184,8 @@ Item {
                 wrapMode: Text.Wrap
                 elide: Text.ElideRight
                 type: Theme.sub
-                color: root.store.syncError.length > 0 ? Theme.inkRed : Theme.text2
-                text: root.store.loading ? L.t("assistant.loading") : root.store.syncError.length > 0 ? root.store.syncError
+                color: !root.store.syncError.empty ? Theme.inkRed : Theme.text2
+                text: root.store.loading ? L.t("assistant.loading") : !root.store.syncError.empty ? L.say(root.store.syncError)
                     : root.savedOnce && !root.model.dirty ? L.t("assistant.saved") : ""
                 Accessible.role: Accessible.StatusBar
 

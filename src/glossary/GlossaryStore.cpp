@@ -5,7 +5,6 @@
 #include "base/Http.h"
 #include "base/Json.h"
 #include "base/Scheduler.h"
-#include "localisation/Language.h"
 #include "service/Prefs.h"
 
 #include <QJsonArray>
@@ -46,13 +45,12 @@ std::optional<QString> ownerOfCopy(const Prefs& prefs)
 
 } // namespace
 
-GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, const Language& language,
-                             Scheduler& scheduler, QObject* parent)
+GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, Scheduler& scheduler,
+                             QObject* parent)
     : QObject(parent),
       m_account(account),
       m_http(http),
       m_prefs(prefs),
-      m_language(language),
       m_scheduler(scheduler),
       m_entries(glossaryText::parseAll(prefs.string(copyKey, {}))),
       m_base(prefs.string(baseKey, prefs.string(copyKey, {}))),
@@ -93,7 +91,7 @@ void GlossaryStore::followPerson()
     m_base = own[u"base"_s].toString();
     m_unsent = !own.isEmpty();
     m_savedAt = {};
-    m_syncError.clear();
+    m_syncError = {};
     setEntries(text);
     // In one write, so that no interruption gives one person's words to another.
     m_prefs.set({{othersKey, others},
@@ -120,11 +118,6 @@ void GlossaryStore::keepCopy(const QString& text, bool sent)
     m_prefs.set(members);
 }
 
-QString GlossaryStore::problem(const HttpAnswer& answer, const char* key) const
-{
-    return answer.errorText.isEmpty() ? m_language.t(QString::fromLatin1(key)) : answer.errorText;
-}
-
 void GlossaryStore::reload()
 {
     const QString token = m_account.freshToken();
@@ -144,13 +137,14 @@ void GlossaryStore::loaded(const HttpAnswer& answer)
 {
     const auto text = textIn(answer.body);
     if (!text) {
-        m_syncError = problem(answer, m_waiting.empty() ? "assistant.error.load" : "assistant.error.save");
+        m_syncError = Message::foreignOr(answer.errorText,
+                                         m_waiting.empty() ? "assistant.error.load" : "assistant.error.save");
         finish(false);
         return;
     }
     m_loaded = true;
     if (!m_unsent) {
-        m_syncError.clear();
+        m_syncError = {};
         setEntries(*text);
         keepCopy(*text, true);
         finish(true);
@@ -171,7 +165,7 @@ void GlossaryStore::save(const QList<GlossaryEntry>& entries, Then then)
     setEntries(text);
     keepCopy(text, false);
     if (m_account.freshToken().isEmpty()) {
-        m_syncError = m_language.t(u"assistant.error.auth"_s);
+        m_syncError = Message::of("assistant.error.auth");
         emit changed();
         if (then) then(false);
         return;
@@ -193,11 +187,11 @@ void GlossaryStore::send()
     m_http.send(request, this, [this, text, save = ++m_save](const HttpAnswer& answer) {
         if (save != m_save) return; // a later one carries this one's words too
         if (answer.ok()) {
-            m_syncError.clear();
+            m_syncError = {};
             m_savedAt = m_scheduler.moment();
             keepCopy(text, true);
         } else {
-            m_syncError = problem(answer, "assistant.error.save");
+            m_syncError = Message::foreignOr(answer.errorText, "assistant.error.save");
         }
         finish(answer.ok());
         emit changed();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "GlossaryText.h"
+#include "localisation/Message.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -15,7 +16,6 @@ namespace murmeli {
 class AuthManager;
 class Http;
 struct HttpAnswer;
-class Language;
 class Prefs;
 class Scheduler;
 
@@ -27,19 +27,19 @@ class GlossaryStore final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("made once and handed to each view")
     Q_PROPERTY(bool loading READ loading NOTIFY changed FINAL)
-    Q_PROPERTY(QString syncError READ syncError NOTIFY changed FINAL) ///< empty when all is well
-    Q_PROPERTY(QDateTime savedAt READ savedAt NOTIFY changed FINAL)   ///< invalid until a save succeeds
+    Q_PROPERTY(murmeli::Message syncError READ syncError NOTIFY changed FINAL) ///< empty when all is well
+    Q_PROPERTY(QDateTime savedAt READ savedAt NOTIFY changed FINAL) ///< invalid until a save succeeds
 
 public:
     using Then = std::function<void(bool saved)>;
 
     /// Begins with the copy in the preferences, and asks the backend whenever somebody has signed in.
-    GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, const Language& language,
-                  Scheduler& scheduler, QObject* parent = nullptr);
+    GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, Scheduler& scheduler,
+                  QObject* parent = nullptr);
 
     [[nodiscard]] const QList<GlossaryEntry>& entries() const { return m_entries; }
     [[nodiscard]] bool loading() const { return m_loading; }
-    [[nodiscard]] QString syncError() const { return m_syncError; }
+    [[nodiscard]] Message syncError() const { return m_syncError; }
     [[nodiscard]] QDateTime savedAt() const { return m_savedAt; }
 
     /// Fetches the glossary; nothing when signed out.
@@ -62,12 +62,10 @@ private:
     void loaded(const HttpAnswer& answer);
     void send();
     void finish(bool saved);
-    [[nodiscard]] QString problem(const HttpAnswer& answer, const char* key) const;
 
     AuthManager& m_account;
     Http& m_http;
     Prefs& m_prefs;
-    const Language& m_language;
     Scheduler& m_scheduler;
     QList<GlossaryEntry> m_entries;
     QString m_base; ///< the text that we and the backend had in common last
@@ -76,7 +74,7 @@ private:
     std::vector<Then> m_waiting;     ///< for the running save
     bool m_loading = false;
     bool m_loaded = false; ///< what the backend has is known
-    QString m_syncError;
+    Message m_syncError;
     QDateTime m_savedAt;
     quint64 m_load = 0; ///< the latest; an older one's answer is dropped
     quint64 m_save = 0; ///< the same

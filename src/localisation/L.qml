@@ -10,6 +10,10 @@ QtObject {
         return argument === undefined ? Language.text(language, key)
                                       : Language.text(language, key, String(argument));
     }
+    // A text made in C++.
+    function say(message: var): string {
+        return Language.say(language, message);
+    }
     function percent(percent: int): string {
         return Language.percent(language, percent);
     }

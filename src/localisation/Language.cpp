@@ -83,6 +83,11 @@ QString Language::text(const QString& language, const QString& key, const QStrin
     return text(language, key).replace("%@"_L1, argument);
 }
 
+QString Language::say(const QString& language, const Message& message)
+{
+    return message.key.isEmpty() ? message.own : text(language, message.key, message.argument);
+}
+
 QString Language::percent(const QString& language, int percent)
 {
     return numbers::percent(percent, language);

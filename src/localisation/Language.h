@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Message.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QtQml/qqmlregistration.h>
@@ -38,16 +40,19 @@ public:
     /// Looks whether the language has changed, and tells views.
     void refresh();
 
-    /// The text of `key` in the language of the moment; Russian when that lacks it; else the key itself.
-    [[nodiscard]] QString t(const QString& key) const { return text(locale(), key); }
+    /// The text of `key` in the language that views show; Russian when that lacks it; else the key itself.
+    [[nodiscard]] QString t(const QString& key) const { return text(m_current, key); }
     [[nodiscard]] QString t(const QString& key, const QString& argument) const
     {
-        return text(locale(), key, argument);
+        return text(m_current, key, argument);
     }
+    [[nodiscard]] QString say(const Message& message) const { return say(m_current, message); }
 
     Q_INVOKABLE static QString text(const QString& language, const QString& key);
     /// Every "%@" is replaced by `argument`, which is taken literally.
     Q_INVOKABLE static QString text(const QString& language, const QString& key, const QString& argument);
+
+    Q_INVOKABLE static QString say(const QString& language, const murmeli::Message& message);
 
     /// As it is written, "42 %", and read out, "42 процента".
     Q_INVOKABLE static QString percent(const QString& language, int percent);

@@ -41,8 +41,7 @@ Item {
         type: Theme.sub
         color: root.failed ? Theme.inkRed : Theme.text2
         elide: Text.ElideMiddle
-        text: root.working ? L.t("file.working") : root.failed ? root.files.text
-            : root.files.text.length > 0 ? L.t("file.saved", root.files.text) : ""
+        text: L.say(root.files.message)
         Accessible.ignored: true
     }
 }

@@ -9,7 +9,6 @@
 #include "base/Processes.h"
 #include "base/Scheduler.h"
 #include "base/Text.h"
-#include "localisation/Language.h"
 #include "meetings/Meeting.h"
 #include "meetings/SummaryFile.h"
 
@@ -32,15 +31,15 @@ using Outcome = ProtocolEditor::Outcome;
 /// What has come of a remark.
 struct Result {
     Outcome outcome = Outcome::NotFound;
-    const char* errorKey = nullptr; ///< of a failure without a description of its own
-    QString text;
+    Message failure = {};
+    QString text = {};
     QString section = {};
     qsizetype index = 0;
 };
 
 Result failure(const char* errorKey, const QString& text = {})
 {
-    return {.outcome = Outcome::Failed, .errorKey = errorKey, .text = text};
+    return {.outcome = Outcome::Failed, .failure = Message::foreignOr(text, errorKey)};
 }
 
 /// One remark on its way. Needs no editor, so that it goes on when its view has been left.
@@ -158,17 +157,32 @@ void ask(const Exchange& exchange, const Question& question)
 } // namespace
 
 ProtocolEditor::ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
-                               const Language& language, const Scheduler& scheduler, QObject& background,
-                               QObject* parent)
+                               const Scheduler& scheduler, QObject& background, QObject* parent)
     : QObject(parent),
       m_place(std::move(place)),
       m_account(account),
       m_http(http),
       m_processes(processes),
-      m_language(language),
       m_scheduler(scheduler),
       m_background(background)
 {
+}
+
+Message ProtocolEditor::message() const
+{
+    switch (m_outcome) {
+    case Outcome::Working:
+        return Message::of("editor.working");
+    case Outcome::Fixed:
+        return Message::of("editor.done", m_text);
+    case Outcome::NotFound:
+        return Message::of("editor.not_found");
+    case Outcome::Failed:
+        return m_failure;
+    case Outcome::Idle:
+        break;
+    }
+    return {};
 }
 
 void ProtocolEditor::reset()
@@ -185,9 +199,8 @@ void ProtocolEditor::apply(const QString& remark, const Meeting& meeting, const 
         if (result.outcome == Outcome::Fixed && carriedOut) carriedOut();
         if (!self) return;
         self->m_outcome = result.outcome;
-        self->m_text = result.text.isEmpty() && result.errorKey
-                           ? self->m_language.t(QString::fromLatin1(result.errorKey))
-                           : result.text;
+        self->m_failure = result.failure;
+        self->m_text = result.text;
         self->m_section = result.section;
         self->m_index = result.index;
         emit self->changed();

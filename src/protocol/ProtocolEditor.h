@@ -1,5 +1,7 @@
 #pragma once
 
+#include "localisation/Message.h"
+
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
@@ -9,7 +11,6 @@ namespace murmeli {
 
 class AuthManager;
 class Http;
-class Language;
 struct Meeting;
 struct Paths;
 class Processes;
@@ -22,7 +23,8 @@ class ProtocolEditor final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("made for a meeting and handed to its view")
     Q_PROPERTY(Outcome outcome READ outcome NOTIFY changed FINAL)
-    Q_PROPERTY(QString text READ text NOTIFY changed FINAL) ///< the new text of a fixed item, or what failed
+    Q_PROPERTY(
+        murmeli::Message message READ message NOTIFY changed FINAL) ///< what there is to say of the outcome
 
 public:
     enum class Outcome { Idle, Working, Fixed, NotFound, Failed };
@@ -39,11 +41,10 @@ public:
     /// \param background for as long as it lives, a remark that was sent is carried out, also when the editor
     /// has gone with its meeting's view.
     ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
-                   const Language& language, const Scheduler& scheduler, QObject& background,
-                   QObject* parent = nullptr);
+                   const Scheduler& scheduler, QObject& background, QObject* parent = nullptr);
 
     [[nodiscard]] Outcome outcome() const { return m_outcome; }
-    [[nodiscard]] QString text() const { return m_text; }
+    [[nodiscard]] Message message() const;
     [[nodiscard]] QString section() const { return m_section; } ///< of the fixed item
     [[nodiscard]] qsizetype index() const { return m_index; }
 
@@ -60,11 +61,11 @@ private:
     const AuthManager& m_account;
     Http& m_http;
     Processes& m_processes;
-    const Language& m_language;
     const Scheduler& m_scheduler;
     QObject& m_background;
     Outcome m_outcome = Outcome::Idle;
-    QString m_text;
+    Message m_failure;
+    QString m_text; ///< the new one of the fixed item
     QString m_section;
     qsizetype m_index = 0;
 };

@@ -3,7 +3,6 @@
 #include "base/Files.h"
 #include "base/Processes.h"
 #include "base/Text.h"
-#include "localisation/Language.h"
 #include "meetings/Meeting.h"
 #include "platform/Desktop.h"
 #include "service/Paths.h"
@@ -26,13 +25,12 @@ constexpr qsizetype longestName = 180; // bytes, so that a name with its ending 
 
 } // namespace
 
-ProtocolFileMaker::ProtocolFileMaker(const Paths& paths, Processes& processes, const Language& language,
-                                     Desktop& desktop, QObject* parent)
+ProtocolFileMaker::ProtocolFileMaker(const Paths& paths, Processes& processes, Desktop& desktop,
+                                     QObject* parent)
     : QObject(parent),
       m_python(paths.python),
       m_script(paths.pdfScript),
       m_processes(processes),
-      m_language(language),
       m_desktop(desktop)
 {
 }
@@ -53,14 +51,29 @@ QString ProtocolFileMaker::suggestedName(const Meeting& meeting)
     return meeting.startedAt.toString(u"yyyy-MM-dd"_s) + u' ' + title + u".pdf"_s;
 }
 
-void ProtocolFileMaker::end(Outcome outcome, const QString& text)
+void ProtocolFileMaker::end(Outcome outcome, const QString& saved)
 {
     m_outcome = outcome;
-    m_text = text;
+    m_saved = saved;
     emit changed();
 }
 
-void ProtocolFileMaker::reset() { end(Outcome::Idle, {}); }
+Message ProtocolFileMaker::message() const
+{
+    switch (m_outcome) {
+    case Outcome::Working:
+        return Message::of("file.working");
+    case Outcome::Saved:
+        return Message::of("file.saved", m_saved);
+    case Outcome::Failed:
+        return Message::of("file.error");
+    case Outcome::Idle:
+        break;
+    }
+    return {};
+}
+
+void ProtocolFileMaker::reset() { end(Outcome::Idle); }
 
 void ProtocolFileMaker::build(const Meeting& meeting, const QString& destination,
                               std::function<void(bool built)> done)
@@ -91,16 +104,16 @@ void ProtocolFileMaker::build(const Meeting& meeting, const QString& destination
 void ProtocolFileMaker::save(const Meeting& meeting, const QString& destination)
 {
     if (m_outcome == Outcome::Working) return;
-    end(Outcome::Working, {});
+    end(Outcome::Working);
     build(meeting, destination, [this, destination](bool built) {
         const QString name = QFileInfo{destination}.fileName();
         if (built) {
             m_desktop.copyFile(destination);
             end(Outcome::Saved, name);
         } else {
-            end(Outcome::Failed, m_language.t(u"file.error"_s));
+            end(Outcome::Failed);
         }
-        emit saveEnded(built, built ? m_language.t(u"file.saved"_s, name) : m_text);
+        emit saveEnded();
     });
 }
 
@@ -113,14 +126,14 @@ void ProtocolFileMaker::share(const Meeting& meeting)
     }
     if (!m_shareFolder) m_shareFolder = std::make_unique<QTemporaryDir>();
     m_shareFolder->setAutoRemove(false); // who got the file may still be reading it when we are gone
-    end(Outcome::Working, {});
+    end(Outcome::Working);
     const QString destination = m_shareFolder->filePath(suggestedName(meeting));
     build(meeting, destination, [this, destination](bool built) {
         if (built) {
-            end(Outcome::Idle, {});
+            end(Outcome::Idle);
             emit shared(destination);
         } else {
-            end(Outcome::Failed, m_language.t(u"file.error"_s));
+            end(Outcome::Failed);
         }
     });
 }

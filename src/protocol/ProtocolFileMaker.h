@@ -1,5 +1,7 @@
 #pragma once
 
+#include "localisation/Message.h"
+
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
@@ -12,7 +14,6 @@ class QTemporaryDir;
 namespace murmeli {
 
 class Desktop;
-class Language;
 struct Meeting;
 struct Paths;
 class Processes;
@@ -24,19 +25,19 @@ class ProtocolFileMaker final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("made for a meeting and handed to its view")
     Q_PROPERTY(Outcome outcome READ outcome NOTIFY changed FINAL)
-    Q_PROPERTY(QString text READ text NOTIFY changed FINAL) ///< the saved file's name, or what failed
+    Q_PROPERTY(
+        murmeli::Message message READ message NOTIFY changed FINAL) ///< what there is to say of the outcome
 
 public:
     enum class Outcome { Idle, Working, Saved, Failed };
     Q_ENUM(Outcome)
 
-    ProtocolFileMaker(const Paths& paths, Processes& processes, const Language& language, Desktop& desktop,
-                      QObject* parent = nullptr);
+    ProtocolFileMaker(const Paths& paths, Processes& processes, Desktop& desktop, QObject* parent = nullptr);
     ~ProtocolFileMaker() override;
     Q_DISABLE_COPY_MOVE(ProtocolFileMaker)
 
     [[nodiscard]] Outcome outcome() const { return m_outcome; }
-    [[nodiscard]] QString text() const { return m_text; }
+    [[nodiscard]] Message message() const;
 
     /// Day and title, as a file may be called.
     static QString suggestedName(const Meeting& meeting);
@@ -51,21 +52,19 @@ public:
 
 signals:
     void changed();
-    void saveEnded(bool saved,
-                   const QString& line); ///< what there is to tell: where the file is, or what failed
+    void saveEnded(); ///< as the outcome says
     void shared(const QString& path);
 
 private:
     void build(const Meeting& meeting, const QString& destination, std::function<void(bool built)> done);
-    void end(Outcome outcome, const QString& text);
+    void end(Outcome outcome, const QString& saved = {});
 
     QString m_python;
     QString m_script;
     Processes& m_processes;
-    const Language& m_language;
     Desktop& m_desktop;
     Outcome m_outcome = Outcome::Idle;
-    QString m_text;
+    QString m_saved;      ///< the file's name
     QString m_unfinished; ///< what the script is writing, beside its destination
     QString m_lastSource;
     QString m_lastBuilt;

@@ -122,7 +122,7 @@ void ReportLoader::load(const Meeting& meeting)
     });
 }
 
-void ReportLoader::fail(const QString& error)
+void ReportLoader::fail(const Message& error)
 {
     m_busy = false;
     m_loading = false;
@@ -135,7 +135,7 @@ void ReportLoader::build(const Meeting& meeting)
     if (m_busy) return;
     const QString token = m_ground.account.freshToken();
     if (token.isEmpty()) {
-        fail(m_ground.language.t(u"report.error.auth"_s));
+        fail(Message::of("report.error.auth"));
         return;
     }
     m_busy = true;
@@ -145,7 +145,7 @@ void ReportLoader::build(const Meeting& meeting)
     };
     inBackground(this, read, [this, meeting, token](const QString& transcript) {
         if (transcript.isEmpty()) {
-            fail(m_ground.language.t(u"report.error.no_transcript"_s));
+            fail(Message::of("report.error.no_transcript"));
         } else {
             ask(meeting, transcript, token);
         }
@@ -155,12 +155,12 @@ void ReportLoader::build(const Meeting& meeting)
 void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const QString& token)
 {
     m_loading = true;
-    m_error.clear();
+    m_error = {};
     emit changed();
     const QDate today = m_ground.scheduler.moment().date();
     const QJsonObject body{
         {u"transcript"_s, transcript},
-        {u"meeting_date"_s, captions::dateLine(meeting, today, m_ground.language.locale())},
+        {u"meeting_date"_s, captions::dateLine(meeting, today, m_ground.language.current())},
         {u"duration_min"_s, meeting.durationMin.value_or(0)},
     };
     m_ground.http.send({.method = "POST",
@@ -173,9 +173,7 @@ void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const 
                            const auto take = [answer, meeting] { return taken(answer, meeting); };
                            inBackground(this, take, [this, answer](const std::optional<Analysis>& analysis) {
                                if (!analysis) {
-                                   fail(answer.errorText.isEmpty()
-                                            ? m_ground.language.t(u"report.error.server"_s)
-                                            : answer.errorText);
+                                   fail(Message::foreignOr(answer.errorText, "report.error.server"));
                                    return;
                                }
                                ++m_load;

@@ -3,6 +3,7 @@
 #include "MeetingReport.h"
 #include "ReportListModel.h"
 #include "Transcript.h"
+#include "localisation/Message.h"
 #include "meetings/Meeting.h"
 
 #include <QObject>
@@ -25,11 +26,11 @@ class ReportLoader final : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made for a meeting and handed to its view")
-    Q_PROPERTY(bool loading READ loading NOTIFY changed FINAL) ///< an analysis is on its way
-    Q_PROPERTY(QString error READ error NOTIFY changed FINAL)  ///< empty when there is none
-    Q_PROPERTY(bool present READ present NOTIFY changed FINAL) ///< there is a report
-    Q_PROPERTY(bool empty READ empty NOTIFY changed FINAL)     ///< nothing can be shown
-    Q_PROPERTY(bool asked READ asked NOTIFY changed FINAL)     ///< the first load has ended
+    Q_PROPERTY(bool loading READ loading NOTIFY changed FINAL)         ///< an analysis is on its way
+    Q_PROPERTY(murmeli::Message error READ error NOTIFY changed FINAL) ///< empty when there is none
+    Q_PROPERTY(bool present READ present NOTIFY changed FINAL)         ///< there is a report
+    Q_PROPERTY(bool empty READ empty NOTIFY changed FINAL)             ///< nothing can be shown
+    Q_PROPERTY(bool asked READ asked NOTIFY changed FINAL)             ///< the first load has ended
     Q_PROPERTY(murmeli::ReportListModel* rows READ rows CONSTANT FINAL)
 
 public:
@@ -52,7 +53,7 @@ public:
 
     [[nodiscard]] const std::optional<MeetingReport>& report() const { return m_report; }
     [[nodiscard]] bool loading() const { return m_loading; }
-    [[nodiscard]] QString error() const { return m_error; }
+    [[nodiscard]] Message error() const { return m_error; }
     [[nodiscard]] bool present() const { return m_report.has_value(); }
     [[nodiscard]] bool empty() const
     {
@@ -84,14 +85,14 @@ signals:
 
 private:
     void show(const std::optional<Analysis>& analysis);
-    void fail(const QString& error);
+    void fail(const Message& error);
     void ask(const Meeting& meeting, const QString& transcript, const QString& token);
 
     Ground m_ground;
     std::optional<MeetingReport> m_report;
     Transcript m_lines;
     ReportListModel m_rows{nullptr};
-    QString m_error;
+    Message m_error;
     bool m_loading = false;
     bool m_asked = false;
     bool m_busy = false; ///< from the press to the answer

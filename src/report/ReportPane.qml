@@ -96,19 +96,19 @@ Item {
                 height: line.height
                 Symbol {
                     y: 1
-                    visible: root.loader.error.length > 0
+                    visible: !root.loader.error.empty
                     size: Theme.symbolSmall
                     name: "exclamationmark.triangle"
                     ink: Theme.inkRed
                 }
                 Label {
                     id: line
-                    x: root.loader.error.length > 0 ? 19 : 0
+                    x: !root.loader.error.empty ? 19 : 0
                     width: parent.width - x
                     type: Theme.sub
-                    color: root.loader.error.length > 0 ? Theme.inkRed : Theme.text3
-                    text: root.loader.error.length > 0 ? root.loader.error : root.meetingLine
-                    Accessible.role: root.loader.error.length > 0 ? Accessible.AlertMessage : Accessible.StaticText
+                    color: !root.loader.error.empty ? Theme.inkRed : Theme.text3
+                    text: root.loader.error.empty ? root.meetingLine : L.say(root.loader.error)
+                    Accessible.role: !root.loader.error.empty ? Accessible.AlertMessage : Accessible.StaticText
                 }
             }
         }

@@ -44,13 +44,13 @@ std::shared_ptr<ProtocolFileMaker> MainModel::filesOf(const Meeting& meeting)
 {
     std::shared_ptr<ProtocolFileMaker>& files = m_files[meeting.id];
     if (!files) {
-        files = std::make_shared<ProtocolFileMaker>(m_ground.paths, m_ground.processes, m_ground.language,
-                                                    m_ground.desktop);
+        files = std::make_shared<ProtocolFileMaker>(m_ground.paths, m_ground.processes, m_ground.desktop);
         connect(files.get(), &ProtocolFileMaker::saveEnded, this,
-                [this, id = meeting.id, title = meeting.title](bool saved, const QString& line) {
+                [this, id = meeting.id, title = meeting.title, made = files.get()] {
                     const bool seen =
                         m_onScreen && m_tab == Tab::Meetings && m_detail && m_detail->id() == id;
-                    if (!seen) emit fileEnded(text::oneLine(title), saved, line);
+                    const bool saved = made->outcome() == ProtocolFileMaker::Outcome::Saved;
+                    if (!seen) emit fileEnded(text::oneLine(title), saved, made->message());
                 });
     }
     return files;

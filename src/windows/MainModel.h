@@ -64,7 +64,7 @@ public:
 
 signals:
     /// A protocol's file was saved, or could not be, and its meeting is not in sight.
-    void fileEnded(const QString& meeting, bool saved, const QString& line);
+    void fileEnded(const QString& meeting, bool saved, const murmeli::Message& line);
     void tabChanged();
     void detailChanged();
 

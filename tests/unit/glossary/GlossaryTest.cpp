@@ -164,7 +164,7 @@ private slots:
         const auto note = [&](bool s) { saved = s; };
         store->save(glossaryText::parseAll(u" x →y "_s), note);
         QCOMPARE(saved, false);
-        QCOMPARE(store->syncError(), m->language.t(u"assistant.error.auth"_s));
+        QCOMPARE(store->syncError(), Message::of("assistant.error.auth"));
         QCOMPARE(m->prefs.string(u"glossary"_s, {}), u"x → y"_s);
 
         // What could not be sent is sent instead of being overwritten.
@@ -184,7 +184,7 @@ private slots:
         saved.reset();
         store->save(glossaryText::parseAll(u"z"_s), note);
         QTRY_COMPARE(saved, false);
-        QCOMPARE(store->syncError(), m->language.t(u"assistant.error.save"_s));
+        QCOMPARE(store->syncError(), Message::of("assistant.error.save"));
         QCOMPARE(m->prefs.string(u"glossary"_s, {}), u"z"_s);
     }
 
@@ -407,7 +407,7 @@ private:
         }
         [[nodiscard]] std::unique_ptr<GlossaryStore> makeStore()
         {
-            return std::make_unique<GlossaryStore>(account, http, prefs, language, scheduler);
+            return std::make_unique<GlossaryStore>(account, http, prefs, scheduler);
         }
     };
     std::unique_ptr<Fixture> m;

@@ -50,16 +50,20 @@ private slots:
         QTEST(language.locale(), "locale");
     }
 
-    void followsAChangeAtOnceAndTellsViewsOfIt()
+    void everythingFollowsAChangeTogether()
     {
         Language language{*m_prefs, [] { return QStringList{u"ru"_s}; }};
         QSignalSpy changed{&language, &Language::changed};
         QCOMPARE(language.t(u"record.start"_s), u"Записать встречу"_s);
+        const Message message = Message::of("update.plate", u"2.3.1"_s);
         m_prefs->set(u"locale"_s, u"en"_s);
+        QCOMPARE(language.t(u"record.start"_s), u"Записать встречу"_s);
+        QCOMPARE(language.say(message), u"Версия 2.3.1"_s);
+        language.refresh();
+        language.refresh();
         QCOMPARE(language.t(u"record.start"_s), u"Record a meeting"_s);
-        QCOMPARE(language.current(), u"ru"_s);
-        language.refresh();
-        language.refresh();
+        QCOMPARE(language.say(message), u"Version 2.3.1"_s);
+        QCOMPARE(language.say(Message::foreignOr(u"Слова %@"_s, "update.plate")), u"Слова %@"_s);
         QCOMPARE(language.current(), u"en"_s);
         QCOMPARE(changed.size(), 1);
     }

@@ -149,8 +149,8 @@ private slots:
         QTEST(m->editor.outcome(), "outcome");
         QCOMPARE(fixed, m->editor.outcome() == ProtocolEditor::Outcome::Fixed);
         QCOMPARE(m->file() != summary, fixed);
-        if (fixed) QCOMPARE(m->editor.text(), u"новое"_s);
-        if (m->editor.outcome() == ProtocolEditor::Outcome::Failed) QVERIFY(!m->editor.text().isEmpty());
+        if (fixed) QCOMPARE(m->editor.message(), Message::of("editor.done", u"новое"_s));
+        if (m->editor.outcome() == ProtocolEditor::Outcome::Failed) QVERIFY(!m->editor.message().isEmpty());
     }
 
     void theRequest()
@@ -174,14 +174,14 @@ private slots:
     void whatCannotBeAsked()
     {
         QVERIFY(!m->apply(u"x"_s));
-        QCOMPARE(m->editor.text(), m->program.language.t(u"editor.error.auth"_s));
+        QCOMPARE(m->editor.message(), Message::of("editor.error.auth"));
         m->program.signIn();
         m->program.write(m->path, R"({"title":"x","risks":[]})");
         QVERIFY(!m->apply(u"x"_s));
         QCOMPARE(m->editor.outcome(), ProtocolEditor::Outcome::NotFound);
         m->program.write(m->path, "{");
         QVERIFY(!m->apply(u"x"_s));
-        QCOMPARE(m->editor.text(), m->program.language.t(u"editor.error.read"_s));
+        QCOMPARE(m->editor.message(), Message::of("editor.error.read"));
         QVERIFY(m->edits().isEmpty());
     }
 
@@ -252,7 +252,8 @@ private slots:
         QCOMPARE(m->program.desktop.copiedFiles, saved ? QStringList{destination} : QStringList{});
         QCOMPARE(files::readWhole(destination, 1000) == "the file that was there", !saved);
         QCOMPARE(QDir{m->program.home.path()}.entryList({u"*.pdf"_s}, QDir::Files | QDir::Hidden).size(), 1);
-        QCOMPARE(m->files.text(), saved ? u"к \"файлу\".pdf"_s : m->program.language.t(u"file.error"_s));
+        QCOMPARE(m->files.message(),
+                 saved ? Message::of("file.saved", u"к \"файлу\".pdf"_s) : Message::of("file.error"));
     }
 
     void aBuildThatEndsWithUsLeavesTheOldFile()
@@ -261,8 +262,8 @@ private slots:
                          "echo half > \"$2\"; echo > '" + m->scratch("begun") + "'; sleep 60");
         const QString destination = m->program.home.filePath(u"есть.pdf"_s);
         m->program.write(destination, "old");
-        auto files = std::make_unique<ProtocolFileMaker>(m->program.paths, m->program.processes,
-                                                         m->program.language, m->program.desktop);
+        auto files =
+            std::make_unique<ProtocolFileMaker>(m->program.paths, m->program.processes, m->program.desktop);
         files->save(m->meeting(), destination);
         QTRY_VERIFY(!m->read("begun").isEmpty());
         files.reset();
@@ -297,10 +298,9 @@ private:
             ProtocolEditor::Place{.webOrigin = program.server.origin(),
                                   .python = program.paths.python,
                                   .rebuildScript = program.paths.rebuildScript},
-            program.account, program.http, program.processes, program.language, program.scheduler,
-            background);
+            program.account, program.http, program.processes, program.scheduler, background);
         ProtocolEditor& editor = *ownEditor;
-        ProtocolFileMaker files{program.paths, program.processes, program.language, program.desktop};
+        ProtocolFileMaker files{program.paths, program.processes, program.desktop};
 
         Fixture() { program.write(path, summary); }
         [[nodiscard]] Meeting meeting() const

@@ -377,7 +377,7 @@ private slots:
         m->reply(Server::answer(200, "{}"));
         m->build();
         QCOMPARE(m->asked().size(), asked ? 1 : 0);
-        QCOMPARE(m->loader.error(),
+        QCOMPARE(m->program.language.say(m->loader.error()),
                  asked ? QString{} : m->program.language.t(u"report.error.no_transcript"_s));
     }
 
@@ -431,7 +431,7 @@ private slots:
         m->reply(wire);
         m->build();
         const QString server = m->program.language.t(u"report.error.server"_s);
-        const QString error = m->loader.error();
+        const QString error = m->program.language.say(m->loader.error());
         QCOMPARE(error.isEmpty() ? Told::Nothing : error == server ? Told::Server : Told::Platform, told);
         QCOMPARE(m->stored() == old, told != Told::Nothing);
         if (told == Told::Nothing) {
@@ -484,7 +484,7 @@ private slots:
     void whoIsNotSignedInIsTold()
     {
         m->build();
-        QCOMPARE(m->loader.error(), m->program.language.t(u"report.error.auth"_s));
+        QCOMPARE(m->loader.error(), Message::of("report.error.auth"));
         m->program.signIn();
         m->reply(Server::answer(200, "{}"));
         m->build();

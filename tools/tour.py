@@ -8,6 +8,8 @@ import subprocess
 import sys
 from pathlib import Path
 
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tests" / "journeys"))
+
 import tray
 from session import PYTHON, REPOSITORY, Session
 from waiting import wait_for
