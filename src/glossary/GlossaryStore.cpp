@@ -18,13 +18,10 @@ namespace murmeli {
 
 namespace {
 
-const QString copyKey = u"glossary"_s;
-// There while the copy holds what the backend has not got yet: what both had last.
-const QString baseKey = u"glossary_base"_s;
-// Whose words the copy holds: the account's identifier.
-const QString personKey = u"glossary_person"_s;
-// What could not be sent before somebody else signed in, by the account: "text" and its "base".
-const QString othersKey = u"glossary_unsent"_s;
+const QString copyKey = QString::fromLatin1(pref::glossary.name);
+const QString baseKey = QString::fromLatin1(pref::glossaryBase.name);
+const QString personKey = QString::fromLatin1(pref::glossaryPerson.name);
+const QString othersKey = QString::fromLatin1(pref::glossaryUnsent);
 
 /// The glossary in an answer; nothing when the answer is no list of profiles.
 std::optional<QString> textIn(const QByteArray& answer)

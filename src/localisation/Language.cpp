@@ -58,7 +58,7 @@ Language::Language(const Prefs& prefs, std::function<QStringList()> preferred, Q
 
 QString Language::locale() const
 {
-    const QString chosen = m_prefs.string(u"locale"_s, {});
+    const QString chosen = m_prefs.get(pref::locale);
     if (supported.contains(chosen)) return chosen;
     const QString system = m_preferred().value(0).left(2).toLower();
     return supported.contains(system) ? system : fallback;

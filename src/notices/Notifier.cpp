@@ -30,7 +30,7 @@ void Notifier::recordingChanged(const QString& from, const QString& to)
     const bool ended = from == "recording"_L1;
     if (from == to || (!started && !ended)) return;
 
-    if (!m_prefs.boolean(u"notifications"_s, true)) {
+    if (!m_prefs.get(pref::notifications)) {
         log(u"пропущено: уведомления выключены"_s);
         return;
     }

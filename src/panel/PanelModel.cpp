@@ -19,9 +19,6 @@ namespace {
 constexpr auto clockInterval = 1s;
 constexpr double longestTime = 1e9; // seconds; a start before that is a damaged figure, shown as the longest
 
-const QString formatKey = u"protocol_format"_s;
-const QString autoRecordKey = u"auto_record"_s;
-
 } // namespace
 
 PanelModel::PanelModel(const AppState& state, const RecordControl& record, Prefs& prefs,
@@ -162,20 +159,20 @@ QString PanelModel::spokenTime() const
 
 void PanelModel::setFormat(const QString& format)
 {
-    m_prefs.set(formatKey, format);
+    m_prefs.set(pref::protocolFormat, format);
     if (std::exchange(m_format, format) != format) emit preferencesChanged();
 }
 
 void PanelModel::setAutoRecord(bool on)
 {
-    m_prefs.set(autoRecordKey, on);
+    m_prefs.set(pref::autoRecord, on);
     if (std::exchange(m_autoRecord, on) != on) emit preferencesChanged();
 }
 
 void PanelModel::readPreferences()
 {
-    const QString format = m_prefs.string(formatKey, u"full"_s);
-    const bool autoRecord = m_prefs.boolean(autoRecordKey, true);
+    const QString format = m_prefs.get(pref::protocolFormat);
+    const bool autoRecord = m_prefs.get(pref::autoRecord);
     if (format == m_format && autoRecord == m_autoRecord) return;
     m_format = format;
     m_autoRecord = autoRecord;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PrefKeys.h"
 #include "base/Files.h"
 
 #include <QJsonObject>
@@ -19,6 +20,21 @@ public:
     /// The value under `key` when it has the type asked for, else `fallback`.
     [[nodiscard]] QString string(const QString& key, const QString& fallback) const;
     [[nodiscard]] bool boolean(const QString& key, bool fallback) const;
+
+    [[nodiscard]] bool get(const PrefKey<bool>& key) const
+    {
+        return boolean(QString::fromLatin1(key.name), key.fallback);
+    }
+    [[nodiscard]] QString get(const PrefKey<const char*>& key) const
+    {
+        return string(QString::fromLatin1(key.name), QString::fromLatin1(key.fallback));
+    }
+
+    void set(const PrefKey<bool>& key, bool value) { set(QString::fromLatin1(key.name), value); }
+    void set(const PrefKey<const char*>& key, const QString& value)
+    {
+        set(QString::fromLatin1(key.name), value);
+    }
 
     /// Stores one value in place; members we do not know keep their exact digits and letters. A damaged file
     /// is replaced. Failures are silent, as the service's choices must never stop the user.

@@ -1,31 +1,37 @@
 #include "SettingsCatalog.h"
 
+#include "service/PrefKeys.h"
+
 using namespace Qt::StringLiterals;
 
 namespace murmeli::SettingsCatalog {
 
 namespace {
 
-SettingRow toggle(const QString& key, const QString& icon, bool on)
+SettingRow toggle(const PrefKey<bool>& key, const QString& icon)
 {
-    return {.id = key, .icon = icon, .kind = settingKind::Toggle, .on = on};
+    return {
+        .id = QString::fromLatin1(key.name), .icon = icon, .kind = settingKind::Toggle, .on = key.fallback};
 }
 
-SettingRow choice(const QString& key, const QString& icon, const QString& value,
+SettingRow choice(const PrefKey<const char*>& key, const QString& icon, const QString& value,
                   const QList<SettingOption>& options)
 {
-    return {.id = key, .icon = icon, .kind = settingKind::Choice, .choice = value, .options = options};
+    return {.id = QString::fromLatin1(key.name),
+            .icon = icon,
+            .kind = settingKind::Choice,
+            .choice = value,
+            .options = options};
 }
 
-SettingRow stepper(const QString& key, const QString& icon, int number, SettingsDefaults::Range range,
-                   const QString& unitKey)
+SettingRow stepper(const NumberPrefKey& key, const QString& icon, const QString& unitKey)
 {
-    return {.id = key,
+    return {.id = QString::fromLatin1(key.name),
             .icon = icon,
             .kind = settingKind::Stepper,
-            .number = number,
-            .least = range.least,
-            .most = range.most,
+            .number = key.fallback,
+            .least = key.least,
+            .most = key.most,
             .unitKey = unitKey};
 }
 
@@ -60,32 +66,28 @@ SettingSection section(const QString& id, const QList<SettingRow>& rows)
 
 QList<SettingSection> sections(const QString& language)
 {
-    using namespace SettingsDefaults;
-    SettingRow keepDays =
-        stepper(u"keep_source_days"_s, u"calendar"_s, keepSourceDays, keepSourceDaysRange, u"unit.days"_s);
-    keepDays.hiddenWhenOn = u"delete_source_on_success"_s;
+    SettingRow keepDays = stepper(pref::keepSourceDays, u"calendar"_s, u"unit.days"_s);
+    keepDays.hiddenWhenOn = QString::fromLatin1(pref::deleteSourceOnSuccess.name);
 
     return {
-        section(u"general"_s, {choice(u"locale"_s, u"globe"_s, language,
-                                      {option(u"ru"_s, u"locale.ru"_s), option(u"en"_s, u"locale.en"_s)}),
-                               toggle(u"notifications"_s, u"bell"_s, notifications),
-                               toggle(u"launch_at_login"_s, u"power"_s, launchAtLogin)}),
-        section(u"recording"_s, {toggle(u"auto_record"_s, u"waveform"_s, autoRecord),
-                                 stepper(u"max_record_hours"_s, u"timer"_s, maxRecordHours,
-                                         maxRecordHoursRange, u"unit.hours"_s)}),
+        section(u"general"_s,
+                {choice(pref::locale, u"globe"_s, language,
+                        {option(u"ru"_s, u"locale.ru"_s), option(u"en"_s, u"locale.en"_s)}),
+                 toggle(pref::notifications, u"bell"_s), toggle(pref::launchAtLogin, u"power"_s)}),
+        section(u"recording"_s, {toggle(pref::autoRecord, u"waveform"_s),
+                                 stepper(pref::maxRecordHours, u"timer"_s, u"unit.hours"_s)}),
         section(u"protocol"_s, {action(u"instructions"_s, u"doc.badge.gearshape"_s,
                                        settingAction::LoadInstructions, u"instructions.load"_s, true)}),
         section(
             u"delivery"_s,
-            {choice(u"protocol_format"_s, u"doc.text"_s, QString::fromLatin1(protocolFormat),
+            {choice(pref::protocolFormat, u"doc.text"_s, QString::fromLatin1(pref::protocolFormat.fallback),
                     {option(u"full"_s, u"protocol_format.full"_s),
                      option(u"short"_s, u"protocol_format.short"_s)}),
-             toggle(u"send_telegram"_s, u"paperplane"_s, sendTelegram),
+             toggle(pref::sendTelegram, u"paperplane"_s),
              action(u"telegram"_s, u"link"_s, settingAction::ConnectTelegram, u"telegram.action"_s, true)}),
-        section(u"storage"_s,
-                {toggle(u"delete_source_on_success"_s, u"trash"_s, deleteSourceOnSuccess), keepDays,
-                 action(u"open_recordings"_s, u"folder"_s, settingAction::OpenRecordings,
-                        u"open_recordings.action"_s, false)}),
+        section(u"storage"_s, {toggle(pref::deleteSourceOnSuccess, u"trash"_s), keepDays,
+                               action(u"open_recordings"_s, u"folder"_s, settingAction::OpenRecordings,
+                                      u"open_recordings.action"_s, false)}),
         section(u"about"_s, {action(u"version"_s, u"arrow.down.circle"_s, settingAction::CheckUpdate,
                                     u"check_update.action"_s, true),
                              action(u"account"_s, u"person.crop.circle"_s, settingAction::OpenAccount,

@@ -94,24 +94,6 @@ public:
     QList<SettingRow> rows;
 };
 
-/// What holds while the preferences file says nothing else; the service assumes the same.
-namespace SettingsDefaults {
-inline constexpr bool autoRecord = true;
-inline constexpr bool notifications = true;
-inline constexpr bool launchAtLogin = true;
-inline constexpr bool sendTelegram = true;
-inline constexpr bool deleteSourceOnSuccess = true;
-inline constexpr auto protocolFormat = "full";
-struct Range {
-    int least;
-    int most;
-};
-inline constexpr int keepSourceDays = 3;
-inline constexpr Range keepSourceDaysRange{1, 30};
-inline constexpr int maxRecordHours = 3;
-inline constexpr Range maxRecordHoursRange{1, 6};
-} // namespace SettingsDefaults
-
 namespace SettingsCatalog {
 
 /// All sections in their order. \param language the interface's when the settings are first seen.

@@ -22,8 +22,6 @@ namespace murmeli {
 
 namespace {
 
-const QString localeKey = u"locale"_s;
-const QString loginKey = u"launch_at_login"_s;
 constexpr qint64 kilobyte = 1024;
 
 } // namespace
@@ -118,7 +116,7 @@ void SettingsModel::store(const QString& key, const QJsonValue& value)
 void SettingsModel::setBool(const QString& key, bool value)
 {
     store(key, value);
-    if (key != loginKey) return;
+    if (key != QLatin1StringView{pref::launchAtLogin.name}) return;
     // Nobody waits for it: where it is not there, the desktop's own list counts.
     m_ground.processes.startDetached(m_ground.paths.agentLoader,
                                      {value ? u"load"_s : u"unload"_s, m_ground.paths.appAgentFile});
@@ -128,7 +126,7 @@ void SettingsModel::setBool(const QString& key, bool value)
 void SettingsModel::setString(const QString& key, const QString& value)
 {
     store(key, value);
-    if (key == localeKey) m_ground.language.refresh();
+    if (key == QLatin1StringView{pref::locale.name}) m_ground.language.refresh();
 }
 
 void SettingsModel::setInt(const QString& key, int value)

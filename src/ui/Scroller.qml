@@ -18,7 +18,8 @@ Flickable {
         else if (bottom > contentY + height) contentY = Math.max(0, Math.min(contentHeight, bottom) - height);
     }
 
-    // The same for one that has just appeared, once the layouts have given it its place.
+    // The same for one that has just appeared, as soon as the layouts have given it its place, and until the user
+    // goes elsewhere.
     function showNew(item: Item): void {
         laidOut.item = item;
         laidOut.restart();
@@ -29,7 +30,11 @@ Flickable {
     boundsBehavior: Flickable.StopAtBounds
     interactive: contentHeight > height
     clip: interactive
-    onContentHeightChanged: returnToBounds()
+    onContentHeightChanged: {
+        returnToBounds();
+        if (laidOut.item) laidOut.restart();
+    }
+    onMovementStarted: laidOut.item = null
     ScrollBar.vertical: ScrollThumb { }
 
     Item {
@@ -47,6 +52,7 @@ Flickable {
         target: root.Window.window
         function onActiveFocusItemChanged() {
             const item = root.Window.activeFocusItem;
+            laidOut.item = null;
             for (let up = item; up && root.visible; up = up.parent) {
                 if (up === slot) root.show(item);
             }

@@ -148,6 +148,8 @@ private slots:
             << R"({"refresh_token":"fr"})"_ba << Tokens::FromFile << u"-"_s << written("sa", "fr", "");
         QTest::newRow("of any type") << R"({"access_token":7,"chat_id":5})"_ba << Tokens::FromFile << u"-"_s
                                      << written("sa", "sr", "").replace("\"sa\"", "7");
+        QTest::newRow("a token that would break out")
+            << R"({"refresh_token":"a\nb"})"_ba << Tokens::FromFile << u"-"_s << written("sa", "sr", "");
         QTest::newRow("damaged") << "{"_ba << Tokens::FromFile << u"-"_s << written("sa", "sr", "");
         QTest::newRow("another account's chat") << R"({"account_id":"someone","chat_id":"5"})"_ba
                                                 << Tokens::FromSession << u"-"_s << written("sa", "sr", "");
