@@ -110,6 +110,7 @@ void AppDelegate::connectWindows()
     });
     connect(&m_program, &Program::setupWanted, this, &AppDelegate::showSetup);
     connect(&m_program, &Program::setupEnded, this, [this] {
+        if (!m_setup) return;
         if (m_setup->isVisible()) {
             m_setup->alert(0); // and the keyboard stays where it is
         } else {
@@ -168,10 +169,14 @@ void AppDelegate::endSetup()
     m_panel.open();
     // Only when the panel has the keyboard: else the window manager, looking for who is to have it after the
     // window, would take it from the panel, which then closes.
-    AppWindow* window = m_setup.release();
-    connect(&m_panel, &PanelHost::activated, window, &QWindow::close, Qt::SingleShotConnection);
-    connect(window, &QWindow::visibleChanged, window, &QObject::deleteLater);
-    m_scheduler.after(handOver, window, [window] { window->close(); });
+    connect(m_setup.get(), &QObject::destroyed, m_program.takeSetup().release(), &QObject::deleteLater);
+    const auto close = [this] {
+        if (!m_setup) return;
+        m_setup->close();
+        m_setup.release()->deleteLater();
+    };
+    connect(&m_panel, &PanelHost::activated, m_setup.get(), close, Qt::SingleShotConnection);
+    m_scheduler.after(handOver, m_setup.get(), close);
 }
 
 void AppDelegate::showToast(const ToastText& toast)

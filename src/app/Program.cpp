@@ -131,7 +131,7 @@ void Program::finishSetup()
     state.load();
     updater.check();
     emit setupFinished();
-    m_setup.release()->deleteLater(); // its view still reads it
+    if (m_setup) m_setup.release()->deleteLater(); // it is its very signal that ends it
 }
 
 } // namespace murmeli

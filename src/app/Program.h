@@ -60,6 +60,8 @@ public:
 
     /// The setup under way, or null.
     [[nodiscard]] Setup* setup() const { return m_setup.get(); }
+    /// For whoever still shows it when setupFinished() tells that it goes.
+    [[nodiscard]] std::unique_ptr<Setup> takeSetup() { return std::move(m_setup); }
 
     const Paths paths;
     Prefs prefs;

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace murmeli::files {
@@ -119,7 +120,11 @@ public:
     }
     Q_DISABLE_COPY_MOVE(Beside)
 
-    [[nodiscard]] bool setMode(mode_t mode) const { return m_fd >= 0 && ::fchmod(m_fd, mode) == 0; }
+    // Not every file system has modes to keep.
+    void setMode(mode_t mode) const
+    {
+        if (m_fd >= 0) std::ignore = ::fchmod(m_fd, mode);
+    }
     // Written at once, not when it is closed: a full disk must be known before the old content goes.
     [[nodiscard]] bool write(const QByteArray& bytes, Durable durable) const
     {
@@ -235,7 +240,7 @@ bool writeAtomic(const QString& path, const QByteArray& bytes, Durable durable)
     if (!nothingElseThan(name)) return false;
     const auto old = regularAt(name);
     Beside file{name, 0666}; // what the user's mask leaves of it
-    if (old && !file.setMode(old->st_mode & 07777)) return false;
+    if (old) file.setMode(old->st_mode & 07777);
     return file.write(bytes, durable) && file.moveOver();
 }
 

@@ -20,7 +20,7 @@ RecordControl::RecordControl(const Paths& paths, const AppState& state, Schedule
 {
     connect(&state, &AppState::changed, this, [this] {
         const bool answered = m_pending == Pending::Starting ? m_state.isRecording() : !m_state.isRecording();
-        if (answered) set(Pending::None);
+        if (waiting() && answered) set(Pending::None);
     });
 }
 

@@ -82,6 +82,11 @@ private slots:
         m->record.toggle();
         QVERIFY(!m->record.waiting());
         QCOMPARE(m->panel.line(), u"Не удалось передать запрос службе"_s);
+        QDir{}.mkpath(m->paths.root);
+        m->serviceWrites(R"({"status":"idle","telegram_connected":true})"); // no news of the recording
+        m->scheduler.advance(1500ms);
+        QCOMPARE(m->panel.line(), u"Не удалось передать запрос службе"_s);
+        QDir{m->paths.root}.removeRecursively();
         m->scheduler.advance(12s);
         QCOMPARE(m->panel.line(), u"Нажать, чтобы записать"_s);
         m->record.toggle();
