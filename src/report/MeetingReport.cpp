@@ -13,18 +13,17 @@ namespace murmeli {
 
 namespace {
 
+constexpr qsizetype mostInClaim = 60; // of a kind; each is a control of its own, and all are made at once
+
 QString trimmedText(const QJsonObject& object, QLatin1StringView key)
 {
-    return text::trimmed(json::text(object, key));
+    return text::shortened(text::trimmed(json::text(object, key)));
 }
 
 /// Models like to write "null" for what they do not know. Only the bare word counts as that.
-std::optional<QString> known(const QJsonObject& object, QLatin1StringView key)
+QString known(const QJsonObject& object, QLatin1StringView key)
 {
-    const QString written = json::text(object, key);
-    const QString trimmed = text::trimmed(written);
-    if (trimmed.isEmpty() || written.toLower() == "null"_L1) return std::nullopt;
-    return trimmed;
+    return json::text(object, key).toLower() == "null"_L1 ? QString{} : trimmedText(object, key);
 }
 
 QStringList texts(const QJsonObject& object, QLatin1StringView key)
@@ -32,9 +31,15 @@ QStringList texts(const QJsonObject& object, QLatin1StringView key)
     QStringList result;
     const QJsonArray array = object.value(key).toArray();
     for (const auto& value : array) {
-        if (value.isString()) result.append(value.toString());
+        if (value.isString()) result.append(text::shortened(value.toString()));
     }
     return result;
+}
+
+template <typename List>
+List inClaim(const List& list)
+{
+    return list.first(std::min(list.size(), mostInClaim));
 }
 
 /// One item for every element; none at all when an element is no object.
@@ -64,12 +69,12 @@ Commitment commitment(const QJsonObject& o)
 Disagreement disagreement(const QJsonObject& o)
 {
     const auto side = [](const QJsonObject& s) {
-        return Disagreement::Side{.who = trimmedText(s, "who"_L1),
-                                  .position = trimmedText(s, "position"_L1),
-                                  .at = trimmedText(s, "at"_L1)};
+        return DisagreementSide{.who = trimmedText(s, "who"_L1),
+                                .position = trimmedText(s, "position"_L1),
+                                .at = trimmedText(s, "at"_L1)};
     };
     return {.topic = trimmedText(o, "topic"_L1),
-            .sides = items<Disagreement::Side>(o, "sides"_L1, side),
+            .sides = inClaim(items<DisagreementSide>(o, "sides"_L1, side)),
             .outcome = trimmedText(o, "outcome"_L1)};
 }
 
@@ -86,7 +91,7 @@ Insight insight(const QJsonObject& o)
     return {.kind = trimmedText(o, "kind"_L1),
             .title = trimmedText(o, "title"_L1),
             .detail = trimmedText(o, "detail"_L1),
-            .at = texts(o, "at"_L1)};
+            .at = inClaim(texts(o, "at"_L1))};
 }
 
 AgendaItem agendaItem(const QJsonObject& o)
@@ -107,8 +112,8 @@ MeetingRole meetingRole(const QJsonObject& o)
 Concept idea(const QJsonObject& o)
 {
     return {.idea = trimmedText(o, "idea"_L1),
-            .pros = texts(o, "pros"_L1),
-            .cons = texts(o, "cons"_L1),
+            .pros = inClaim(texts(o, "pros"_L1)),
+            .cons = inClaim(texts(o, "cons"_L1)),
             .at = trimmedText(o, "at"_L1)};
 }
 
@@ -126,16 +131,6 @@ int countOf(const List& list, Property property)
 }
 
 } // namespace
-
-bool Commitment::isFirm() const
-{
-    const QString lower = firmness.toLower();
-    return lower.startsWith(u"твёрд"_s) || lower.startsWith(u"тверд"_s);
-}
-
-// The service writes these in lower case; another case is another word to it.
-bool AgendaItem::isDone() const { return status.startsWith(u"пройден"_s); }
-bool AgendaItem::isPartial() const { return status.startsWith(u"частич"_s); }
 
 MeetingReport MeetingReport::parse(const QJsonObject& analysis)
 {
@@ -176,9 +171,9 @@ QList<ReportMetric> MeetingReport::metrics() const
             result.append({QString::fromLatin1(key), countOf(commitments, property), total});
         };
         add("report.metric.owner", [](const Commitment& c) { return !c.who.isEmpty(); });
-        add("report.metric.due", [](const Commitment& c) { return c.due.has_value(); });
+        add("report.metric.due", [](const Commitment& c) { return !c.due.isEmpty(); });
         add("report.metric.firm", &Commitment::isFirm);
-        add("report.metric.dod", [](const Commitment& c) { return c.definitionOfDone.has_value(); });
+        add("report.metric.dod", [](const Commitment& c) { return !c.definitionOfDone.isEmpty(); });
     }
     if (!agenda.isEmpty())
         result.append({u"report.metric.agenda"_s, countOf(agenda, &AgendaItem::isDone), int(agenda.size())});

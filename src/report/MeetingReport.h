@@ -1,98 +1,33 @@
 #pragma once
 
-#include <QJsonObject>
-#include <QList>
-#include <QString>
-#include <QStringList>
-#include <QUuid>
+#include "Claims.h"
 
-#include <optional>
+#include <QJsonObject>
 
 namespace murmeli {
 
-/// Every claim tells the moment that it stands on as a stamp, "[00:12:31]"; it is empty when there is none.
-struct Commitment {
-    QUuid id = QUuid::createUuid();
-    QString who;
-    QString what;
-    std::optional<QString> due;
-    QString quote;
-    QString at;
-    QString firmness; ///< in the words of the analysis
-    std::optional<QString> definitionOfDone;
-
-    [[nodiscard]] bool isFirm() const;
-};
-
-struct Disagreement {
-    struct Side {
-        QString who;
-        QString position;
-        QString at;
-    };
-    QUuid id = QUuid::createUuid();
-    QString topic;
-    QList<Side> sides;
-    QString outcome;
-};
-
-struct MeetingNumber {
-    QUuid id = QUuid::createUuid();
-    QString metric;
-    QString value; ///< with its unit
-    QString at;
-    std::optional<QString> note;
-};
-
-struct Insight {
-    QUuid id = QUuid::createUuid();
-    QString kind;
-    QString title;
-    QString detail;
-    QStringList at;
-};
-
-struct AgendaItem {
-    QUuid id = QUuid::createUuid();
-    QString topic;
-    QString status; ///< in the words of the analysis
-    QString at;
-
-    [[nodiscard]] bool isDone() const;
-    [[nodiscard]] bool isPartial() const;
-};
-
-struct MeetingRole {
-    QUuid id = QUuid::createUuid();
-    QString who;
-    QString role;
-    QString evidence;
-    QString at;
-};
-
-struct Concept {
-    QUuid id = QUuid::createUuid();
-    QString idea;
-    QStringList pros;
-    QStringList cons;
-    QString at;
-};
-
-struct SpeakerShare {
-    QUuid id = QUuid::createUuid();
-    QString name;
-    double seconds = 0;
-    double share = 0; ///< 0 to 1
-};
-
 /// How many of the meeting's results have a property that can be checked.
 struct ReportMetric {
+    Q_GADGET
+    QML_VALUE_TYPE(reportMetric)
+    Q_PROPERTY(QString titleKey MEMBER titleKey FINAL)
+    Q_PROPERTY(int done MEMBER done FINAL)
+    Q_PROPERTY(int total MEMBER total FINAL)
+    Q_PROPERTY(double share READ share FINAL)
+
+public:
     QString titleKey;
     int done = 0;
     int total = 0;
 
     [[nodiscard]] double share() const { return total < 1 ? 0.0 : double(done) / total; }
     bool operator==(const ReportMetric&) const = default;
+};
+
+struct SpeakerShare {
+    QString name;
+    double seconds = 0;
+    double share = 0; ///< 0 to 1
 };
 
 /// What an analysis says about a meeting, and what its time codes say about the talk. Any thread.
@@ -114,7 +49,8 @@ struct MeetingReport {
     QList<SpeakerShare> speakers;
     bool analyticsExact = false; ///< from the beginning and end of every turn, not from beginnings alone
 
-    /// Lenient: what is missing or of another type is absent.
+    /// Lenient: what is missing or of another type is absent. Texts and lists within a claim are cut to what
+    /// can be laid out without a halt.
     static MeetingReport parse(const QJsonObject& analysis);
 
     /// Takes the figures of the talk, as the service keeps them in the summary file.

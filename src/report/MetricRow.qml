@@ -7,24 +7,24 @@ import Murmeli.Ui
 Item {
     id: root
 
-    required property reportRow row
+    required property reportMetric value
     required property real growth // of the bar, from 0 to 1
 
     implicitHeight: 34
     Accessible.role: Accessible.ProgressBar
-    Accessible.name: title.text + ": " + row.count + " " + L.t("report.metric.name", row.total)
+    Accessible.name: title.text + ": " + value.done + " " + L.t("report.metric.name", value.total)
 
     Label {
         id: title
         anchors { left: parent.left; right: bar.left; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
-        text: L.t(root.row.key)
+        text: L.t(root.value.titleKey)
         Accessible.ignored: true
     }
     ProgressLine {
         id: bar
         anchors { right: figure.left; verticalCenter: parent.verticalCenter }
         width: 120
-        value: root.row.share * root.growth
+        value: root.value.share * root.growth
         Accessible.ignored: true
     }
     Label {
@@ -33,7 +33,7 @@ Item {
         width: 52
         horizontalAlignment: Text.AlignRight
         type: Theme.link
-        text: root.row.count + " / " + root.row.total
+        text: root.value.done + " / " + root.value.total
         Accessible.ignored: true
     }
 }

@@ -1,6 +1,29 @@
 #include "ReportListModel.h"
 
+#include "base/Text.h"
+
+using namespace Qt::StringLiterals;
+
 namespace murmeli {
+
+namespace {
+
+enum Role { Kind = Qt::UserRole, Value, Claim, First, Last, Stamps };
+
+/// What a view of that kind takes: a heading and a note are their keys, all others values of their own type.
+QVariant forViews(const ReportRow& row)
+{
+    return std::visit(
+        [](const auto& value) {
+            if constexpr (requires { value.key; })
+                return QVariant{value.key};
+            else
+                return QVariant::fromValue(value);
+        },
+        row.value);
+}
+
+} // namespace
 
 void ReportListModel::setRows(const QList<ReportRow>& rows)
 {
@@ -13,7 +36,7 @@ void ReportListModel::setRows(const QList<ReportRow>& rows)
 int ReportListModel::neighbour(int row, int step) const
 {
     for (int i = row + step; i >= 0 && i < m_rows.size(); i += step) {
-        if (m_rows[i].isItem()) return i;
+        if (m_rows[i].isClaim()) return i;
     }
     return row;
 }
@@ -22,28 +45,19 @@ int ReportListModel::stampedNeighbour(int row, int step) const
 {
     for (int i = row < 0 && step < 0 ? int(m_rows.size()) - 1 : row + step; i >= 0 && i < m_rows.size();
          i += step) {
-        if (!m_rows[i].firstStamp().isEmpty()) return i;
+        if (!m_rows[i].stamps().isEmpty()) return i;
     }
     return -1;
 }
 
-int ReportListModel::direction(const QString& letter) const
-{
-    if (letter == u"j" || letter == u"о") return 1;
-    if (letter == u"k" || letter == u"л") return -1;
-    return 0;
-}
-
-QString ReportListModel::text(int row, const QString& language) const
-{
-    const bool known = row >= 0 && row < m_rows.size() && m_rows[row].isItem();
-    return known ? reportRows::text(m_rows[row], language) : QString{};
-}
-
 QString ReportListModel::spoken(int row, const QString& language) const
 {
-    const bool known = row >= 0 && row < m_rows.size() && m_rows[row].isItem();
-    return known ? reportRows::spoken(m_rows[row], language) : QString{};
+    return text::shortened(m_rows.value(row).words(language, Wording::Spoken).join(u", "_s));
+}
+
+QString ReportListModel::copied(int row, const QString& language) const
+{
+    return m_rows.value(row).words(language, Wording::Copied).join(u'\n');
 }
 
 int ReportListModel::rowCount(const QModelIndex& parent) const
@@ -53,10 +67,30 @@ int ReportListModel::rowCount(const QModelIndex& parent) const
 
 QVariant ReportListModel::data(const QModelIndex& index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid) || role != Qt::UserRole) return {};
-    return QVariant::fromValue(m_rows[index.row()]);
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    const ReportRow& row = m_rows[index.row()];
+    switch (role) {
+    case Kind:
+        return int(row.kind());
+    case Value:
+        return forViews(row);
+    case Claim:
+        return row.isClaim();
+    case First:
+        return row.first;
+    case Last:
+        return row.last;
+    case Stamps:
+        return row.stamps();
+    default:
+        return {};
+    }
 }
 
-QHash<int, QByteArray> ReportListModel::roleNames() const { return {{Qt::UserRole, "row"}}; }
+QHash<int, QByteArray> ReportListModel::roleNames() const
+{
+    return {{Kind, "kind"},   {Value, "value"}, {Claim, "claim"},
+            {First, "first"}, {Last, "last"},   {Stamps, "stamps"}};
+}
 
 } // namespace murmeli

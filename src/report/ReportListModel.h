@@ -18,20 +18,17 @@ public:
 
     void setRows(const QList<ReportRow>& rows);
 
-    /// The next row after `row` in the direction of `step` (1, -1) that is an item; `row` when there is none.
+    /// The next row after `row` in the direction of `step` (1, -1) that is a claim; `row` when there is none.
     Q_INVOKABLE [[nodiscard]] int neighbour(int row, int step) const;
 
     /// The next row with a moment to look at; -1 when there is none. From -1 it looks from either end.
     Q_INVOKABLE [[nodiscard]] int stampedNeighbour(int row, int step) const;
 
-    /// Which way a letter key steps: 1, -1, or 0 for none. Keys count by their place, whatever the layout.
-    Q_INVOKABLE [[nodiscard]] int direction(const QString& letter) const;
-
-    /// What the item in a row says, as it is copied in `language`; empty when the row is none.
-    [[nodiscard]] QString text(int row, const QString& language) const;
-
-    /// What the item in a row says, as it is read out in `language`.
+    /// What the claim in a row says, as it is read out in `language`; empty when the row is none.
     Q_INVOKABLE [[nodiscard]] QString spoken(int row, const QString& language) const;
+
+    /// What the claim in a row says, in lines, as it is copied in `language`; empty when the row is none.
+    [[nodiscard]] QString copied(int row, const QString& language) const;
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;

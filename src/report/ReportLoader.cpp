@@ -83,11 +83,14 @@ std::optional<ReportLoader::Analysis> taken(const HttpAnswer& answer, const Meet
 
 } // namespace
 
-ReportLoader::ReportLoader(Ground ground, QObject* parent) : QObject(parent), m_ground(std::move(ground)) {}
+ReportLoader::ReportLoader(Ground ground, QObject* parent) : QObject(parent), m_ground(std::move(ground))
+{
+    connect(&m_rows, &QAbstractItemModel::modelReset, this, [this] { unfold({}); });
+}
 
 void ReportLoader::copy(int row)
 {
-    const QString text = m_rows.text(row, m_ground.language.current());
+    const QString text = m_rows.copied(row, m_ground.language.current());
     if (!text.isEmpty()) m_ground.desktop.copyText(text);
 }
 
@@ -104,6 +107,7 @@ void ReportLoader::show(const std::optional<Analysis>& analysis)
 
 void ReportLoader::load(const Meeting& meeting)
 {
+    unfold({});
     struct Content {
         Transcript lines;
         Analysis analysis;
@@ -185,9 +189,17 @@ void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const 
                        });
 }
 
-QStringList ReportLoader::quote(const QString& stamp) const
+void ReportLoader::toggle(const QString& stamp) { unfold(m_openStamp == stamp ? QString{} : stamp); }
+
+void ReportLoader::unfold(const QString& stamp)
 {
-    const auto found = m_lines.quote(stamp);
+    m_openStamp = stamp;
+    emit openStampChanged();
+}
+
+QStringList ReportLoader::quotation() const
+{
+    const auto found = m_lines.quote(m_openStamp);
     if (!found) return {};
     return {text::shortened(found->text, quoteLength), text::shortened(found->before, quoteLength),
             text::shortened(found->after, quoteLength)};

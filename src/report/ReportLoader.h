@@ -32,6 +32,9 @@ class ReportLoader final : public QObject {
     Q_PROPERTY(bool empty READ empty NOTIFY changed FINAL)             ///< nothing can be shown
     Q_PROPERTY(bool asked READ asked NOTIFY changed FINAL)             ///< the first load has ended
     Q_PROPERTY(murmeli::ReportListModel* rows READ rows CONSTANT FINAL)
+    Q_PROPERTY(
+        QString openStamp READ openStamp NOTIFY openStampChanged FINAL) ///< whose quotation is unfolded
+    Q_PROPERTY(QStringList quotation READ quotation NOTIFY openStampChanged FINAL)
 
 public:
     struct Ground {
@@ -68,10 +71,14 @@ public:
     /// Asks the service for an analysis, unless one is on its way, and stores it.
     void build(const Meeting& meeting);
 
-    /// What was said at a stamp, the line before and the line after it; empty when that is not known.
-    Q_INVOKABLE [[nodiscard]] QStringList quote(const QString& stamp) const;
+    /// Unfolds what was said at a stamp, or folds it; one is unfolded at a time, in a new report none.
+    Q_INVOKABLE void toggle(const QString& stamp);
+    [[nodiscard]] QString openStamp() const { return m_openStamp; }
 
-    /// Puts what the item in a row says on the clipboard; nothing when the row is none.
+    /// What was said at the open stamp, the line before and the line after it; empty when that is not known.
+    [[nodiscard]] QStringList quotation() const;
+
+    /// Puts what the claim in a row says on the clipboard; nothing when the row is none.
     Q_INVOKABLE void copy(int row);
 
     /// A stamp as it is read out in `language`.
@@ -82,8 +89,10 @@ public:
 
 signals:
     void changed();
+    void openStampChanged();
 
 private:
+    void unfold(const QString& stamp);
     void show(const std::optional<Analysis>& analysis);
     void fail(const Message& error);
     void ask(const Meeting& meeting, const QString& transcript, const QString& token);
@@ -92,6 +101,7 @@ private:
     std::optional<MeetingReport> m_report;
     Transcript m_lines;
     ReportListModel m_rows{nullptr};
+    QString m_openStamp;
     Message m_error;
     bool m_loading = false;
     bool m_asked = false;

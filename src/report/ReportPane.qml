@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Localisation
@@ -10,16 +12,13 @@ Item {
 
     required property ReportLoader loader
     required property string meetingLine
-    property string openStamp // the one whose quotation is unfolded
+    readonly property var steps: ({ j: 1, "\u043e": 1, k: -1, "\u043b": -1 }) // keys by their place, whatever the layout
 
     signal buildAsked()
     signal closed()
 
     function focusFirst(): void {
         build.forceActiveFocus(Qt.OtherFocusReason);
-    }
-    function toggle(stamp: string): void {
-        root.openStamp = root.openStamp === stamp ? "" : stamp;
     }
     function step(direction: int): void {
         const from = list.activeFocus ? list.currentIndex : -1;
@@ -58,7 +57,7 @@ Item {
     }
 
     Keys.onEscapePressed: {
-        if (root.openStamp.length > 0) root.openStamp = "";
+        if (loader.openStamp.length > 0) loader.toggle(loader.openStamp);
         else root.closed();
     }
     Keys.onDownPressed: step(1)
@@ -66,7 +65,7 @@ Item {
     Keys.onTabPressed: event => event.accepted = walkFromWithin(1)
     Keys.onBacktabPressed: event => event.accepted = walkFromWithin(-1)
     Keys.onPressed: event => {
-        const direction = root.loader.rows.direction(event.text);
+        const direction = steps[event.text] ?? 0;
         if (event.matches(StandardKey.Copy) && list.activeFocus) root.loader.copy(list.currentIndex);
         else if (direction !== 0) root.step(direction);
         else return;
@@ -149,7 +148,6 @@ Item {
     Connections {
         target: root.loader.rows
         function onModelReset() {
-            root.openStamp = "";
             list.currentIndex = -1;
         }
     }
@@ -218,12 +216,16 @@ Item {
 
         Behavior on growth { NumberAnimation { duration: Theme.progress; easing.type: Easing.OutCubic } }
 
-        // qmllint disable unqualified
         delegate: FocusScope {
             id: place
 
-            required property reportRow row
             required property int index
+            required property int kind
+            required property var value
+            required property bool claim
+            required property bool first
+            required property bool last
+            required property var stamps
 
             width: list.width
             height: view.implicitHeight
@@ -242,16 +244,18 @@ Item {
                 x: Theme.padMain
                 width: parent.width - 2 * Theme.padMain
                 focus: true
-                row: place.row
-                openStamp: root.openStamp
+                kind: place.kind
+                value: place.value
+                claim: place.claim
+                first: place.first
+                last: place.last
+                stamps: place.stamps
                 loader: root.loader
                 growth: list.growth
                 spoken: root.loader.rows.spoken(place.index, L.language)
                 pointed: over.hovered
-                onStampPressed: stamp => root.toggle(stamp)
                 onCopyAsked: root.loader.copy(place.index)
             }
         }
-        // qmllint enable unqualified
     }
 }

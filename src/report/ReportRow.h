@@ -1,19 +1,16 @@
 #pragma once
 
-#include <QObject>
-#include <QString>
-#include <QStringList>
-#include <QtQml/qqmlregistration.h>
+#include "MeetingReport.h"
+
+#include <variant>
 
 namespace murmeli {
-
-struct MeetingReport;
 
 namespace reportKind {
 Q_NAMESPACE
 QML_NAMED_ELEMENT(ReportKind)
 
-/// What a row of a report is; those from Blocker to Role are its items.
+/// What a row of a report is, in the order of ReportRow::Value.
 enum Kind {
     Heading,
     Metric,
@@ -25,96 +22,93 @@ enum Kind {
     Number,
     Concept,
     Role,
-    Stats,
+    Figures,
     Speaker,
     Note,
 };
 Q_ENUM_NS(Kind)
 } // namespace reportKind
 
-/// What somebody holds in a disagreement.
-class ReportSide {
-    Q_GADGET
-    QML_VALUE_TYPE(reportSide)
-    Q_PROPERTY(QString who MEMBER who FINAL)
-    Q_PROPERTY(QString position MEMBER position FINAL)
-    Q_PROPERTY(QString at MEMBER at FINAL)
-
-public:
-    QString who;
-    QString position;
-    QString at;
-    bool operator==(const ReportSide&) const = default;
+/// Above a section's card.
+struct ReportHeading {
+    QString key;
+    bool operator==(const ReportHeading&) const = default;
 };
 
-/// One row of a shown report. Texts are as long as can be laid out; keys are those of the interface's texts.
-class ReportRow {
+/// Below a section's card.
+struct ReportNote {
+    QString key;
+    bool operator==(const ReportNote&) const = default;
+};
+
+/// The talk in four figures.
+struct TalkFigures {
     Q_GADGET
-    QML_VALUE_TYPE(reportRow)
-    Q_PROPERTY(int kind MEMBER kind FINAL)
-    Q_PROPERTY(bool first MEMBER first FINAL)
-    Q_PROPERTY(bool last MEMBER last FINAL)
-    Q_PROPERTY(QString key MEMBER key FINAL)
-    Q_PROPERTY(QString title MEMBER title FINAL)
-    Q_PROPERTY(QString lead MEMBER lead FINAL)
-    Q_PROPERTY(QString body MEMBER body FINAL)
-    Q_PROPERTY(QString quote MEMBER quote FINAL)
-    Q_PROPERTY(QString ending MEMBER ending FINAL)
-    Q_PROPERTY(QString value MEMBER value FINAL)
-    Q_PROPERTY(QStringList stamps MEMBER stamps FINAL)
-    Q_PROPERTY(QList<murmeli::ReportSide> sides MEMBER sides FINAL)
-    Q_PROPERTY(QStringList pros MEMBER pros FINAL)
-    Q_PROPERTY(QStringList cons MEMBER cons FINAL)
-    Q_PROPERTY(bool firm MEMBER firm FINAL)
-    Q_PROPERTY(bool partial MEMBER partial FINAL)
-    Q_PROPERTY(double share MEMBER share FINAL)
-    Q_PROPERTY(double seconds MEMBER seconds FINAL)
-    Q_PROPERTY(int count MEMBER count FINAL)
-    Q_PROPERTY(int total MEMBER total FINAL)
-    Q_PROPERTY(bool item READ isItem FINAL)
-    Q_PROPERTY(QString firstStamp READ firstStamp FINAL)
+    QML_VALUE_TYPE(talkFigures)
+    Q_PROPERTY(QString duration MEMBER duration FINAL)
+    Q_PROPERTY(double speechShare MEMBER speechShare FINAL)
+    Q_PROPERTY(int turns MEMBER turns FINAL)
+    Q_PROPERTY(int longPauses MEMBER longPauses FINAL)
+    Q_PROPERTY(bool exact MEMBER exact FINAL)
 
 public:
-    int kind = reportKind::Heading; ///< a reportKind; views compare numbers better than enumerators
-    bool first = false;             ///< on its card
+    QString duration; ///< a running time
+    double speechShare = 0;
+    int turns = 0;
+    int longPauses = 0;
+    bool exact = false; ///< else share and pauses are not known
+
+    bool operator==(const TalkFigures&) const = default;
+};
+
+/// How much of the talk was one person's.
+struct SpeakerFigures {
+    Q_GADGET
+    QML_VALUE_TYPE(speakerFigures)
+    Q_PROPERTY(QString name MEMBER name FINAL)
+    Q_PROPERTY(QString duration MEMBER duration FINAL)
+    Q_PROPERTY(double seconds MEMBER seconds FINAL)
+    Q_PROPERTY(double share MEMBER share FINAL)
+    Q_PROPERTY(int place MEMBER place FINAL)
+
+public:
+    QString name;
+    QString duration; ///< a running time
+    double seconds = 0;
+    double share = 0; ///< 0 to 1
+    int place = 0;    ///< among the speakers, from 0
+
+    bool operator==(const SpeakerFigures&) const = default;
+};
+
+/// One row of a shown report: a heading, a note, or a part of the card between them.
+struct ReportRow {
+    using Value =
+        std::variant<ReportHeading, ReportMetric, Blocker, Insight, Commitment, Disagreement, AgendaItem,
+                     MeetingNumber, Concept, MeetingRole, TalkFigures, SpeakerFigures, ReportNote>;
+
+    Value value;
+    bool first = false; ///< on its card
     bool last = false;
-    QString key;   ///< of a heading, a metric's title, a note
-    QString title; ///< what or who it is about
-    QString lead;  ///< beside the title
-    QString body;
-    QString quote;
-    QString ending;     ///< the outcome, or when a commitment is done
-    QString value;      ///< a number, or how far a topic came
-    QStringList stamps; ///< without those of the sides
-    QList<ReportSide> sides;
-    QStringList pros;
-    QStringList cons;
-    bool firm = false; ///< a commitment is, a topic is done, figures are exact
-    bool partial = false;
-    double share = 0;   ///< 0 to 1
-    double seconds = 0; ///< how long somebody spoke
-    int count = 0;      ///< done of the total; turns; which speaker
-    int total = 0;      ///< of the count; long pauses
+
+    [[nodiscard]] reportKind::Kind kind() const { return reportKind::Kind(value.index()); }
+
+    /// Whether it is a claim, which can be stepped to and copied.
+    [[nodiscard]] bool isClaim() const;
+
+    /// The moments that it stands on.
+    [[nodiscard]] QStringList stamps() const;
+
+    /// What a claim says; empty for every other row.
+    [[nodiscard]] QStringList words(const QString& language, Wording wording) const;
+
     bool operator==(const ReportRow&) const = default;
-
-    /// Whether it can be stepped to and copied.
-    [[nodiscard]] bool isItem() const { return kind >= reportKind::Blocker && kind <= reportKind::Role; }
-
-    /// Whether the claim stands on that moment, among others.
-    Q_INVOKABLE [[nodiscard]] bool holds(const QString& stamp) const;
-    [[nodiscard]] QString firstStamp() const; ///< also one of a side; empty when there is none
 };
 
 namespace reportRows {
 
 /// All sections in their order; those without content are left out. Any thread.
 QList<ReportRow> of(const MeetingReport& report);
-
-/// What a row says, in lines, with its stamps at the end.
-QString text(const ReportRow& row, const QString& language);
-
-/// What a row says as it is read out, without the stamps, which are controls of their own.
-QString spoken(const ReportRow& row, const QString& language);
 
 /// A running time as "12:34" or, from an hour on, "1:02:03"; "0:00" for what is no time.
 QString mmss(double seconds);

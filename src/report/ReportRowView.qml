@@ -7,31 +7,33 @@ import Murmeli.Ui
 Item {
     id: root
 
-    required property reportRow row
-    required property string openStamp
+    required property int kind // a ReportKind
+    required property var value // of the kind's own type; of a heading and a note the text's key
+    required property bool claim
+    required property bool first // on its card
+    required property bool last
+    required property var stamps
     required property ReportLoader loader
     required property real growth // of bars, from 0 to 1
     required property string spoken
     required property bool pointed // at its line
-    readonly property bool claim: row.item && row.kind !== ReportKind.Blocker
-    readonly property bool onCard: row.kind !== ReportKind.Heading && row.kind !== ReportKind.Note
-    readonly property int edge: row.kind === ReportKind.Blocker ? padCard : row.kind === ReportKind.Metric ? 6
-        : row.kind === ReportKind.Speaker ? Theme.gapGroup : 0
-    readonly property int padCard: 14
-    readonly property int above: row.first ? edge : row.kind === ReportKind.Blocker ? 5
-        : row.kind === ReportKind.Speaker && row.count === 0 ? edge : 0
+    readonly property bool onCard: kind !== ReportKind.Heading && kind !== ReportKind.Note
+    readonly property bool firstSpeaker: kind === ReportKind.Speaker && value.place === 0
+    readonly property int edge: kind === ReportKind.Blocker ? 14 : kind === ReportKind.Metric ? 6
+        : kind === ReportKind.Speaker ? Theme.gapGroup : 0 // of the card
+    readonly property int above: first || firstSpeaker ? edge : kind === ReportKind.Blocker ? 5 : 0
+    readonly property bool ruled: !first && (claim && kind !== ReportKind.Blocker || firstSpeaker)
 
-    signal stampPressed(string stamp)
     signal copyAsked()
 
-    implicitHeight: content.y + content.implicitHeight + (row.last ? edge : 0)
+    implicitHeight: content.y + content.implicitHeight + (last ? edge : 0)
     Accessible.role: Accessible.ListItem
     Accessible.name: spoken
-    Accessible.focusable: row.item
-    Accessible.ignored: !row.item
-    Keys.onReturnPressed: event => event.accepted = firstStamp()
-    Keys.onEnterPressed: event => event.accepted = firstStamp()
-    Keys.onSpacePressed: event => event.accepted = firstStamp()
+    Accessible.focusable: claim
+    Accessible.ignored: !claim
+    Keys.onReturnPressed: event => event.accepted = openFirst()
+    Keys.onEnterPressed: event => event.accepted = openFirst()
+    Keys.onSpacePressed: event => event.accepted = openFirst()
 
     // What the keyboard reaches in this row, in reading order.
     function stops(): var {
@@ -44,9 +46,9 @@ Item {
         }
         return found;
     }
-    function firstStamp(): bool {
-        if (!root.activeFocus || root.row.firstStamp.length === 0) return false;
-        root.stampPressed(root.row.firstStamp);
+    function openFirst(): bool {
+        if (!activeFocus || stamps.length === 0) return false;
+        loader.toggle(stamps[0]);
         return true;
     }
 
@@ -55,10 +57,10 @@ Item {
         visible: root.onCard
         clip: true
         Rectangle {
-            readonly property int above: root.row.first ? 0 : 20
+            readonly property int above: root.first ? 0 : 20
             y: -above
             width: parent.width
-            height: parent.height + above + (root.row.last ? 0 : 20)
+            height: parent.height + above + (root.last ? 0 : 20)
             radius: Theme.rCard - 1
             color: Theme.bgCard
             border.width: Theme.hair
@@ -68,76 +70,76 @@ Item {
             x: 16
             width: parent.width - 32
             height: Theme.hair
-            visible: !root.row.first && (root.claim || root.row.kind === ReportKind.Speaker && root.row.count === 0)
+            visible: root.ruled
             color: Theme.line
         }
     }
-    // qmllint disable unqualified
     Loader {
         id: content
         x: root.onCard ? 16 : 0
         y: root.above
         width: parent.width - 2 * x
-        sourceComponent: root.claim ? claimRow : root.row.kind === ReportKind.Metric ? metricRow
-            : root.row.kind === ReportKind.Blocker ? bulletRow : root.row.kind === ReportKind.Stats ? statsRow
-            : root.row.kind === ReportKind.Speaker ? speakerRow : root.row.kind === ReportKind.Note ? noteRow : headingRow
+        sourceComponent: {
+            switch (root.kind) {
+            case ReportKind.Heading: return heading;
+            case ReportKind.Metric: return metric;
+            case ReportKind.Blocker: return blocker;
+            case ReportKind.Insight: return insight;
+            case ReportKind.Commitment: return commitment;
+            case ReportKind.Disagreement: return disagreement;
+            case ReportKind.Agenda: return agenda;
+            case ReportKind.Number: return number;
+            case ReportKind.Concept: return concept;
+            case ReportKind.Role: return role;
+            case ReportKind.Figures: return figures;
+            case ReportKind.Speaker: return speaker;
+            default: return note;
+            }
+        }
     }
+    // qmllint disable unqualified -- loaders make no bound components yet
     Component {
-        id: headingRow
+        id: heading
         Label {
             topPadding: 22
             bottomPadding: 10
             type: Theme.overline
             color: Theme.text3
-            text: L.t(root.row.key)
+            text: L.t(root.value)
             Accessible.role: Accessible.Heading
         }
     }
     Component {
-        id: noteRow
+        id: note
         Item {
-            implicitHeight: note.implicitHeight
+            implicitHeight: line.implicitHeight
             SelectableText {
-                id: note
+                id: line
                 x: 2
                 width: Math.min(parent.width, 480)
-                topPadding: root.row.key === "report.note" ? 18 : 8
+                topPadding: root.value === "report.note" ? 18 : 8
                 type: Theme.caption
                 color: Theme.text3
-                text: L.t(root.row.key)
+                text: L.t(root.value)
             }
         }
     }
-    Component {
-        id: metricRow
-        MetricRow { row: root.row; growth: root.growth }
-    }
-    Component {
-        id: bulletRow
-        Bullet { text: root.row.body }
-    }
-    Component {
-        id: statsRow
-        StatsRow { row: root.row }
-    }
-    Component {
-        id: speakerRow
-        SpeakerRow { row: root.row; growth: root.growth }
-    }
-    Component {
-        id: claimRow
-        ClaimRow {
-            row: root.row
-            openStamp: root.openStamp
-            loader: root.loader
-            onStampPressed: stamp => root.stampPressed(stamp)
-        }
-    }
+    Component { id: metric; MetricRow { value: root.value; growth: root.growth } }
+    Component { id: blocker; Bullet { text: root.value.what } }
+    Component { id: insight; InsightRow { value: root.value; loader: root.loader } }
+    Component { id: commitment; CommitmentRow { value: root.value; loader: root.loader } }
+    Component { id: disagreement; DisagreementRow { value: root.value; loader: root.loader } }
+    Component { id: agenda; AgendaRow { value: root.value; loader: root.loader } }
+    Component { id: number; NumberRow { value: root.value; loader: root.loader } }
+    Component { id: concept; ConceptRow { value: root.value; loader: root.loader } }
+    Component { id: role; RoleRow { value: root.value; loader: root.loader } }
+    Component { id: figures; FiguresRow { value: root.value } }
+    Component { id: speaker; SpeakerRow { value: root.value; growth: root.growth } }
     Loader { // quiet: there for who points at the row or steps to it
         id: copying
         x: root.width + 3
         y: Math.min(6, (root.height - 28) / 2)
-        active: root.row.item && (root.pointed || root.activeFocus)
+        active: root.claim && (root.pointed || root.activeFocus)
         sourceComponent: IconButton {
             id: copyButton
             property bool done: false
@@ -158,5 +160,5 @@ Item {
         }
     }
     // qmllint enable unqualified
-    FocusRing { shown: root.row.item && root.activeFocus; corner: Theme.rSmall; gap: -4 }
+    FocusRing { shown: root.claim && root.activeFocus; corner: Theme.rSmall; gap: -4 }
 }

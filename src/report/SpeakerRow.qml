@@ -7,25 +7,25 @@ import Murmeli.Ui
 Item {
     id: root
 
-    required property reportRow row
+    required property speakerFigures value
     required property real growth // of the bar, from 0 to 1
     readonly property var inks: [Theme.violet, Theme.blue, Theme.cyan, Theme.pink, Theme.green]
-    readonly property color ink: inks[row.count] ?? Theme.text4
-    readonly property int percent: Math.round(row.share * 100)
+    readonly property color ink: inks[value.place] ?? Theme.text4
+    readonly property int percent: Math.round(value.share * 100)
 
     implicitHeight: 28
     Accessible.role: Accessible.ProgressBar
-    Accessible.name: row.title + ", " + L.spokenDuration(row.seconds) + ", " + L.spokenPercent(percent)
+    Accessible.name: value.name + ", " + L.spokenDuration(value.seconds) + ", " + L.spokenPercent(percent)
 
     Label {
         anchors.verticalCenter: parent.verticalCenter
         width: 140 // a first name and a family name
-        text: root.row.title
+        text: root.value.name
         Accessible.ignored: true
     }
     ProgressLine {
         anchors { left: parent.left; leftMargin: 148; right: time.left; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
-        value: root.row.share * root.growth
+        value: root.value.share * root.growth
         from: root.ink
         to: root.ink
         Accessible.ignored: true
@@ -37,7 +37,7 @@ Item {
         horizontalAlignment: Text.AlignRight
         type: Theme.sub
         color: Theme.text2
-        text: root.row.value
+        text: root.value.duration
         Accessible.ignored: true
     }
     Label {

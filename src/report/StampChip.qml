@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Localisation
+import Murmeli.Report
 import Murmeli.Ui
 
 // A moment of the meeting; pressed, it shows what was said then.
@@ -8,8 +9,8 @@ Button {
     id: root
 
     required property string stamp
-    required property bool open
-    required property string spokenStamp
+    required property ReportLoader loader
+    readonly property bool open: visible && loader.openStamp === stamp
     readonly property bool stop: visible // of the keyboard
 
     implicitHeight: 20
@@ -19,6 +20,7 @@ Button {
     bottomPadding: 0
     text: stamp.length > 40 ? stamp.substring(0, 40) + "…" : stamp
     hoverEnabled: true
+    onClicked: loader.toggle(stamp)
     focusPolicy: Qt.NoFocus // the pane leads the keyboard from one to the next
     containmentMask: QtObject { // larger than it looks
         function contains(point: point): bool {
@@ -27,7 +29,7 @@ Button {
     }
     Accessible.focusable: true
     Accessible.role: Accessible.Button
-    Accessible.name: L.t("report.stamp.name", spokenStamp)
+    Accessible.name: L.t("report.stamp.name", loader.spoken(stamp, L.language))
     Accessible.checkable: true
     Accessible.checked: open
     Accessible.onPressAction: root.clicked()
@@ -48,7 +50,7 @@ Button {
         text: root.text
         Accessible.ignored: true
     }
-    // qmllint disable unqualified
+    // qmllint disable unqualified -- loaders make no bound components yet
     Loader { // a pop-up is large, and most are never seen
         anchors.fill: parent
         active: root.hovered

@@ -110,7 +110,7 @@ TestCase {
         mouseClick(chip("[00:07]"));
         tryVerify(() => quotations().length === 0);
         mouseClick(chip("[00:00]"));
-        compare(pane.openStamp, "[00:00]");
+        compare(pane.loader.openStamp, "[00:00]");
         verify(!all(item => item.unfolded === true).length, "nothing was said before the first line");
     }
 
@@ -136,9 +136,9 @@ TestCase {
         keyClick(Qt.Key_C, Qt.ControlModifier);
         compare(fixture.clipboard(), "Первое\nподробно\n[00:05] [00:07]");
         keyClick(Qt.Key_Return);
-        compare(pane.openStamp, "[00:05]");
+        compare(pane.loader.openStamp, "[00:05]");
         keyClick(Qt.Key_Escape);
-        compare(pane.openStamp, "");
+        compare(pane.loader.openStamp, "");
         compare(closings, 0);
         keyClick("k");
         keyClick(Qt.Key_Up);
@@ -246,7 +246,7 @@ TestCase {
         fixture.serviceAnswers(200, JSON.stringify({ insights: [{ title: "Новое", at: ["[00:09]"] }] }));
         named("Разобрать заново").clicked();
         tryVerify(() => named("Новое"));
-        compare(pane.openStamp, "");
+        compare(pane.loader.openStamp, "");
         pane.focusFirst();
         keyClick(Qt.Key_Escape);
         compare(closings, 1);

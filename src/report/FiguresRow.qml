@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Murmeli.Localisation
 import Murmeli.Report
@@ -7,19 +9,18 @@ import Murmeli.Ui
 Row {
     id: root
 
-    required property reportRow row
+    required property talkFigures value
     readonly property string unknown: "–"
 
     topPadding: 10
     bottomPadding: 12
 
-    // qmllint disable unqualified
     Repeater {
         model: [
-            { figure: root.row.value, caption: "report.stat.duration" },
-            { figure: root.row.firm ? L.percent(Math.round(root.row.share * 100)) : root.unknown, caption: "report.stat.speech" },
-            { figure: root.row.count, caption: "report.stat.turns" },
-            { figure: root.row.firm ? root.row.total : root.unknown, caption: "report.stat.long_pauses" }
+            { figure: root.value.duration, caption: "report.stat.duration" },
+            { figure: root.value.exact ? L.percent(Math.round(root.value.speechShare * 100)) : root.unknown, caption: "report.stat.speech" },
+            { figure: root.value.turns, caption: "report.stat.turns" },
+            { figure: root.value.exact ? root.value.longPauses : root.unknown, caption: "report.stat.long_pauses" }
         ]
         Column {
             id: stat
@@ -44,5 +45,4 @@ Row {
             }
         }
     }
-    // qmllint enable unqualified
 }
