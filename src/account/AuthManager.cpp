@@ -101,18 +101,15 @@ void AuthManager::login()
 {
     const QUrl page{m_place.accountSite + u"?flow=app"_s};
     if (!page.isValid()) return;
-    m_attempt = ++m_lastAttempt;
     m_addressRefused = false;
-    m_scheduler.after(attemptTime, this, [this, attempt = m_attempt] {
-        if (attempt == m_attempt) cancelLogin();
-    });
+    m_scheduler.after(attemptTime, m_attempt.renew(), [this] { cancelLogin(); });
     m_desktop.signIn(page, signIn::scheme, [this](const QString& address) { handle(address); });
     emit changed();
 }
 
 void AuthManager::cancelLogin()
 {
-    m_attempt = 0;
+    m_attempt.end();
     m_addressRefused = false;
     emit changed();
 }
@@ -126,7 +123,7 @@ bool AuthManager::handle(const QString& address)
                                       values->value(u"email"_s)}
                : accountFile::Session{};
     if (!session.isUsable()) return false;
-    m_attempt = 0;
+    m_attempt.end();
     m_addressRefused = false;
     keep(session);
     adopt(session, accountFile::Tokens::FromSession);
@@ -149,7 +146,7 @@ void AuthManager::logout()
     m_decided = true;
     m_session = {};
     m_fileIsBehind = false;
-    ++m_sync; // an answer that is still on its way belongs to nobody now
+    m_sync.end(); // an answer that is still on its way belongs to nobody now
     emit changed();
 }
 
@@ -166,14 +163,14 @@ void AuthManager::registerDevice()
 
 void AuthManager::syncAccount()
 {
-    const quint64 sync = ++m_sync;
+    QObject* sync = m_sync.renew();
     const auto accountId = signIn::subject(m_session.accessToken);
     if (!accountId) return;
     // A new session reaches the service at once: the answer may take a minute, and the store may be missing.
-    if (m_fileIsBehind) writeFile(*accountId, {});
+    if (m_fileIsBehind) writeFile(*accountId, {}, sync);
     m_http.send(m_backend.request("GET", u"/rest/v1/telegram_links?select=chat_id"_s, m_session.accessToken),
-                this, [this, sync, id = *accountId](const HttpAnswer& answer) {
-                    if (sync == m_sync) writeFile(id, accountFile::chatIn(answer.body));
+                sync, [this, sync, id = *accountId](const HttpAnswer& answer) {
+                    writeFile(id, accountFile::chatIn(answer.body), sync);
                 });
 }
 
@@ -182,15 +179,15 @@ void AuthManager::handOver()
     if (isAuthed()) syncAccount();
 }
 
-void AuthManager::writeFile(const QString& accountId, const accountFile::Chat& chat)
+void AuthManager::writeFile(const QString& accountId, const accountFile::Chat& chat, QObject* sync)
 {
     // Once the service has the tokens it may renew them, and then those in the file are the newer ones.
     const auto tokens = m_fileIsBehind ? accountFile::Tokens::FromSession : accountFile::Tokens::FromFile;
     const auto write = [=, path = m_place.accountFile, session = m_session] {
         return accountFile::update(path, session, accountId, chat, tokens);
     };
-    whenFinished(QtConcurrent::run(&m_writer, write), this, [this, sync = m_sync](bool written) {
-        if (written && sync == m_sync) m_fileIsBehind = false;
+    whenFinished(QtConcurrent::run(&m_writer, write), sync, [this](bool written) {
+        if (written) m_fileIsBehind = false;
     });
 }
 

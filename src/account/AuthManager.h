@@ -2,6 +2,7 @@
 
 #include "AccountFile.h"
 #include "Backend.h"
+#include "base/Lease.h"
 
 #include <QObject>
 #include <QThreadPool>
@@ -42,7 +43,7 @@ public:
 
     [[nodiscard]] bool isAuthed() const { return !m_session.accessToken.isEmpty(); }
     [[nodiscard]] QString email() const { return m_session.email; }
-    [[nodiscard]] bool signingIn() const { return m_attempt != 0; }
+    [[nodiscard]] bool signingIn() const { return bool(m_attempt); }
     [[nodiscard]] bool takesAddress() const;
     [[nodiscard]] bool addressRefused() const { return m_addressRefused; }
 
@@ -85,7 +86,7 @@ private:
     void keep(const accountFile::Session& session);
     void registerDevice();
     void syncAccount();
-    void writeFile(const QString& accountId, const accountFile::Chat& chat);
+    void writeFile(const QString& accountId, const accountFile::Chat& chat, QObject* sync);
 
     Place m_place;
     Backend m_backend;
@@ -94,9 +95,8 @@ private:
     SecretStore& m_secrets;
     Scheduler& m_scheduler;
     accountFile::Session m_session;
-    quint64 m_lastAttempt = 0;
-    quint64 m_attempt = 0; ///< the sign-in under way; 0: none
-    quint64 m_sync = 0;    ///< the latest; an older one's answer is dropped
+    Lease m_attempt; ///< the sign-in under way
+    Lease m_sync;
     bool m_addressRefused = false;
     bool m_fileIsBehind = false; ///< account.json has not got this sign-in's session yet
     bool m_decided = false;      ///< the user has signed in or out, or a session was restored

@@ -64,9 +64,9 @@ void TrayFace::followStatus()
 {
     if (m_state.isRecording() != bool(m_blinking)) {
         m_bright = true;
-        m_blinking = m_state.isRecording() ? std::make_unique<QObject>() : nullptr;
-        if (m_blinking) {
-            m_scheduler.every(blinkInterval, m_blinking.get(), [this] {
+        m_blinking.end();
+        if (m_state.isRecording()) {
+            m_scheduler.every(blinkInterval, m_blinking.renew(), [this] {
                 m_bright = !m_bright;
                 updateIcon();
             });

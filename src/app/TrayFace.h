@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QObject>
+#include "base/Lease.h"
 
-#include <memory>
+#include <QObject>
 
 namespace murmeli {
 
@@ -42,7 +42,7 @@ private:
     const Language& m_language;
     const Look& m_look;
     Scheduler& m_scheduler;
-    std::unique_ptr<QObject> m_blinking; ///< while it lives, the icon blinks
+    Lease m_blinking;
     bool m_bright = true;
 };
 

@@ -14,6 +14,7 @@ void whenFinished(const QFuture<Result>& future, QObject* context, Done done)
 {
     auto* watcher = new QFutureWatcher<Result>{context};
     QObject::connect(watcher, &QFutureWatcherBase::finished, context, [watcher, done = std::move(done)] {
+        watcher->setParent(nullptr); // what is done may end the context
         watcher->deleteLater();
         if (!watcher->future().isCanceled()) done(watcher->result());
     });

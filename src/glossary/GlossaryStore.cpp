@@ -60,9 +60,8 @@ GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, Sch
         if (std::exchange(was, m_account.accessToken()) == m_account.accessToken()) return;
         // Another person's glossary, perhaps: what is on its way is nobody's now.
         m_loaded = false;
-        m_loading = false;
-        ++m_save;
-        ++m_load;
+        m_load.end();
+        m_save.end();
         finish(false);
         followPerson();
         reload();
@@ -118,13 +117,12 @@ void GlossaryStore::keepCopy(const QString& text, bool sent)
 void GlossaryStore::reload()
 {
     const QString token = m_account.freshToken();
-    if (token.isEmpty() || m_loading) return;
-    m_loading = true;
+    if (token.isEmpty() || m_load) return;
+    QObject* load = m_load.renew();
     emit changed();
     const auto request = m_account.backend().request("GET", u"/rest/v1/profiles?select=glossary"_s, token);
-    m_http.send(request, this, [this, load = ++m_load](const HttpAnswer& answer) {
-        if (load != m_load) return;
-        m_loading = false;
+    m_http.send(request, load, [this](const HttpAnswer& answer) {
+        m_load.end();
         loaded(answer);
         emit changed();
     });
@@ -181,8 +179,7 @@ void GlossaryStore::send()
     auto request = m_account.backend().request("PATCH", u"/rest/v1/profiles"_s, m_account.freshToken(),
                                                {{u"glossary"_s, text}});
     request.headers.emplaceBack("Prefer", "return=minimal");
-    m_http.send(request, this, [this, text, save = ++m_save](const HttpAnswer& answer) {
-        if (save != m_save) return; // a later one carries this one's words too
+    m_http.send(request, m_save.renew(), [this, text](const HttpAnswer& answer) {
         if (answer.ok()) {
             m_syncError = {};
             m_savedAt = m_scheduler.moment();

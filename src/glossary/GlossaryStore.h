@@ -1,6 +1,7 @@
 #pragma once
 
 #include "GlossaryText.h"
+#include "base/Lease.h"
 #include "localisation/Message.h"
 
 #include <QDateTime>
@@ -38,7 +39,7 @@ public:
                   QObject* parent = nullptr);
 
     [[nodiscard]] const QList<GlossaryEntry>& entries() const { return m_entries; }
-    [[nodiscard]] bool loading() const { return m_loading; }
+    [[nodiscard]] bool loading() const { return bool(m_load); }
     [[nodiscard]] Message syncError() const { return m_syncError; }
     [[nodiscard]] QDateTime savedAt() const { return m_savedAt; }
 
@@ -72,12 +73,11 @@ private:
     bool m_unsent;  ///< the backend has not got what is here; true also when the preferences cannot keep it
     std::optional<QString> m_person; ///< whose words these are, as far as known: the account's identifier
     std::vector<Then> m_waiting;     ///< for the running save
-    bool m_loading = false;
-    bool m_loaded = false; ///< what the backend has is known
+    bool m_loaded = false;           ///< what the backend has is known
     Message m_syncError;
     QDateTime m_savedAt;
-    quint64 m_load = 0; ///< the latest; an older one's answer is dropped
-    quint64 m_save = 0; ///< the same
+    Lease m_load;
+    Lease m_save; ///< a later save carries an earlier one's words too
 };
 
 } // namespace murmeli

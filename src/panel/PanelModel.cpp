@@ -203,11 +203,10 @@ void PanelModel::runClock()
     const bool needed = m_watchers > 0 && m_state.isRecording() && m_state.since() > 0;
     if (needed == bool(m_clock)) return;
     if (!needed) {
-        m_clock.reset();
+        m_clock.end();
         return;
     }
-    m_clock = std::make_unique<QObject>();
-    m_scheduler.every(clockInterval, m_clock.get(), [this] { emit timeChanged(); });
+    m_scheduler.every(clockInterval, m_clock.renew(), [this] { emit timeChanged(); });
 }
 
 } // namespace murmeli

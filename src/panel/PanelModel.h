@@ -1,11 +1,10 @@
 #pragma once
 
+#include "base/Lease.h"
 #include "service/RecordControl.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
-
-#include <memory>
 
 namespace murmeli {
 
@@ -97,8 +96,8 @@ private:
     QString m_format;
     bool m_autoRecord = true;
     bool m_hoverOrb = false;
-    int m_watchers = 0;               ///< panels on screen
-    std::unique_ptr<QObject> m_clock; ///< while it lives, the time is told once a second
+    int m_watchers = 0; ///< panels on screen
+    Lease m_clock;      ///< tells the time once a second
 };
 
 } // namespace murmeli

@@ -11,7 +11,8 @@ ClaimCard {
     compact: true
     title: value.topic
     figure: value.status
-    // qmllint disable unqualified -- loaders make no bound components yet
+    // Loaders take no bound components yet.
+    // qmllint disable unqualified
     sign: Symbol {
         size: 18
         name: root.value.done ? "checkmark.circle.fill" : root.value.partial ? "circle.lefthalf.filled" : "circle"

@@ -31,7 +31,8 @@ Column {
     topPadding: compact ? 10 : 13
     bottomPadding: topPadding
 
-    // qmllint disable unqualified -- loaders make no bound components yet
+    // Loaders take no bound components yet.
+    // qmllint disable unqualified
     component Chips: Flow {
         id: chips
         required property ReportLoader loader

@@ -16,7 +16,8 @@ ClaimCard {
     body: value.what
     bodyType: Theme.body
     bodyInk: Theme.text1
-    // qmllint disable unqualified -- loaders make no bound components yet
+    // Loaders take no bound components yet.
+    // qmllint disable unqualified
     badge: Pill {
         type: Theme.badge
         ink: root.value.firm ? Theme.inkGreen : Theme.text2

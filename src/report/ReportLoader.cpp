@@ -115,8 +115,7 @@ void ReportLoader::load(const Meeting& meeting)
     const auto read = [meeting, protocols = m_ground.protocols] {
         return Content{Transcript{transcriptText(meeting, *protocols).value_or(QString{})}, stored(meeting)};
     };
-    inBackground(this, read, [this, load = ++m_load](const Content& content) {
-        if (load != m_load) return; // something newer is shown
+    inBackground(m_load.renew(), read, [this](const Content& content) {
         m_lines = content.lines;
         const MeetingReport& report = content.analysis.report;
         const bool nothing = report.isEmpty() && report.speakers.isEmpty();
@@ -180,7 +179,7 @@ void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const 
                                    fail(Message::foreignOr(answer.errorText, "report.error.server"));
                                    return;
                                }
-                               ++m_load;
+                               m_load.end(); // what it would show is older
                                m_busy = false;
                                m_loading = false;
                                show(analysis);

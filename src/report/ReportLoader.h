@@ -3,6 +3,7 @@
 #include "MeetingReport.h"
 #include "ReportListModel.h"
 #include "Transcript.h"
+#include "base/Lease.h"
 #include "localisation/Message.h"
 #include "meetings/Meeting.h"
 
@@ -106,7 +107,7 @@ private:
     bool m_loading = false;
     bool m_asked = false;
     bool m_busy = false; ///< from the press to the answer
-    quint64 m_load = 0;  ///< the latest; an older one's outcome is dropped
+    Lease m_load;
 };
 
 } // namespace murmeli

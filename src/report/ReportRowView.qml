@@ -97,7 +97,8 @@ Item {
             }
         }
     }
-    // qmllint disable unqualified -- loaders make no bound components yet
+    // Loaders take no bound components yet.
+    // qmllint disable unqualified
     Component {
         id: heading
         Label {

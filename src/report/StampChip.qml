@@ -50,7 +50,8 @@ Button {
         text: root.text
         Accessible.ignored: true
     }
-    // qmllint disable unqualified -- loaders make no bound components yet
+    // Loaders take no bound components yet.
+    // qmllint disable unqualified
     Loader { // a pop-up is large, and most are never seen
         anchors.fill: parent
         active: root.hovered

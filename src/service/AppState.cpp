@@ -45,7 +45,7 @@ bool AppState::isProcessing() const { return m_shown.status == "processing"_L1; 
 
 void AppState::load()
 {
-    ++m_reading;
+    m_rereading.end();
     read(0);
 }
 
@@ -54,9 +54,8 @@ void AppState::read(int rereads)
     const auto bytes = files::readWhole(m_paths.stateFile, sizeLimit);
     const auto object = bytes ? json::object(*bytes) : std::nullopt;
     if (bytes && !object && rereads < int(rereadPauses.size())) {
-        m_scheduler.after(rereadPauses.at(size_t(rereads)), this, [this, rereads, reading = m_reading] {
-            if (reading == m_reading) read(rereads + 1);
-        });
+        m_scheduler.after(rereadPauses.at(size_t(rereads)), m_rereading.renew(),
+                          [this, rereads] { read(rereads + 1); });
         return;
     }
 
@@ -104,9 +103,8 @@ void AppState::dismissAuthBanner()
 
 void AppState::greet()
 {
-    const auto greeting = ++m_greeting;
-    m_scheduler.after(greetingTime, this, [this, greeting] {
-        if (greeting != m_greeting || !std::exchange(m_welcome, false)) return;
+    m_scheduler.after(greetingTime, m_greeting.renew(), [this] {
+        m_welcome = false;
         emit welcomeChanged();
     });
     if (!std::exchange(m_welcome, true)) emit welcomeChanged();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Paths.h"
+#include "base/Lease.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -91,8 +92,8 @@ private:
     Snapshot m_shown;
     bool m_welcome = false;
     double m_arrowX = 170;
-    quint64 m_reading = 0; ///< the latest reading; an older one that still waits for a reread is dropped
-    quint64 m_greeting = 0;
+    Lease m_rereading;
+    Lease m_greeting;
 };
 
 } // namespace murmeli

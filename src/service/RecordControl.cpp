@@ -31,10 +31,7 @@ void RecordControl::toggle()
     const bool written = commandFile::write(
         m_commandFile, stop ? commandFile::Action::Stop : commandFile::Action::Start, m_scheduler.now());
     set(!written ? Pending::None : stop ? Pending::Stopping : Pending::Starting, !written);
-    const auto request = ++m_request;
-    m_scheduler.after(answerTime, this, [this, request] {
-        if (request == m_request) set(Pending::None);
-    });
+    m_scheduler.after(answerTime, m_patience.renew(), [this] { set(Pending::None); });
 }
 
 void RecordControl::set(Pending pending, bool refused)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AppState.h"
+#include "base/Lease.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -45,7 +46,7 @@ private:
     Scheduler& m_scheduler;
     Pending m_pending = Pending::None;
     bool m_refused = false;
-    quint64 m_request = 0; ///< an earlier request's time-out must not end a later one
+    Lease m_patience; ///< with the latest request
 };
 
 } // namespace murmeli

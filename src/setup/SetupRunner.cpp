@@ -83,7 +83,6 @@ void SetupRunner::start()
     m_failed = false;
     m_failedStep.reset();
     m_states.fill({});
-    m_task = std::make_unique<QObject>();
     std::ignore = QtConcurrent::run(&m_logWriter, [log = m_place.logFile] {
         QDir{}.mkpath(QFileInfo{log}.path());
         QFile::remove(log);
@@ -91,10 +90,10 @@ void SetupRunner::start()
     m_processes.run({.program = u"/bin/bash"_s,
                      .arguments = {u"-c"_s, installCommand(m_place.webOrigin)},
                      .onOutput = [this](const QByteArray& chunk) { read(chunk); }},
-                    m_task.get(), [this](const ProcessResult& result) {
+                    m_task.renew(), [this](const ProcessResult& result) {
                         if (result.outcome == ProcessResult::Outcome::NotStarted)
                             m_failedStep = SetupStep::System;
-                        m_task.release()->deleteLater(); // it is this very call's context
+                        m_task.end();
                         ended(result.ok());
                     });
     publish();
@@ -103,7 +102,7 @@ void SetupRunner::start()
 void SetupRunner::cancel()
 {
     if (!isRunning()) return;
-    m_task.reset();
+    m_task.end();
     ended(false);
 }
 

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "SetupStep.h"
+#include "base/Lease.h"
 
 #include <QAbstractListModel>
 #include <QThreadPool>
 #include <QtQml/qqmlregistration.h>
-
-#include <memory>
 
 namespace murmeli {
 
@@ -100,7 +99,7 @@ private:
     bool m_failed = false; ///< the run has ended without success
     std::optional<SetupStep> m_failedStep;
     QString m_tail;
-    std::unique_ptr<QObject> m_task; ///< the run under way; the installer ends with it
+    Lease m_task; ///< the run under way; the installer ends with it
     bool m_publishing = false;
     QThreadPool m_logWriter; ///< one thread, so that the log is written in order
 };

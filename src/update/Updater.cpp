@@ -155,8 +155,7 @@ void Updater::reveal() { m_desktop.reveal(bundlePath(), u"/Applications"_s); }
 void Updater::startAutoCheck()
 {
     m_scheduler.after(firstCheck, this, [this] { check(); });
-    m_autoTimer = std::make_unique<QObject>();
-    m_scheduler.every(checkInterval, m_autoTimer.get(), [this] { check(); });
+    m_scheduler.every(checkInterval, m_checking.renew(), [this] { check(); });
 }
 
 } // namespace murmeli

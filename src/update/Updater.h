@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Lease.h"
 #include "platform/Installation.h"
 
 #include <QDateTime>
@@ -8,7 +9,6 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
-#include <memory>
 
 namespace murmeli {
 
@@ -115,7 +115,7 @@ private:
     QString m_notes;
     QString m_released;
     QDateTime m_lastChecked;
-    std::unique_ptr<QObject> m_autoTimer; ///< while it lives, the hourly check repeats
+    Lease m_checking; ///< by itself
 };
 
 } // namespace murmeli
