@@ -130,7 +130,11 @@ Item {
         RemarkBox {
             id: remark
             anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
-            detail: root.detail
+            editor: root.detail.editor
+            glossary: root.detail.glossary
+            draft: root.detail.draft
+            onWritten: draft => root.detail.draft = draft
+            onSent: root.detail.sendRemark()
         }
     }
     // qmllint disable unqualified

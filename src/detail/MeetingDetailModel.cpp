@@ -5,7 +5,6 @@
 #include "base/Json.h"
 #include "base/Scheduler.h"
 #include "base/Text.h"
-#include "glossary/GlossaryStore.h"
 #include "localisation/Language.h"
 #include "meetings/MeetingCaptions.h"
 #include "meetings/MeetingStore.h"
@@ -55,6 +54,9 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
         load();
     });
     connect(&ground.language, &Language::changed, this, &MeetingDetailModel::changed);
+    connect(&ground.drafts, &Drafts::changed, this, [this](const QString& meeting) {
+        if (meeting == m_meeting.id) emit draftChanged();
+    });
     connect(m_files.get(), &ProtocolFileMaker::shared, this, &MeetingDetailModel::built);
 }
 
@@ -113,22 +115,19 @@ void MeetingDetailModel::take(const Content& content, const std::optional<Correc
         emit corrected(m_sections.markCorrected(correction->section, correction->index, correction->before));
 }
 
-void MeetingDetailModel::setDraft(const QString& draft)
+void MeetingDetailModel::sendRemark()
 {
-    if (std::exchange(m_draft, draft) != draft) emit draftChanged();
-}
-
-void MeetingDetailModel::sendRemark(const QString& remark)
-{
+    const QString remark = draft();
     if (text::trimmed(remark).isEmpty() || m_editor.outcome() == ProtocolEditor::Outcome::Working) return;
     const auto done = [this](bool fixed) {
         if (!fixed) return;
         m_edited = true;
         load(Correction{m_editor.section(), m_editor.index(),
                         m_sections.textOf(m_editor.section(), m_editor.index())});
-        emit remarkDone();
     };
-    const auto carriedOut = [told = m_ground.carriedOut, id = m_meeting.id, remark] { told(id, remark); };
+    const auto carriedOut = [drafts = &m_ground.drafts, id = m_meeting.id, remark] {
+        drafts->carryOut(id, remark);
+    };
     m_editor.apply(remark, m_meeting, done, carriedOut);
 }
 
@@ -162,10 +161,5 @@ void MeetingDetailModel::reveal()
 void MeetingDetailModel::openReport() { m_report.load(m_meeting); }
 
 void MeetingDetailModel::buildReport() { m_report.build(m_meeting); }
-
-bool MeetingDetailModel::learn(const QString& heard, const QString& correct)
-{
-    return m_ground.glossary.learn(heard, correct);
-}
 
 } // namespace murmeli

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "base/Files.h"
+#include "glossary/GlossaryStore.h"
 #include "meetings/Meeting.h"
+#include "protocol/Drafts.h"
 #include "protocol/ProtocolEditor.h"
 #include "protocol/ProtocolFileMaker.h"
 #include "protocol/SectionListModel.h"
@@ -12,13 +14,11 @@
 #include <QWindow>
 #include <QtQml/qqmlregistration.h>
 
-#include <functional>
 #include <memory>
 
 namespace murmeli {
 
 class Desktop;
-class GlossaryStore;
 class MeetingStore;
 
 /// One opened meeting: its protocol and what can be done with it. Main thread only.
@@ -35,6 +35,7 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(QString draft READ draft WRITE setDraft NOTIFY draftChanged FINAL) ///< of a remark
     Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
+    Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::ReportLoader* report READ report CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolFileMaker* files READ files CONSTANT FINAL)
 
@@ -44,6 +45,7 @@ public:
         const Paths& paths;
         MeetingStore& store;
         GlossaryStore& glossary;
+        Drafts& drafts;
         const AuthManager& account;
         Http& http;
         Processes& processes;
@@ -52,8 +54,6 @@ public:
         const Scheduler& scheduler;
         QString webOrigin;
         QObject& background; ///< for as long as it lives, what was begun is carried out
-        /// A remark was, whether or not its meeting is still open.
-        std::function<void(const QString& id, const QString& remark)> carriedOut;
     };
 
     MeetingDetailModel(const Ground& ground, const Meeting& meeting, std::shared_ptr<ProtocolFileMaker> files,
@@ -68,15 +68,16 @@ public:
     [[nodiscard]] bool edited() const { return m_edited; }
     [[nodiscard]] bool loaded() const { return m_loaded; }
     [[nodiscard]] bool hasProtocol() const { return m_protocol.has_value(); }
-    [[nodiscard]] QString draft() const { return m_draft; }
-    void setDraft(const QString& draft);
+    [[nodiscard]] QString draft() const { return m_ground.drafts.of(m_meeting.id); }
+    void setDraft(const QString& draft) { m_ground.drafts.set(m_meeting.id, draft); }
     [[nodiscard]] SectionListModel* sections() { return &m_sections; }
     [[nodiscard]] ProtocolEditor* editor() { return &m_editor; }
+    [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] ReportLoader* report() { return &m_report; }
     [[nodiscard]] ProtocolFileMaker* files() { return m_files.get(); }
 
-    /// Nothing when the remark is empty or another one is on its way.
-    Q_INVOKABLE void sendRemark(const QString& remark);
+    /// Sends the draft. Nothing when it is empty or a remark is on its way.
+    Q_INVOKABLE void sendRemark();
 
     /// Asks where, in front of `window`, and builds the PDF there.
     Q_INVOKABLE void save(QWindow* window);
@@ -94,15 +95,11 @@ public:
     /// Asks for an analysis.
     Q_INVOKABLE void buildReport();
 
-    /// \return false when there is nothing to learn.
-    Q_INVOKABLE bool learn(const QString& heard, const QString& correct);
-
 signals:
     void changed();
     void draftChanged();
     void built(const QString& path);
-    void remarkDone();       ///< the protocol was corrected
-    void corrected(int row); ///< where, in the list of sections
+    void corrected(int row); ///< the protocol was: where, in the list of sections
 
 private:
     struct Content {
@@ -130,7 +127,6 @@ private:
     std::shared_ptr<ProtocolFileMaker> m_files;
     ReportLoader m_report;
     std::optional<QString> m_protocol;
-    QString m_draft;
     bool m_edited = false;
     bool m_loaded = false;
 };

@@ -5,6 +5,7 @@
 #include "base/Http.h"
 #include "base/Json.h"
 #include "base/Scheduler.h"
+#include "base/Text.h"
 #include "service/Prefs.h"
 
 #include <QJsonArray>
@@ -198,11 +199,12 @@ void GlossaryStore::finish(bool saved)
         then(saved);
 }
 
-bool GlossaryStore::learn(const QString& heard, const QString& correct)
+QString GlossaryStore::learn(const QString& heard, const QString& correct)
 {
     const auto entries = glossaryText::learned(m_entries, heard, correct);
-    if (entries) save(*entries);
-    return entries.has_value();
+    if (!entries) return {};
+    save(*entries);
+    return GlossaryEntry{text::trimmed(heard), text::trimmed(correct)}.line();
 }
 
 } // namespace murmeli

@@ -49,8 +49,8 @@ public:
     /// Replaces the glossary, here at once and then on the backend.
     void save(const QList<GlossaryEntry>& entries, Then then = {});
 
-    /// Adds or changes one rule and saves. \return false when there is nothing to learn.
-    Q_INVOKABLE bool learn(const QString& heard, const QString& correct);
+    /// Adds or changes one rule and saves. \return its line, empty when there is nothing to learn.
+    Q_INVOKABLE QString learn(const QString& heard, const QString& correct);
 
 signals:
     void changed();

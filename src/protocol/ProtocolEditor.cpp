@@ -28,6 +28,28 @@ namespace {
 
 using Outcome = ProtocolEditor::Outcome;
 
+struct OutcomeLook {
+    const char* symbol;
+    accent::Accent accent;
+};
+
+OutcomeLook lookOf(Outcome outcome)
+{
+    switch (outcome) {
+    case Outcome::Working:
+        return {"hourglass", accent::Progress};
+    case Outcome::Fixed:
+        return {"checkmark.circle.fill", accent::Success};
+    case Outcome::NotFound:
+        return {"magnifyingglass", accent::Absence};
+    case Outcome::Failed:
+        return {"exclamationmark.triangle", accent::Failure};
+    case Outcome::Idle:
+        break;
+    }
+    return {"", accent::Progress};
+}
+
 /// What has come of a remark.
 struct Result {
     Outcome outcome = Outcome::NotFound;
@@ -167,6 +189,10 @@ ProtocolEditor::ProtocolEditor(Place place, const AuthManager& account, Http& ht
       m_background(background)
 {
 }
+
+QString ProtocolEditor::symbol() const { return QString::fromLatin1(lookOf(m_outcome).symbol); }
+
+accent::Accent ProtocolEditor::accent() const { return lookOf(m_outcome).accent; }
 
 Message ProtocolEditor::message() const
 {

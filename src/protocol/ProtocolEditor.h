@@ -1,6 +1,7 @@
 #pragma once
 
 #include "localisation/Message.h"
+#include "ui/Accent.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -24,7 +25,9 @@ class ProtocolEditor final : public QObject {
     QML_UNCREATABLE("made for a meeting and handed to its view")
     Q_PROPERTY(Outcome outcome READ outcome NOTIFY changed FINAL)
     Q_PROPERTY(
-        murmeli::Message message READ message NOTIFY changed FINAL) ///< what there is to say of the outcome
+        murmeli::Message message READ message NOTIFY changed FINAL) ///< of the outcome; so are its looks
+    Q_PROPERTY(QString symbol READ symbol NOTIFY changed FINAL)
+    Q_PROPERTY(murmeli::accent::Accent accent READ accent NOTIFY changed FINAL)
 
 public:
     enum class Outcome { Idle, Working, Fixed, NotFound, Failed };
@@ -45,6 +48,8 @@ public:
 
     [[nodiscard]] Outcome outcome() const { return m_outcome; }
     [[nodiscard]] Message message() const;
+    [[nodiscard]] QString symbol() const; ///< empty while there is nothing to tell
+    [[nodiscard]] accent::Accent accent() const;
     [[nodiscard]] QString section() const { return m_section; } ///< of the fixed item
     [[nodiscard]] qsizetype index() const { return m_index; }
 

@@ -25,8 +25,7 @@ class ProtocolFileMaker final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("made for a meeting and handed to its view")
     Q_PROPERTY(Outcome outcome READ outcome NOTIFY changed FINAL)
-    Q_PROPERTY(
-        murmeli::Message message READ message NOTIFY changed FINAL) ///< what there is to say of the outcome
+    Q_PROPERTY(murmeli::Message message READ message NOTIFY changed FINAL) ///< of the outcome
 
 public:
     enum class Outcome { Idle, Working, Saved, Failed };

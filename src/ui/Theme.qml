@@ -75,6 +75,10 @@ QtObject {
     readonly property color text4: dark ? "#565966" : "#A6A8B3"
 
 
+    // In the order of Accent.
+    readonly property var accents: [cyan, green, violet, pink, red]
+    readonly property var accentInks: [inkCyan, inkGreen, inkViolet, inkPink, inkRed]
+
     function alpha(ink: color, opacity: real): color {
         return Qt.rgba(ink.r, ink.g, ink.b, opacity);
     }

@@ -3,7 +3,6 @@
 #include "base/Text.h"
 #include "platform/Desktop.h"
 
-#include <functional>
 #include <utility>
 
 namespace murmeli {
@@ -15,6 +14,7 @@ MainModel::MainModel(const Ground& ground, QObject* parent)
       m_assistant(ground.glossary)
 {
     ground.glossary.reload();
+    connect(&m_drafts, &Drafts::carriedOut, &m_store, &MeetingStore::reload);
 }
 
 MainModel::~MainModel() = default;
@@ -29,13 +29,12 @@ void MainModel::open(const QString& id)
     const Meeting* meeting = m_store.list()->find(id);
     if (!meeting) return;
     auto old = std::exchange(
-        m_detail, std::make_unique<MeetingDetailModel>(
-                      MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_ground.account,
-                                                 m_ground.http, m_ground.processes, m_ground.desktop,
-                                                 m_ground.language, m_ground.scheduler, m_ground.webOrigin,
-                                                 m_background, std::bind_front(&MainModel::carriedOut, this)},
-                      *meeting, filesOf(*meeting)));
-    m_detail->setDraft(m_drafts.value(id));
+        m_detail,
+        std::make_unique<MeetingDetailModel>(
+            MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_drafts, m_ground.account,
+                                       m_ground.http, m_ground.processes, m_ground.desktop, m_ground.language,
+                                       m_ground.scheduler, m_ground.webOrigin, m_background},
+            *meeting, filesOf(*meeting)));
     emit detailChanged();
     leave(std::move(old));
 }
@@ -61,19 +60,7 @@ void MainModel::leave(std::unique_ptr<MeetingDetailModel> detail)
     if (!detail) return;
     // A build goes on without the view that began it.
     if (detail->files()->outcome() != ProtocolFileMaker::Outcome::Working) m_files.remove(detail->id());
-    if (detail->draft().isEmpty()) {
-        m_drafts.remove(detail->id());
-    } else {
-        m_drafts[detail->id()] = detail->draft();
-    }
     detail.release()->deleteLater(); // its view still reads it
-}
-
-void MainModel::carriedOut(const QString& id, const QString& remark)
-{
-    m_store.reload();
-    if (m_drafts.value(id) == remark) m_drafts.remove(id);
-    if (m_detail && m_detail->id() == id && m_detail->draft() == remark) m_detail->setDraft({});
 }
 
 QString MainModel::back()

@@ -71,19 +71,17 @@ signals:
 private:
     std::shared_ptr<ProtocolFileMaker> filesOf(const Meeting& meeting);
     void leave(std::unique_ptr<MeetingDetailModel> detail);
-    /// A remark was: its words are wanted no more.
-    void carriedOut(const QString& id, const QString& remark);
 
     Ground m_ground;
     QObject m_background;
     MeetingStore m_store;
+    Drafts m_drafts;
     AssistantModel m_assistant;
     Tab m_tab = Tab::Meetings;
     std::unique_ptr<MeetingDetailModel> m_detail;
     bool m_onScreen = false;
     QHash<QString, std::shared_ptr<ProtocolFileMaker>>
-        m_files;                      ///< by the meeting: of the open one, and at work
-    QHash<QString, QString> m_drafts; ///< remarks that were not sent, by the meeting
+        m_files; ///< by the meeting: of the open one, and at work
 };
 
 } // namespace murmeli

@@ -205,7 +205,8 @@ bool shoot(const MainShot& shot, const Frame& frame)
         settle(300);
     }
     if (!shot.answer.isNull()) {
-        model.detail()->sendRemark(u"Срок по текстам — среда"_s);
+        model.detail()->setDraft(u"Срок по текстам — среда"_s);
+        model.detail()->sendRemark();
         if (!shot.answer.isEmpty())
             await([&] { return model.detail()->editor()->outcome() != ProtocolEditor::Outcome::Working; });
     }

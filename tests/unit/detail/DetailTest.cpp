@@ -131,7 +131,7 @@ private slots:
         m->program.signIn();
         MeetingDetailModel& left = m->open();
         left.setDraft(u"замени"_s);
-        left.sendRemark(u"замени"_s);
+        left.sendRemark();
         QTRY_VERIFY(waiting);
         m->main->back();
         const MeetingDetailModel& again = m->open();

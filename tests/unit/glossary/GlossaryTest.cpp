@@ -198,7 +198,7 @@ private slots:
         };
         m->signIn();
         QTRY_VERIFY(waiting);
-        QVERIFY(store->learn(u"Квен"_s, u"Qwen"_s));
+        QCOMPARE(store->learn(u" Квен"_s, u"Qwen "_s), u"Квен → Qwen"_s);
         waiting->write(Server::answer(200, R"([{"glossary":"до этого"}])"));
         QTRY_COMPARE(told(store->entries()), u"до этого|Квен>Qwen"_s);
         QTRY_VERIFY(store->savedAt().isValid());

@@ -1,5 +1,5 @@
 import QtQuick
-import Murmeli.Detail
+import Murmeli.Glossary
 import Murmeli.Localisation
 import Murmeli.Ui
 
@@ -7,7 +7,7 @@ import Murmeli.Ui
 Rectangle {
     id: root
 
-    required property MeetingDetailModel detail
+    required property GlossaryStore glossary
 
     signal learned(string rule)
     signal closed()
@@ -16,8 +16,9 @@ Rectangle {
         heard.forceActiveFocus(Qt.OtherFocusReason);
     }
     function add(): void {
-        if (!root.detail.learn(heard.text, correct.text)) return;
-        root.learned(heard.text.trim() + " → " + correct.text.trim());
+        const rule = root.glossary.learn(heard.text, correct.text);
+        if (rule.length === 0) return;
+        root.learned(rule);
         heard.clear();
         correct.clear();
         heard.forceActiveFocus(Qt.OtherFocusReason);

@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import Murmeli.Detail
+import Murmeli.Glossary
 import Murmeli.Localisation
 import Murmeli.Protocol
 import Murmeli.Ui
@@ -9,29 +9,29 @@ import Murmeli.Ui
 Item {
     id: root
 
-    required property MeetingDetailModel detail
-    readonly property ProtocolEditor editor: detail.editor
+    required property ProtocolEditor editor
+    required property GlossaryStore glossary
+    required property string draft
     readonly property bool working: editor.outcome === ProtocolEditor.Working
     readonly property bool failed: editor.outcome === ProtocolEditor.Failed
     property bool teaching: false
     property string learned
 
+    signal written(string draft)
+    signal sent()
+
     function send(): void {
         root.learned = "";
-        root.detail.sendRemark(field.text);
+        root.sent();
     }
 
     implicitHeight: column.height + 30
+    onDraftChanged: if (field.text !== draft) field.text = draft
 
     Rectangle {
         width: parent.width
         height: Theme.hair
         color: Theme.line
-    }
-    Connections {
-        target: root.detail
-        function onRemarkDone() { field.clear(); }
-        function onDraftChanged() { if (field.text !== root.detail.draft) field.text = root.detail.draft; }
     }
     Column {
         id: column
@@ -49,7 +49,7 @@ Item {
             TeachBox {
                 id: teach
                 width: parent.width
-                detail: root.detail
+                glossary: root.glossary
                 onLearned: rule => {
                     if (!root.working) root.editor.reset(); // the line tells what was done last
                     root.learned = rule;
@@ -101,9 +101,9 @@ Item {
                     KeyNavigation.tab: button.visible && button.ready ? button : teachLink
                     Accessible.role: Accessible.EditableText
                     Accessible.name: L.t("detail.remark")
-                    Component.onCompleted: text = root.detail.draft
+                    Component.onCompleted: text = root.draft
                     onTextChanged: {
-                        root.detail.draft = text;
+                        root.written(text);
                         if (text.length > 0 && !root.working) root.editor.reset();
                     }
                     Keys.onReturnPressed: event => {
@@ -166,12 +166,10 @@ Item {
             Symbol {
                 id: glyph
                 y: outcome.y + 1
-                visible: root.editor.outcome !== ProtocolEditor.Idle || root.learned.length > 0
+                visible: name.length > 0
                 size: Theme.symbolText
-                name: root.working ? "hourglass" : root.failed ? "exclamationmark.triangle"
-                    : root.editor.outcome === ProtocolEditor.NotFound ? "magnifyingglass" : "checkmark.circle.fill"
-                ink: root.working ? Theme.inkCyan : root.failed ? Theme.inkRed
-                    : root.editor.outcome === ProtocolEditor.NotFound ? Theme.inkPink : Theme.inkGreen
+                name: root.editor.symbol || (root.learned.length > 0 ? "checkmark.circle.fill" : "")
+                ink: root.editor.symbol.length > 0 ? Theme.accentInks[root.editor.accent] : Theme.inkGreen
                 RotationAnimation on rotation {
                     running: root.working && root.Window.visibility !== Window.Hidden && Theme.motion
                     loops: Animation.Infinite
