@@ -19,9 +19,6 @@ namespace {
 constexpr auto blinkInterval = 700ms;
 constexpr auto trayPatience = 2s; ///< at log-in the tray may come later than we do
 
-const QColor recordingRed = QColor::fromRgbF(0.855F, 0.243F, 0.31F);
-constexpr float dimAlpha = 0.4F;
-
 QIcon iconOf(const std::function<QImage(int)>& draw)
 {
     QIcon icon;
@@ -80,16 +77,13 @@ void TrayFace::updateIcon()
 {
     StatusItem::Look look;
     if (m_state.isRecording()) {
-        QColor disc = recordingRed;
-        if (!m_bright) disc.setAlphaF(dimAlpha);
         look.isTemplate = false;
-        look.icon = iconOf([&](int side) { return symbols::recording(side, disc); });
+        look.icon = iconOf([&](int side) { return symbols::recording(side, m_bright); });
     } else {
         const bool processing = m_state.isProcessing();
         const QString symbol = processing ? u"gearshape.2.fill"_s : u"waveform.tray"_s;
-        const QColor ink = m_look.dark() ? QColor{0xff, 0xff, 0xff} : QColor{0x1b, 0x1c, 0x22};
         look.symbolName = processing ? u"murmeli-processing-symbolic"_s : u"murmeli-idle-symbolic"_s;
-        look.icon = iconOf([&](int side) { return symbols::inked(symbol, side, ink); });
+        look.icon = iconOf([&](int side) { return symbols::onBar(symbol, side, m_look.dark()); });
     }
     m_statusItem.setLook(look);
 }

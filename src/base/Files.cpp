@@ -201,12 +201,14 @@ Identity identity(const QByteArray& nativePath)
     return info ? identityOf(*info) : Identity{};
 }
 
-bool isSettled(const Identity& identity)
+qint64 nsSinceChange(const Identity& identity)
 {
     timespec now{};
     ::clock_gettime(CLOCK_REALTIME, &now);
-    return std::abs(nanoseconds(now) - identity.changedNs) > clockTick;
+    return nanoseconds(now) - identity.changedNs;
 }
+
+bool isSettled(const Identity& identity) { return std::abs(nsSinceChange(identity)) > clockTick; }
 
 bool writeInPlace(const QString& path, const QByteArray& bytes)
 {

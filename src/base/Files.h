@@ -36,6 +36,10 @@ Identity identity(const QByteArray& nativePath); ///< as the file system spells 
 /// the one above; empty when it cannot be listed.
 QList<QByteArray> namesIn(const QByteArray& nativeFolder);
 
+/// How long ago the file was changed, by the clock that file systems stamp with, which nobody can hand in;
+/// negative when that clock was set back meanwhile.
+qint64 nsSinceChange(const Identity& identity);
+
 /// Whether an equal identity means equal content. File systems tell time in ticks, so a file changed a moment
 /// ago may change again without a trace.
 bool isSettled(const Identity& identity);

@@ -83,6 +83,7 @@ Item {
             ScrollBar.vertical: ScrollThumb { }
             Keys.onUpPressed: flick(0, 700)
             Keys.onDownPressed: flick(0, -700)
+            // Bound as a whole, the file could not have its loader below.
             // qmllint disable unqualified
             header: Label {
                 x: Theme.padMain
@@ -137,6 +138,7 @@ Item {
             onSent: root.detail.sendRemark()
         }
     }
+    // Loaders take no bound components yet.
     // qmllint disable unqualified
     Loader {
         id: analysis

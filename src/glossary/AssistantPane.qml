@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Glossary
@@ -115,7 +117,6 @@ Item {
             ScrollBar.vertical: ScrollThumb { }
             onActiveFocusChanged: if (activeFocus && currentIndex < 0) currentIndex = 0
             Keys.onDeletePressed: root.model.removeAt(currentIndex)
-            // qmllint disable unqualified
             delegate: GlossaryRow {
                 id: row
 
@@ -133,7 +134,6 @@ Item {
                     color: Theme.line
                 }
             }
-            // qmllint enable unqualified
             add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.base } }
             displaced: Transition { enabled: Theme.motion; NumberAnimation { property: "y"; duration: Theme.base; easing.type: Easing.OutCubic } }
         }

@@ -15,11 +15,6 @@ namespace {
 
 constexpr qint64 writingTime = 2'000'000'000; // nanoseconds in which a file's writer may still be at work
 
-bool freshlyChanged(const files::Identity& identity)
-{
-    return QDateTime::currentMSecsSinceEpoch() * 1'000'000 - identity.changedNs < writingTime;
-}
-
 } // namespace
 
 MeetingScanner::MeetingScanner(const QString& folder) : m_folder(QFile::encodeName(folder)) {}
@@ -41,7 +36,7 @@ void MeetingScanner::look(Look& look) const
     }
     known.identity = identity;
     known.settled = files::isSettled(identity);
-    if (!meeting && known.listed && identity.size >= 0 && freshlyChanged(identity)) {
+    if (!meeting && known.listed && identity.size >= 0 && files::nsSinceChange(identity) < writingTime) {
         known.settled = false; // being written: what was known stays until the writer has come to its end
         look.restless = true;
         return;

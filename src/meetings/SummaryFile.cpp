@@ -3,6 +3,8 @@
 #include "base/Json.h"
 #include "base/Text.h"
 
+#include <QRegularExpression>
+
 #include <ctime>
 #include <simdjson.h>
 
@@ -71,106 +73,35 @@ std::optional<Said> read(const QByteArray& bytes)
                 .startedAt = json::optionalText(meta, "started_at"_L1)};
 }
 
-/// Reads fields of digits between given separators: a date has no use for more.
-class Digits {
-public:
-    explicit Digits(QStringView text) : m_text(text) {}
-
-    /// A number of exactly `count` digits.
-    int number(int count)
-    {
-        int value = 0;
-        for (int i = 0; i < count; ++i) {
-            const ushort c = m_at < m_text.size() ? m_text[m_at].unicode() : 0;
-            m_good = m_good && c >= '0' && c <= '9';
-            value = m_good ? value * 10 + (c - '0') : 0;
-            ++m_at;
-        }
-        return value;
-    }
-    bool take(QChar c)
-    {
-        if (m_at >= m_text.size() || m_text[m_at] != c) return false;
-        ++m_at;
-        return true;
-    }
-    void expect(QChar c) { m_good = take(c) && m_good; }
-    [[nodiscard]] bool atEnd() const { return m_good && m_at == m_text.size(); }
-    [[nodiscard]] bool digitNext() const
-    {
-        return m_at < m_text.size() && m_text[m_at] >= u'0' && m_text[m_at] <= u'9';
-    }
-
-private:
-    QStringView m_text;
-    qsizetype m_at = 0;
-    bool m_good = true;
-};
-
-struct Moment {
-    QDate date;
-    QTime time;
-    [[nodiscard]] bool isValid() const { return date.isValid() && time.isValid(); }
-};
-
-Moment moment(Digits& digits, QChar between, QChar inTime)
-{
-    const int year = digits.number(4);
-    digits.expect(u'-');
-    const int month = digits.number(2);
-    digits.expect(u'-');
-    const int day = digits.number(2);
-    digits.expect(between);
-    const int hour = digits.number(2);
-    digits.expect(inTime);
-    const int minute = digits.number(2);
-    digits.expect(inTime);
-    const int second = digits.number(2);
-    return {QDate{year, month, day}, QTime{hour, minute, second}};
-}
-
 /// With the offset that local time has at that moment. A date in local time as such would make the system
 /// look at its time zone's file, several times for each of the thousands of meetings of a scan.
-QDateTime localMoment(qint64 seconds, int milliseconds)
+QDateTime inLocalTime(qint64 milliseconds)
 {
-    const auto moment = time_t(seconds + milliseconds / 1000);
+    const auto moment = time_t(milliseconds / 1000);
     std::tm local{};
     const int offset = ::localtime_r(&moment, &local) ? int(local.tm_gmtoff) : 0;
-    return QDateTime::fromMSecsSinceEpoch(seconds * 1000 + milliseconds, Qt::OffsetFromUTC, offset);
+    return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::OffsetFromUTC, offset);
 }
 
 } // namespace
 
+// Qt would also take dates without a time, without a zone or with spaces, and the end of a day as 24:00.
 std::optional<QDateTime> internetDate(const QString& text)
 {
-    Digits digits{text};
-    const Moment utc = moment(digits, u'T', u':');
-    int milliseconds = 0;
-    if (digits.take(u'.')) {
-        milliseconds = digits.number(1) * 100;
-        for (int worth = 10; digits.digitNext(); worth /= 10)
-            milliseconds += digits.number(1) * worth;
-    }
-    int offset = 0; // seconds
-    if (!digits.take(u'Z')) {
-        const int sign = digits.take(u'-') ? -1 : 1;
-        if (sign > 0) digits.expect(u'+');
-        offset = digits.number(2) * 3600;
-        digits.expect(u':');
-        offset = sign * (offset + digits.number(2) * 60);
-    }
-    if (!digits.atEnd() || !utc.isValid()) return std::nullopt;
-    constexpr qint64 epoch = 2'440'588; // as a Julian day
-    const qint64 seconds = (utc.date.toJulianDay() - epoch) * 86'400 - offset;
-    return localMoment(seconds, utc.time.msecsSinceStartOfDay() + milliseconds);
+    static const QRegularExpression shape{
+        uR"(\A\d{4}-\d\d-\d\dT(?!24)\d\d:\d\d:\d\d(\.\d+)?(Z|[+-]\d\d:\d\d)\z)"_s};
+    if (!shape.match(text).hasMatch()) return std::nullopt;
+    const QDateTime moment = QDateTime::fromString(text, Qt::ISODateWithMs);
+    return moment.isValid() ? std::optional{inLocalTime(moment.toMSecsSinceEpoch())} : std::nullopt;
 }
 
 std::optional<QDateTime> dateFromStem(const QString& stem)
 {
-    Digits digits{stem};
-    const Moment local = moment(digits, u' ', u'-');
-    return digits.atEnd() && local.isValid() ? std::optional{QDateTime{local.date, local.time}}
-                                             : std::nullopt;
+    static const QRegularExpression shape{uR"(\A(\d{4}-\d\d-\d\d) (?!24)(\d\d)-(\d\d)-(\d\d)\z)"_s};
+    QString spelt = stem;
+    spelt.replace(shape, u"\\1T\\2:\\3:\\4"_s);
+    const QDateTime local = QDateTime::fromString(spelt, Qt::ISODate);
+    return spelt != stem && local.isValid() ? std::optional{local} : std::nullopt;
 }
 
 std::optional<Meeting> meeting(const QByteArray& bytes, const QString& path, const QString& stem,

@@ -8,7 +8,8 @@ import Murmeli.Ui
 Window {
     id: root
 
-    required property rect card
+    required property rect available // of the screen
+    required property int others // that are on screen already
     required property string cardTitle
     required property string message
     required property bool starting
@@ -20,14 +21,14 @@ Window {
         | Qt.WindowDoesNotAcceptFocus | Qt.NoDropShadowWindowHint
     color: Theme.clear
     title: cardTitle
-    x: card.x - Theme.shadowExtent
-    y: card.y - margin
-    width: card.width + 2 * Theme.shadowExtent
-    height: card.height + margin + Theme.shadowExtent
+    x: available.x + available.width - Theme.toastWidth - Theme.toastMargin - Theme.shadowExtent
+    y: available.y + Theme.toastGap + (Theme.toastHeight + Theme.toastGap) * others - margin
+    width: Theme.toastWidth + 2 * Theme.shadowExtent
+    height: Theme.toastHeight + margin + Theme.shadowExtent
     opacity: strength
     visible: strength > 0
 
-    readonly property int margin: Math.min(Theme.shadowExtent, 8)
+    readonly property int margin: Math.min(Theme.shadowExtent, Theme.toastGap)
 
     Behavior on strength { NumberAnimation { duration: Theme.base; easing.type: Easing.OutCubic } }
 
@@ -47,8 +48,8 @@ Window {
         id: body
         x: Theme.shadowExtent
         y: root.margin
-        width: root.card.width
-        height: root.card.height
+        width: Theme.toastWidth
+        height: Theme.toastHeight
         radius: Theme.compositing ? Theme.rToast : 0
         color: Theme.bgPop
         border.width: Theme.hair

@@ -15,12 +15,7 @@ namespace murmeli {
 
 namespace {
 
-constexpr int width = 330;
-constexpr int height = 74;
-constexpr int rightMargin = 12;
-constexpr int gap = 8;
 constexpr auto shownFor = 4500ms;
-constexpr auto fadeTime = 220ms;
 
 } // namespace
 
@@ -36,12 +31,6 @@ ToastCenter::~ToastCenter()
         delete window;
 }
 
-QRect ToastCenter::place(const QRect& available, int others)
-{
-    return {available.x() + available.width() - width - rightMargin,
-            available.y() + gap + (height + gap) * others, width, height};
-}
-
 void ToastCenter::show(const ToastText& toast)
 {
     const QRect available = m_available();
@@ -50,21 +39,22 @@ void ToastCenter::show(const ToastText& toast)
         m_component = std::make_unique<QQmlComponent>(
             &m_engine, QUrl{u"qrc:/qt/qml/Murmeli/Notices/Toast.qml"_s}, QQmlComponent::PreferSynchronous);
     }
-    auto* window = qobject_cast<QQuickWindow*>(
-        m_component->createWithInitialProperties({{u"card"_s, place(available, count())},
-                                                  {u"cardTitle"_s, toast.title},
-                                                  {u"message"_s, toast.message},
-                                                  {u"starting"_s, toast.starting},
-                                                  {u"symbol"_s, toast.symbol}}));
+    auto* window =
+        qobject_cast<QQuickWindow*>(m_component->createWithInitialProperties({{u"available"_s, available},
+                                                                              {u"others"_s, count()},
+                                                                              {u"cardTitle"_s, toast.title},
+                                                                              {u"message"_s, toast.message},
+                                                                              {u"starting"_s, toast.starting},
+                                                                              {u"symbol"_s, toast.symbol}}));
     if (!window) return;
     m_windows.push_back(window);
     windowSystem::floatEverywhere(window);
     window->setProperty("shown", true);
 
-    m_scheduler.after(shownFor, window, [this, window] {
-        window->setProperty("shown", false);
-        m_scheduler.after(fadeTime, window, [this, window] { remove(window); });
+    connect(window, &QWindow::visibleChanged, this, [this, window](bool visible) {
+        if (!visible) remove(window);
     });
+    m_scheduler.after(shownFor, window, [window] { window->setProperty("shown", false); });
 }
 
 void ToastCenter::remove(const QQuickWindow* window)

@@ -36,9 +36,6 @@ public:
 
     void show(const ToastText& toast);
 
-    /// Where the card lies that is shown while `others` are on screen.
-    static QRect place(const QRect& available, int others);
-
     [[nodiscard]] int count() const { return int(m_windows.size()); }
 
 private:

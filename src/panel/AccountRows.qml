@@ -123,6 +123,7 @@ ColumnLayout {
         text: L.t("panel.sign_in")
         onClicked: root.account.login()
     }
+    // Loaders take no bound components yet.
     // qmllint disable unqualified
     Loader { // few sign in twice
         Layout.fillWidth: true

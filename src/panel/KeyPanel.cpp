@@ -12,7 +12,6 @@
 #include <QKeyEvent>
 #include <QQuickItem>
 #include <QScreen>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -123,7 +122,7 @@ void KeyPanel::setOpen(bool open)
 void KeyPanel::hideEvent(QHideEvent* event)
 {
     QQuickView::hideEvent(event);
-    QTimer::singleShot(0, qApp, memory::giveBack); // once what was shown has gone
+    QMetaObject::invokeMethod(qApp, &memory::giveBack, Qt::QueuedConnection); // once what was shown has gone
     if (m_kind == Kind::Ordinary && m_open) setOpen(false);
 }
 

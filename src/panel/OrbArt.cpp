@@ -146,10 +146,7 @@ void OrbArt::paintCore(QPainter& painter) const
     painter.restore();
 
     QLinearGradient rim{disc.topLeft(), disc.bottomLeft()};
-    rim.setColorAt(0, faded(Qt::white, 0.55));
-    rim.setColorAt(0.42, faded(Qt::white, 0));
-    rim.setColorAt(0.70, faded(Qt::white, 0));
-    rim.setColorAt(1, faded(Qt::white, 0.16));
+    rim.setStops(stopsOf(m_style.value(u"rim"_s)));
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen{rim, 1});
     painter.drawEllipse(disc.adjusted(0.5, 0.5, -0.5, -0.5));

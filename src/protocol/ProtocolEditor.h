@@ -27,7 +27,7 @@ class ProtocolEditor final : public QObject {
     Q_PROPERTY(
         murmeli::Message message READ message NOTIFY changed FINAL) ///< of the outcome; so are its looks
     Q_PROPERTY(QString symbol READ symbol NOTIFY changed FINAL)
-    Q_PROPERTY(murmeli::accent::Accent accent READ accent NOTIFY changed FINAL)
+    Q_PROPERTY(int accent READ accent NOTIFY changed FINAL) ///< an Accent
 
 public:
     enum class Outcome { Idle, Working, Fixed, NotFound, Failed };

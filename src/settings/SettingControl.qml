@@ -14,6 +14,7 @@ Loader {
     required property string subtitle
     readonly property int revision: model.revision
 
+    // Loaders take no bound components yet.
     // qmllint disable unqualified
     sourceComponent: row.kind === SettingKind.Toggle ? toggle : row.kind === SettingKind.Choice ? choice
         : row.kind === SettingKind.Stepper ? stepper : action

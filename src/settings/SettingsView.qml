@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Localisation
@@ -46,7 +48,6 @@ Rectangle {
                 text: L.t("settings.title")
                 Accessible.role: Accessible.Heading
             }
-            // qmllint disable unqualified
             Repeater {
                 model: root.model.sections
                 Column {
@@ -86,7 +87,6 @@ Rectangle {
                     }
                 }
             }
-            // qmllint enable unqualified
             Label {
                 topPadding: 22
                 leftPadding: Theme.gapSmall

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Ui
@@ -66,7 +68,6 @@ ComboBox {
         name: "chevron.up.chevron.down"
         ink: Theme.text3
     }
-    // qmllint disable unqualified
     delegate: ItemDelegate {
         id: line
         required property var modelData
@@ -123,5 +124,4 @@ ComboBox {
         enter: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.quick } }
         exit: Transition { NumberAnimation { property: "opacity"; to: 0; duration: Theme.quick } }
     }
-    // qmllint enable unqualified
 }

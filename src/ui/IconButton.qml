@@ -42,6 +42,7 @@ Button {
             ink: root.hovered || root.pressed ? Theme.text1 : Theme.text2
         }
     }
+    // Loaders take no bound components yet.
     // qmllint disable unqualified
     Loader { // a pop-up is large, and most are never seen
         anchors.fill: parent

@@ -51,14 +51,19 @@ QImage inked(const QString& name, int pixels, const QColor& ink)
     return image;
 }
 
-QImage recording(int pixels, const QColor& discColor)
+QImage onBar(const QString& name, int pixels, bool dark)
 {
-    static QHash<std::pair<int, QRgb>, QImage> cache; // the blink comes back to the same two looks
-    QImage& image = cache[{pixels, discColor.rgba()}];
+    return inked(name, pixels, dark ? QColor{0xff, 0xff, 0xff} : QColor{0x1b, 0x1c, 0x22});
+}
+
+QImage recording(int pixels, bool bright)
+{
+    static QHash<std::pair<int, bool>, QImage> cache; // the blink comes back to the same two looks
+    QImage& image = cache[{pixels, bright}];
     if (!image.isNull()) return image;
-    const QByteArray disc = QByteArray{"fill=\""} + discColor.name().toLatin1() + "\" fill-opacity=\"" +
-                            QByteArray::number(discColor.alphaF()) + "\"";
-    image = rendered(source(u"waveform.circle.fill.palette"_s).replace("fill=\"#DA3E4F\"", disc), pixels);
+    const QByteArray disc{R"(fill="#DA3E4F")"};
+    const QByteArray dimmed = disc + R"( fill-opacity="0.4")";
+    image = rendered(source(u"waveform.circle.fill.palette"_s).replace(disc, bright ? disc : dimmed), pixels);
     return image;
 }
 

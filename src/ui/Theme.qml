@@ -44,10 +44,8 @@ QtObject {
     readonly property color mark: alpha(violet, 0.30)
     readonly property color badgeFrom: "#8467FF"
     readonly property color badgeTo: "#4A72F3"
-    readonly property color topLight: alpha(white, 0.28)
 
     // Surfaces.
-    readonly property color desk: dark ? "#23242C" : "#D9DAE1"
     readonly property color bgWindow: dark ? "#121318" : "#FCFCFD"
     readonly property color bgSide: dark ? "#0D0E12" : "#F3F3F6"
     readonly property color bgPanel: dark ? "#16171D" : "#FBFBFC"
@@ -199,16 +197,15 @@ QtObject {
     readonly property int toastWidth: 330
     readonly property int toastHeight: 74
     readonly property int toastDisc: 42
+    readonly property int toastMargin: 12 // to the screen's edge
+    readonly property int toastGap: 8
 
     // Shadows: what lies around a pop-over, and how far it reaches.
     readonly property int shadowExtent: compositing ? 48 : 0
     readonly property color popEdge: alpha(shade, 0.10)
     readonly property color popShadow: dark ? alpha(black, 0.48) : alpha(night, 0.20)
-    readonly property color popShadowNear: dark ? alpha(black, 0.35) : alpha(night, 0.10)
     readonly property int popShadowOffset: 18
     readonly property int popShadowBlur: 44
-    readonly property int popShadowNearOffset: 2
-    readonly property int popShadowNearBlur: 6
 
     // Motion in milliseconds. Movement stops where the desktop asks for less of it; fades stay, but quick.
     readonly property bool motion: !reducedMotion
@@ -240,12 +237,14 @@ QtObject {
 
     // The orb's faces. Colours as [position, colour] stops.
     readonly property real haloStrength: dark ? 1 : 0.62
+    readonly property var orbRim: [[0, alpha(white, 0.55)], [0.42, alpha(white, 0)], [0.70, alpha(white, 0)], [1, alpha(white, 0.16)]]
     readonly property var orbIdle: ({
             accent: violet,
             core: [[0, "#8A6CFF"], [0.48, "#6A56FA"], [1, "#3B82F6"]],
             glow: { x: 0.72, y: 0.92, radius: 40, color: alpha(cyan, 0.50) },
             shade: orbIdleShade,
             light: alpha(white, 0.38),
+            rim: orbRim,
             arcStart: 210,
             arc: [[0, alpha(violet, 0)], [0.22, violet], [0.44, blue], [0.60, cyan], [0.74, alpha(cyan, 0)], [1, alpha(cyan, 0)]],
             rings: []
@@ -256,6 +255,7 @@ QtObject {
             glow: { x: 0.78, y: 0.88, radius: 41, color: alpha(pink, 0.85) },
             shade: orbRecordingShade,
             light: alpha(white, 0.40),
+            rim: orbRim,
             arcStart: 0,
             arc: [[0, red], [0.5, pink], [1, red]],
             rings: [{ diameter: 154, color: alpha(red, 0.36) }, { diameter: 178, color: alpha(red, 0.15) }]
@@ -265,6 +265,7 @@ QtObject {
             core: [[0, "#2BC3E6"], [0.50, "#2C9BEA"], [1, "#3B6FEF"]],
             shade: orbProcessingShade,
             light: alpha(white, 0.30),
+            rim: orbRim,
             arcStart: 120,
             arc: dark ? [[0, alpha(cyan, 0)], [0.08, alpha(cyan, 0)], [0.62, cyan], [0.746, "#FFFFFF"], [0.75, alpha(cyan, 0)], [1, alpha(cyan, 0)]]
                       : [[0, alpha(orbDeepCyan, 0)], [0.08, alpha(orbDeepCyan, 0)], [0.62, "#22B8D8"], [0.746, "#0A7FA8"], [0.75, alpha(orbDeepCyan, 0)], [1, alpha(orbDeepCyan, 0)]],
@@ -281,8 +282,6 @@ QtObject {
     readonly property color orbDeepCyan: "#0E96BE"
     readonly property color orbTrack: dark ? lineField : line
     readonly property color orbDim: alpha(black, 0.18)
-    readonly property real rimTop: 0.55
-    readonly property real rimBottom: 0.16
 
     readonly property color toastStartFrom: "#FF6A70"
     readonly property color toastStartTo: "#EA4579"

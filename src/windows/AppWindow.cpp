@@ -8,7 +8,6 @@
 #include <QKeyEvent>
 #include <QScreen>
 #include <QSettings>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -69,7 +68,7 @@ void AppWindow::hideEvent(QHideEvent* event)
 {
     rememberPlace();
     QQuickView::hideEvent(event);
-    QTimer::singleShot(0, qApp, memory::giveBack); // once what was shown has gone
+    QMetaObject::invokeMethod(qApp, &memory::giveBack, Qt::QueuedConnection); // once what was shown has gone
 }
 
 void AppWindow::present()

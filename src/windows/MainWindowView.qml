@@ -80,6 +80,7 @@ Rectangle {
             height: parent.height
             active: root.model.detail !== null
             visible: root.inDetail
+            // Loaders take no bound components yet.
             // qmllint disable unqualified
             sourceComponent: MeetingDetail {
                 detail: root.model.detail
@@ -105,6 +106,7 @@ Rectangle {
             enabled: root.onAssistant
             visible: enabled
         }
+        // Loaders take no bound components yet.
         // qmllint disable unqualified
         Loader {
             width: parent.width

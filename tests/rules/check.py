@@ -74,6 +74,7 @@ SYSTEM_DIFFERENCES = {
 def check_qml():
     for path in tracked("src/*.qml"):
         theme = path.name == "Theme.qml"
+        before = ""
         for number, line in lines(path):
             code = line.split("//")[0]
             if not theme:
@@ -86,32 +87,78 @@ def check_qml():
             text = re.search(r'\b(text|title|help|hint|name)\s*:\s*"([^"]*[A-Za-z]{2,} [^"]*)"', code)
             if text:
                 fault(path, number, f"a text of its own: {text[2]}")
+            if "qmllint disable" in line and not before.startswith("//"):
+                fault(path, number, "a hole in the check of QML without its reason on the line above")
+            before = line.strip()
 
 
-def check_keys():
-    keys = set()
-    for path in tracked("src/localisation/Texts*.cpp"):
-        keys.update(re.findall(r'^\s*\{"([a-z_.]+)",', path.read_text(encoding="utf-8"), re.MULTILINE))
-    for path in tracked("src/*.qml"):
+def check_cpp():
+    for path in tracked("src/*.cpp", "src/*.h", "src/*.mm"):
+        room = path.relative_to(SRC).parts[0]
         for number, line in lines(path):
-            for key in re.findall(r'L\.t\("([^"]+)"', line):
-                known = any(other.startswith(key) for other in keys) if key.endswith(".") else key in keys
-                if not known:
-                    fault(path, number, f"no text has the key {key}")
-    for path in tracked("src/*.cpp"):
-        for number, line in lines(path):
-            for key in re.findall(r'(?:\bt\(u?|\btext\()"([a-z_]+\.[a-z_.]+)"', line):
-                if key not in keys and "localisation" not in str(path):
-                    fault(path, number, f"no text has the key {key}")
+            code = line.split("//")[0]
+            if re.search(r"\binstance\(", code):
+                fault(path, number, "reaches for a single object; it comes in by the constructor")
+            if room == "ui" or path.name in LOOKS_OF_THEIR_OWN:
+                continue
+            if re.search(r'\bQColor[({]\s*[\d"u.]|QColor::from|\bqRgba?\(|Qt::(white|black|red|green|blue)\b|"#[0-9A-Fa-f]{6}', code):
+                fault(path, number, "a colour of its own; looks belong to ui")
+            if re.search(r"constexpr (int|double|qreal) \w*([wW]idth|[hH]eight|[mM]argin|[gG]ap|[rR]adius|[sS]pacing)\w*", code):
+                fault(path, number, "a size of its own; looks belong to ui")
+            if re.search(r"setDuration\(|QEasingCurve|Q\w+Animation", code):
+                fault(path, number, "moves something by itself; looks belong to ui")
 
 
-def check_symbols():
-    have = {path.stem for path in (SRC / "ui" / "symbols").glob("*.svg")}
-    for path in tracked("src/*.qml"):
+# Sizes that are no look of ours, with the reason.
+LOOKS_OF_THEIR_OWN = {
+    "PanelPlacement.cpp",  # how a panel stands to icon and screen, which are the desktop's
+    "KeyPanel.cpp",  # what the desktop puts around a window
+}
+
+
+def texts():
+    """The keys of all texts, and of those the ones that are in no list but ours."""
+    tables = re.split(r"\nconst std::array", (SRC / "localisation" / "TextsRussian.cpp").read_text(encoding="utf-8"))[1:]
+    keys = [set(re.findall(r'^\s*\{"([a-z_.]+)",', table, re.MULTILINE)) for table in tables]
+    return keys[0] | keys[1], keys[1]
+
+
+def check_literals():
+    keys, own = texts()
+    symbols = {path.stem for path in (SRC / "ui" / "symbols").glob("*.svg")}
+    literals = set()
+    for path in tracked("src/*.cpp", "src/*.h", "src/*.mm", "src/*.qml"):
+        if path.name.startswith("Texts"):
+            continue
         for number, line in lines(path):
+            found = re.findall(r'"([a-z0-9_.]+)"', line)
+            literals.update(found)
+            for literal in found:
+                whole = re.fullmatch(r"[a-z_]+(\.[a-z0-9_]+)+\.?", literal)
+                foreign = re.match(r"(org|com)\.", literal) or literal in symbols
+                if whole and not foreign and literal not in keys and not any(
+                        key.startswith(literal.rstrip(".") + ".") for key in keys):
+                    fault(path, number, f"no text and no symbol is called {literal}")
             match = re.match(r'\s*(?:symbol|name)\s*:\s*"([a-z0-9.]+)"', line)
-            if match and match[1] not in have:
+            if match and match[1] not in symbols:
                 fault(path, number, f"no symbol is called {match[1]}")
+    table = SRC / "localisation" / "TextsRussian.cpp"
+    for key in own - literals:
+        # Some are put together: a beginning, or an end, stands in the code.
+        if not any(literal and (literal.endswith(".") and key.startswith(literal) or
+                                literal.startswith(".") and key.endswith(literal)) for literal in literals):
+            fault(table, 1, f"nobody says {key}")
+    for symbol in symbols - literals:
+        fault(SRC / "ui" / "symbols" / f"{symbol}.svg", 1, "nobody shows it")
+
+
+def check_tokens():
+    theme = SRC / "ui" / "Theme.qml"
+    inside = theme.read_text(encoding="utf-8")
+    outside = "".join(path.read_text(encoding="utf-8") for path in tracked("src/*.qml") if path != theme)
+    for token in re.findall(r"^    (?:readonly property \w+|function) (\w+)", inside, re.MULTILINE):
+        if not re.search(rf"\bTheme\.{token}\b", outside) and len(re.findall(rf"\b{token}\b", inside)) == 1:
+            fault(theme, 1, f"nobody uses {token}")
 
 
 def check_docs():
@@ -127,7 +174,7 @@ def check_docs():
         fault(SRC / "CMakeLists.txt", 1, "does not list the rooms that are there")
 
 
-for check in (check_includes, check_qml, check_keys, check_symbols, check_docs):
+for check in (check_includes, check_qml, check_cpp, check_literals, check_tokens, check_docs):
     check()
 print("\n".join(faults))
 sys.exit(1 if faults else 0)

@@ -239,13 +239,6 @@ private slots:
         QCOMPARE(files::readWhole(m->paths.notificationsLog, 1000).value_or(QByteArray{}), expected);
     }
 
-    void toastsStackDownwards()
-    {
-        const QRect available{0, 24, 1280, 876};
-        QCOMPARE(ToastCenter::place(available, 0), (QRect{938, 32, 330, 74}));
-        QCOMPARE(ToastCenter::place(available, 1).top() - ToastCenter::place(available, 0).top(), 82);
-    }
-
 private:
     struct Fixture {
         QTemporaryDir home;
