@@ -10,6 +10,8 @@
 #include "support/Server.h"
 #include "ui/Look.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QQmlEngine>
 #include <QTemporaryDir>
@@ -37,12 +39,29 @@ struct TestProgram {
         if (!files::writeAtomic(path, content)) qFatal("The temporary home cannot be written");
     }
 
-    /// What the update server says from now on; the next check reads it.
-    void publish(const QByteArray& record)
+    /// The service writes its state, which is then read.
+    void serviceWrites(const QByteArray& state)
     {
-        server.reply = [record](QTcpSocket* socket, const Server::Request&) {
-            socket->write(Server::answer(200, record));
-        };
+        write(paths.stateFile, state);
+        scheduler.advance(std::chrono::milliseconds{1500});
+    }
+    void serviceSays(const QByteArray& status) { serviceWrites("{\"status\":\"" + status + "\"}"); }
+
+    /// What the update server says from now on; the next check reads it.
+    void publish(const QByteArray& record) { server.says(Server::answer(200, record)); }
+    /// Asks the update server and waits for what it says.
+    void check()
+    {
+        QObject context;
+        int changes = 0;
+        QObject::connect(&updater, &Updater::changed, &context, [&] { ++changes; });
+        updater.check();
+        scheduler.advance(std::chrono::milliseconds{0});
+        const int asked = changes;
+        for (const QDeadlineTimer patience{5000}; changes == asked;) {
+            if (patience.hasExpired()) qFatal("The update server does not answer");
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+        }
     }
 
     void signIn(const QString& token = QStringLiteral("a"))
@@ -66,7 +85,7 @@ struct TestProgram {
     }
 
     Server server;
-    QTemporaryDir home;
+    QTemporaryDir home{QDir::tempPath() + QStringLiteral("/a home-XXXXXX")};
     Paths paths = pathsIn(home.path());
     bool made = QDir{}.mkpath(paths.logs);
     ManualScheduler scheduler;
