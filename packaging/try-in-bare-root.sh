@@ -5,8 +5,7 @@
 set -euo pipefail
 
 # A release build knows its addresses from the build, so these journeys need no web service.
-JOURNEYS=(test_starts test_recording test_preferences test_meetings
-    test_settings.{ByKeyboard,Windows,Leaving})
+JOURNEYS=(test_starts test_recording test_meetings test_settings.{Windows,Leaving})
 
 say() { printf '\033[1m%s\033[0m\n' "$*"; }
 die() { printf '%s\n' "$*" >&2; exit 1; }

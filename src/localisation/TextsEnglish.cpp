@@ -315,6 +315,7 @@ const std::array<Text, ownTextCount> englishOwn = {{
     {"tray.settings", u"Settings"},
     {"tray.quit", u"Quit Murmeli"},
     {"tray.name", u"Murmeli: %@"},
+    {"version.subtitle.beside", u"%@ · Updates install themselves, checked hourly"},
 }};
 
 } // namespace murmeli::texts

@@ -315,6 +315,7 @@ const std::array<Text, ownTextCount> russianOwn = {{
     {"tray.settings", u"Настройки"},
     {"tray.quit", u"Выйти из Murmeli"},
     {"tray.name", u"Murmeli: %@"},
+    {"version.subtitle.beside", u"%@ · Обновления ставятся сами, проверка — раз в час"},
 }};
 
 } // namespace murmeli::texts

@@ -9,56 +9,59 @@ Loader {
     id: root
 
     required property settingRow row
+    required property settingState now
     required property SettingsModel model
     required property string title
     required property string subtitle
-    readonly property int revision: model.revision
 
     // Loaders take no bound components yet.
     // qmllint disable unqualified
-    sourceComponent: row.kind === SettingKind.Toggle ? toggle : row.kind === SettingKind.Choice ? choice
-        : row.kind === SettingKind.Stepper ? stepper : action
+    sourceComponent: [toggle, choice, stepper, action][row.kind]
 
     Component {
         id: toggle
         Toggle {
-            on: root.model.boolean(root.row.id, root.revision)
+            on: root.now.value
             name: root.title
             description: root.subtitle
-            onChosen: on => root.model.setBool(root.row.id, on)
+            onChosen: on => root.model.set(root.row.id, on)
         }
     }
     Component {
         id: choice
         Choice {
-            options: root.row.options.map(option => ({ value: option.value, text: L.t(option.labelKey) }))
-            current: root.model.string(root.row.id, root.revision)
+            readonly property choiceSetting setting: root.row.control
+            options: setting.options.map(option => ({ value: option.value, text: L.t(option.labelKey) }))
+            current: root.now.value
             name: root.title
             description: root.subtitle
-            onChosen: value => root.model.setString(root.row.id, value)
+            onChosen: value => root.model.set(root.row.id, value)
         }
     }
     Component {
         id: stepper
         Stepper {
-            value: root.model.integer(root.row.id, root.revision)
-            least: root.row.least
-            most: root.row.most
-            text: value + " " + L.t(root.row.unitKey)
+            readonly property stepperSetting setting: root.row.control
+            value: root.now.value
+            least: setting.least
+            most: setting.most
+            text: value + " " + L.t(setting.unitKey)
             name: root.title
             description: root.subtitle
             lessName: L.t("stepper.less", root.title)
             moreName: L.t("stepper.more", root.title)
-            onChosen: value => root.model.setInt(root.row.id, value)
+            onChosen: value => root.model.set(root.row.id, value)
         }
     }
     Component {
         id: action
         Row {
+            id: actions
+            readonly property actionSetting setting: root.row.control
             spacing: Theme.gapRow
             IconButton {
                 anchors.verticalCenter: parent.verticalCenter
-                visible: root.row.action === SettingAction.LoadInstructions && root.model.hasInstructions
+                visible: actions.setting.action === SettingAction.LoadInstructions && root.model.hasInstructions
                 side: Theme.buttonSmall
                 symbol: "trash"
                 symbolSize: Theme.symbolText
@@ -66,12 +69,12 @@ Loader {
                 onClicked: root.model.run(SettingAction.ClearInstructions, root.Window.window)
             }
             PillButton {
-                kind: root.row.action === SettingAction.ConnectTelegram && !root.model.telegramConnected
+                kind: actions.setting.action === SettingAction.ConnectTelegram && !root.model.telegramConnected
                     ? PillButton.Tinted : PillButton.Secondary
-                text: L.t(root.model.buttonKey(root.row, root.revision))
+                text: L.t(root.now.buttonKey)
                 spokenName: text + ": " + root.title
                 help: root.subtitle
-                onClicked: root.model.run(root.row.action, root.Window.window)
+                onClicked: root.model.run(actions.setting.action, root.Window.window)
             }
         }
     }

@@ -10,7 +10,8 @@ Item {
     required property settingRow row
     required property SettingsModel model
     required property bool first
-    readonly property bool hidden: model.hides(row, model.revision)
+    readonly property settingState now: model.states[row.id]
+    readonly property bool hidden: now.hidden
     property real extent: hidden ? 0 : 1
 
     implicitHeight: Math.max(Theme.rowHeight, texts.implicitHeight + 20) * Theme.unfolded(extent)
@@ -48,13 +49,14 @@ Item {
             type: Theme.detail
             color: Theme.text3
             wrapMode: Text.Wrap
-            text: root.model.subtitle(root.row, L.language, root.model.revision)
+            text: L.say(root.now.subtitle)
         }
     }
     SettingControl {
         id: control
         anchors { right: parent.right; rightMargin: Theme.padCard; verticalCenter: parent.verticalCenter }
         row: root.row
+        now: root.now
         model: root.model
         title: title.text
         subtitle: subtitle.text

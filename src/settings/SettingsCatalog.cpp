@@ -10,40 +10,26 @@ namespace {
 
 SettingRow toggle(const PrefKey<bool>& key, const QString& icon)
 {
-    return {
-        .id = QString::fromLatin1(key.name), .icon = icon, .kind = settingKind::Toggle, .on = key.fallback};
+    return {.id = QString::fromLatin1(key.name), .icon = icon, .control = ToggleSetting{key.fallback}};
 }
 
-SettingRow choice(const PrefKey<const char*>& key, const QString& icon, const QString& value,
+SettingRow choice(const PrefKey<const char*>& key, const QString& icon, const QString& fallback,
                   const QList<SettingOption>& options)
 {
-    return {.id = QString::fromLatin1(key.name),
-            .icon = icon,
-            .kind = settingKind::Choice,
-            .choice = value,
-            .options = options};
+    return {.id = QString::fromLatin1(key.name), .icon = icon, .control = ChoiceSetting{fallback, options}};
 }
 
 SettingRow stepper(const NumberPrefKey& key, const QString& icon, const QString& unitKey)
 {
     return {.id = QString::fromLatin1(key.name),
             .icon = icon,
-            .kind = settingKind::Stepper,
-            .number = key.fallback,
-            .least = key.least,
-            .most = key.most,
-            .unitKey = unitKey};
+            .control = StepperSetting{key.fallback, key.least, key.most, unitKey}};
 }
 
 SettingRow action(const QString& id, const QString& icon, settingAction::SettingAction action,
-                  const QString& buttonKey, bool dynamicSubtitle)
+                  const QString& buttonKey)
 {
-    return {.id = id,
-            .icon = icon,
-            .kind = settingKind::Action,
-            .dynamicSubtitle = dynamicSubtitle,
-            .action = action,
-            .buttonKey = buttonKey};
+    return {.id = id, .icon = icon, .control = ActionSetting{action, buttonKey}};
 }
 
 SettingOption option(const QString& value, const QString& labelKey)
@@ -77,23 +63,23 @@ QList<SettingSection> sections(const QString& language)
         section(u"recording"_s, {toggle(pref::autoRecord, u"waveform"_s),
                                  stepper(pref::maxRecordHours, u"timer"_s, u"unit.hours"_s)}),
         section(u"protocol"_s, {action(u"instructions"_s, u"doc.badge.gearshape"_s,
-                                       settingAction::LoadInstructions, u"instructions.load"_s, true)}),
+                                       settingAction::LoadInstructions, u"instructions.load"_s)}),
         section(
             u"delivery"_s,
             {choice(pref::protocolFormat, u"doc.text"_s, QString::fromLatin1(pref::protocolFormat.fallback),
                     {option(u"full"_s, u"protocol_format.full"_s),
                      option(u"short"_s, u"protocol_format.short"_s)}),
              toggle(pref::sendTelegram, u"paperplane"_s),
-             action(u"telegram"_s, u"link"_s, settingAction::ConnectTelegram, u"telegram.action"_s, true)}),
+             action(u"telegram"_s, u"link"_s, settingAction::ConnectTelegram, u"telegram.action"_s)}),
         section(u"storage"_s, {toggle(pref::deleteSourceOnSuccess, u"trash"_s), keepDays,
                                action(u"open_recordings"_s, u"folder"_s, settingAction::OpenRecordings,
-                                      u"open_recordings.action"_s, false)}),
-        section(u"about"_s, {action(u"version"_s, u"arrow.down.circle"_s, settingAction::CheckUpdate,
-                                    u"check_update.action"_s, true),
-                             action(u"account"_s, u"person.crop.circle"_s, settingAction::OpenAccount,
-                                    u"account.action"_s, false),
-                             action(u"open_logs"_s, u"doc.plaintext"_s, settingAction::OpenLogs,
-                                    u"open_logs.action"_s, false)}),
+                                      u"open_recordings.action"_s)}),
+        section(
+            u"about"_s,
+            {action(u"version"_s, u"arrow.down.circle"_s, settingAction::CheckUpdate,
+                    u"check_update.action"_s),
+             action(u"account"_s, u"person.crop.circle"_s, settingAction::OpenAccount, u"account.action"_s),
+             action(u"open_logs"_s, u"doc.plaintext"_s, settingAction::OpenLogs, u"open_logs.action"_s)}),
     };
 }
 

@@ -1,16 +1,21 @@
 #pragma once
 
+#include "localisation/Message.h"
+
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
+
+#include <variant>
 
 namespace murmeli {
 
 namespace settingKind {
 Q_NAMESPACE
 QML_NAMED_ELEMENT(SettingKind)
-enum SettingKind { Toggle, Choice, Stepper, Action };
+enum SettingKind { Toggle, Choice, Stepper, Action }; // in the order of SettingRow::control
 Q_ENUM_NS(SettingKind)
 } // namespace settingKind
 
@@ -43,43 +48,92 @@ public:
     bool operator==(const SettingOption&) const = default;
 };
 
-/// A row of the settings: a preference under a key of its own, or an action. Title and subtitle are the texts
-/// "<id>.title" and "<id>.subtitle".
+// What changes a setting, by its kind, with the value that counts where none is stored.
+
+struct ToggleSetting {
+    Q_GADGET
+    QML_VALUE_TYPE(toggleSetting)
+
+public:
+    bool fallback = false;
+    bool operator==(const ToggleSetting&) const = default;
+};
+
+struct ChoiceSetting {
+    Q_GADGET
+    QML_VALUE_TYPE(choiceSetting)
+    Q_PROPERTY(QList<murmeli::SettingOption> options MEMBER options FINAL)
+
+public:
+    QString fallback;
+    QList<SettingOption> options;
+    bool operator==(const ChoiceSetting&) const = default;
+};
+
+struct StepperSetting {
+    Q_GADGET
+    QML_VALUE_TYPE(stepperSetting)
+    Q_PROPERTY(int least MEMBER least FINAL)
+    Q_PROPERTY(int most MEMBER most FINAL)
+    Q_PROPERTY(QString unitKey MEMBER unitKey FINAL)
+
+public:
+    int fallback = 0;
+    int least = 0;
+    int most = 0;
+    QString unitKey;
+    bool operator==(const StepperSetting&) const = default;
+};
+
+struct ActionSetting {
+    Q_GADGET
+    QML_VALUE_TYPE(actionSetting)
+    Q_PROPERTY(int action MEMBER action FINAL)
+
+public:
+    int action = settingAction::LoadInstructions;
+    QString buttonKey; ///< unless something else is to be done now
+    bool operator==(const ActionSetting&) const = default;
+};
+
+/// A row of the settings: a preference under a key of its own, or an action. Its title is the text
+/// "<id>.title".
 class SettingRow {
     Q_GADGET
     QML_VALUE_TYPE(settingRow)
     Q_PROPERTY(QString id MEMBER id FINAL)
     Q_PROPERTY(QString icon MEMBER icon FINAL)
-    Q_PROPERTY(int kind MEMBER kind FINAL)
-    Q_PROPERTY(bool dynamicSubtitle MEMBER dynamicSubtitle FINAL)
-    Q_PROPERTY(bool on MEMBER on FINAL)
-    Q_PROPERTY(QString choice MEMBER choice FINAL)
-    Q_PROPERTY(QList<murmeli::SettingOption> options MEMBER options FINAL)
-    Q_PROPERTY(int number MEMBER number FINAL)
-    Q_PROPERTY(int least MEMBER least FINAL)
-    Q_PROPERTY(int most MEMBER most FINAL)
-    Q_PROPERTY(QString unitKey MEMBER unitKey FINAL)
-    Q_PROPERTY(int action MEMBER action FINAL)
-    Q_PROPERTY(QString buttonKey MEMBER buttonKey FINAL)
-    Q_PROPERTY(QString hiddenWhenOn MEMBER hiddenWhenOn FINAL)
+    Q_PROPERTY(int kind READ kind FINAL)
+    Q_PROPERTY(QVariant control READ controlForViews FINAL) ///< of the kind's own type
 
 public:
     QString id;   ///< the preference's key too
     QString icon; ///< a symbol's name
-    int kind = settingKind::Toggle;
+    std::variant<ToggleSetting, ChoiceSetting, StepperSetting, ActionSetting> control;
     QString hiddenWhenOn; ///< the toggle that hides the row while it is on; empty: none does
-    bool dynamicSubtitle = false;
 
-    bool on = false; ///< a toggle's default
-    QString choice;  ///< a choice's default
-    QList<SettingOption> options;
-    int number = 0; ///< a stepper's default, and its bounds
-    int least = 0;
-    int most = 0;
-    QString unitKey;
-    int action = settingAction::LoadInstructions;
-    QString buttonKey;
+    [[nodiscard]] int kind() const { return int(control.index()); } ///< a SettingKind
+    [[nodiscard]] QVariant controlForViews() const
+    {
+        return std::visit([](const auto& kind) { return QVariant::fromValue(kind); }, control);
+    }
     bool operator==(const SettingRow&) const = default;
+};
+
+/// What a row shows now.
+struct SettingState {
+    Q_GADGET
+    QML_VALUE_TYPE(settingState)
+    Q_PROPERTY(QVariant value MEMBER value FINAL)
+    Q_PROPERTY(murmeli::Message subtitle MEMBER subtitle FINAL)
+    Q_PROPERTY(QString buttonKey MEMBER buttonKey FINAL)
+    Q_PROPERTY(bool hidden MEMBER hidden FINAL)
+
+public:
+    QVariant value; ///< a boolean, a text or a number; invalid for an action
+    Message subtitle;
+    QString buttonKey; ///< of an action
+    bool hidden = false;
 };
 
 /// Its heading is the text "section.<id>".

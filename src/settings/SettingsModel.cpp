@@ -36,6 +36,7 @@ SettingsModel::SettingsModel(const Ground& ground, QObject* parent)
     connect(&ground.state, &AppState::statusRead, this, &SettingsModel::refresh);
     connect(&ground.state, &AppState::changed, this, &SettingsModel::touch);
     connect(&ground.updater, &Updater::changed, this, &SettingsModel::touch);
+    touch();
 }
 
 SettingsModel::~SettingsModel() = default;
@@ -55,7 +56,23 @@ void SettingsModel::opened()
 
 void SettingsModel::touch()
 {
-    ++m_revision;
+    for (const SettingSection& section : m_sections) {
+        for (const SettingRow& row : section.rows) {
+            SettingState state;
+            state.value = value(row);
+            state.subtitle = subtitle(row);
+            state.buttonKey = buttonKey(row);
+            m_states[row.id] = QVariant::fromValue(state);
+        }
+    }
+    for (const SettingSection& section : m_sections) {
+        for (const SettingRow& row : section.rows) {
+            if (row.hiddenWhenOn.isEmpty()) continue;
+            SettingState state = stateOf(row.id);
+            state.hidden = stateOf(row.hiddenWhenOn).value.toBool();
+            m_states[row.id] = QVariant::fromValue(state);
+        }
+    }
     emit changed();
 }
 
@@ -71,38 +88,37 @@ void SettingsModel::refresh()
 
 bool SettingsModel::telegramConnected() const { return m_ground.state.telegramConnected(); }
 
-const SettingRow* SettingsModel::find(const QString& key) const
+QVariant SettingsModel::value(const SettingRow& row) const
+{
+    const Prefs& prefs = m_ground.prefs;
+    if (const auto* toggle = std::get_if<ToggleSetting>(&row.control))
+        return prefs.boolean(row.id, toggle->fallback);
+    if (const auto* choice = std::get_if<ChoiceSetting>(&row.control)) {
+        const QString stored = prefs.string(row.id, choice->fallback);
+        const bool known = std::ranges::any_of(
+            choice->options, [&](const SettingOption& option) { return option.value == stored; });
+        return known ? stored : choice->fallback;
+    }
+    if (const auto* stepper = std::get_if<StepperSetting>(&row.control)) {
+        const auto stored = json::integer(prefs.load(), QLatin1StringView{row.id.toLatin1()});
+        return int(std::clamp<qint64>(stored.value_or(stepper->fallback), stepper->least, stepper->most));
+    }
+    return {};
+}
+
+void SettingsModel::set(const QString& id, const QVariant& value)
 {
     for (const SettingSection& section : m_sections) {
         for (const SettingRow& row : section.rows) {
-            if (row.id == key) return &row;
+            if (row.id != id) continue;
+            if (std::holds_alternative<ToggleSetting>(row.control)) store(id, value.toBool());
+            if (std::holds_alternative<ChoiceSetting>(row.control)) store(id, value.toString());
+            if (const auto* stepper = std::get_if<StepperSetting>(&row.control))
+                store(id, std::clamp(value.toInt(), stepper->least, stepper->most));
         }
     }
-    return nullptr;
-}
-
-bool SettingsModel::boolean(const QString& key, int) const
-{
-    const SettingRow* row = find(key);
-    return row && m_ground.prefs.boolean(key, row->on);
-}
-
-QString SettingsModel::string(const QString& key, int) const
-{
-    const SettingRow* row = find(key);
-    if (!row) return {};
-    const QString value = m_ground.prefs.string(key, row->choice);
-    const bool known =
-        std::ranges::any_of(row->options, [&](const SettingOption& option) { return option.value == value; });
-    return known ? value : row->choice;
-}
-
-int SettingsModel::integer(const QString& key, int) const
-{
-    const SettingRow* row = find(key);
-    if (!row) return 0;
-    const auto stored = json::integer(m_ground.prefs.load(), QLatin1StringView{key.toLatin1()});
-    return int(std::clamp<qint64>(stored.value_or(row->number), row->least, row->most));
+    if (id == QLatin1StringView{pref::launchAtLogin.name}) setLaunchAtLogin(value.toBool());
+    if (id == QLatin1StringView{pref::locale.name}) m_ground.language.refresh();
 }
 
 void SettingsModel::store(const QString& key, const QJsonValue& value)
@@ -113,85 +129,49 @@ void SettingsModel::store(const QString& key, const QJsonValue& value)
     emit stored();
 }
 
-void SettingsModel::setBool(const QString& key, bool value)
+void SettingsModel::setLaunchAtLogin(bool on)
 {
-    store(key, value);
-    if (key != QLatin1StringView{pref::launchAtLogin.name}) return;
     // Nobody waits for it: where it is not there, the desktop's own list counts.
     m_ground.processes.startDetached(m_ground.paths.agentLoader,
-                                     {value ? u"load"_s : u"unload"_s, m_ground.paths.appAgentFile});
-    m_ground.desktop.setLoginItem(value);
+                                     {on ? u"load"_s : u"unload"_s, m_ground.paths.appAgentFile});
+    m_ground.desktop.setLoginItem(on);
 }
 
-void SettingsModel::setString(const QString& key, const QString& value)
+Message SettingsModel::subtitle(const SettingRow& row) const
 {
-    store(key, value);
-    if (key == QLatin1StringView{pref::locale.name}) m_ground.language.refresh();
-}
-
-void SettingsModel::setInt(const QString& key, int value)
-{
-    const SettingRow* row = find(key);
-    if (row) store(key, std::clamp(value, row->least, row->most));
-}
-
-bool SettingsModel::hides(const SettingRow& row, int revision) const
-{
-    return !row.hiddenWhenOn.isEmpty() && boolean(row.hiddenWhenOn, revision);
-}
-
-QString SettingsModel::subtitle(const SettingRow& row, const QString& language, int) const
-{
-    const auto t = [&](const char* key) { return Language::text(language, QString::fromLatin1(key)); };
-    if (!row.dynamicSubtitle) {
-        const QString key = row.id + u".subtitle"_s;
-        const bool finder =
-            row.action == settingAction::OpenRecordings && QSysInfo::kernelType() == "darwin"_L1;
-        return Language::text(
-            language, row.action == settingAction::OpenRecordings && !finder ? key + u".linux"_s : key);
-    }
-    switch (row.action) {
+    using Loaded = instructionsFile::Loaded;
+    const auto* action = std::get_if<ActionSetting>(&row.control);
+    switch (action ? action->action : -1) {
     case settingAction::ConnectTelegram:
-        return telegramConnected() ? t("telegram.subtitle.on") : t("telegram.subtitle.off");
+        return Message::of(telegramConnected() ? "telegram.subtitle.on" : "telegram.subtitle.off");
     case settingAction::CheckUpdate:
-        return versionSubtitle(language);
+        return m_ground.updater.phase() == Updater::Phase::Idle
+                   ? Message::of("version.subtitle.beside", m_ground.updater.current())
+                   : m_ground.updater.subtitle();
+    case settingAction::LoadInstructions:
+        if (m_loaded == Loaded::NoText) return Message::of("instructions.subtitle.refused");
+        if (m_loaded == Loaded::NotSaved) return Message::of("instructions.subtitle.not_saved");
+        if (!m_instructionsSize) return Message::of("instructions.subtitle.none");
+        return Message::of("instructions.subtitle.loaded",
+                           QString::number((*m_instructionsSize + kilobyte - 1) / kilobyte));
+    case settingAction::OpenRecordings:
+        if (QSysInfo::kernelType() != "darwin"_L1) return Message::of("open_recordings.subtitle.linux");
+        break;
     default:
-        if (m_loaded == instructionsFile::Loaded::NoText) return t("instructions.subtitle.refused");
-        if (m_loaded == instructionsFile::Loaded::NotSaved) return t("instructions.subtitle.not_saved");
-        if (!m_instructionsSize) return t("instructions.subtitle.none");
-        return Language::text(language, u"instructions.subtitle.loaded"_s,
-                              QString::number((*m_instructionsSize + kilobyte - 1) / kilobyte));
-    }
-}
-
-QString SettingsModel::versionSubtitle(const QString& language) const
-{
-    const Updater& updater = m_ground.updater;
-    const auto t = [&](const char* key, const QString& argument = {}) {
-        return Language::text(language, QString::fromLatin1(key), argument);
-    };
-    switch (updater.phase()) {
-    case Updater::Phase::Checking:
-        return t("update.subtitle.checking");
-    case Updater::Phase::UpToDate:
-        return t("update.subtitle.uptodate", updater.current());
-    case Updater::Phase::Available:
-        return t("update.subtitle.available", updater.latest());
-    case Updater::Phase::Installing:
-        return t("update.subtitle.installing");
-    case Updater::Phase::Failed:
-        return t("update.subtitle.failed");
-    case Updater::Phase::Idle:
         break;
     }
-    return updater.current() + t("common.dot") + t("version.subtitle");
+    return {.key = row.id + u".subtitle"_s, .argument = {}, .own = {}};
 }
 
-QString SettingsModel::buttonKey(const SettingRow& row, int) const
+QString SettingsModel::buttonKey(const SettingRow& row) const
 {
-    if (row.action == settingAction::LoadInstructions && m_instructionsSize) return u"instructions.replace"_s;
-    if (row.action == settingAction::ConnectTelegram && telegramConnected()) return u"telegram.action.open"_s;
-    return row.buttonKey;
+    const auto* action = std::get_if<ActionSetting>(&row.control);
+    if (!action) return {};
+    if (action->action == settingAction::LoadInstructions && m_instructionsSize)
+        return u"instructions.replace"_s;
+    if (action->action == settingAction::ConnectTelegram && telegramConnected())
+        return u"telegram.action.open"_s;
+    return action->buttonKey;
 }
 
 void SettingsModel::loadInstructions(const QString& file)

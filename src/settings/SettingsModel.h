@@ -29,9 +29,7 @@ class SettingsModel final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("made once and handed to the settings")
     Q_PROPERTY(QList<murmeli::SettingSection> sections READ sections CONSTANT FINAL)
-    /// Grows whenever a value or a subtitle may have changed; views hand it to the functions that they read
-    /// by.
-    Q_PROPERTY(int revision READ revision NOTIFY changed FINAL)
+    Q_PROPERTY(QVariantMap states READ states NOTIFY changed FINAL) ///< a SettingState by its row's id
     Q_PROPERTY(bool telegramConnected READ telegramConnected NOTIFY changed FINAL)
     Q_PROPERTY(bool hasInstructions READ hasInstructions NOTIFY changed FINAL)
 
@@ -53,7 +51,8 @@ public:
     Q_DISABLE_COPY_MOVE(SettingsModel)
 
     [[nodiscard]] const QList<SettingSection>& sections() const { return m_sections; }
-    [[nodiscard]] int revision() const { return m_revision; }
+    [[nodiscard]] QVariantMap states() const { return m_states; }
+    [[nodiscard]] SettingState stateOf(const QString& id) const { return m_states[id].value<SettingState>(); }
     [[nodiscard]] bool telegramConnected() const;
     [[nodiscard]] bool hasInstructions() const { return m_instructionsSize.has_value(); }
 
@@ -63,20 +62,9 @@ public:
     /// The settings have been opened: what was said of a file that was chosen earlier is past.
     Q_INVOKABLE void opened();
 
-    // The preferences, each with its default for a missing value or one of another type. Of a number outside
-    // of its bounds the nearest bound counts, and is stored.
-    Q_INVOKABLE [[nodiscard]] bool boolean(const QString& key, int revision) const;
-    Q_INVOKABLE void setBool(const QString& key, bool value);
-    Q_INVOKABLE [[nodiscard]] QString string(const QString& key, int revision) const;
-    Q_INVOKABLE void setString(const QString& key, const QString& value);
-    Q_INVOKABLE [[nodiscard]] int integer(const QString& key, int revision) const;
-    Q_INVOKABLE void setInt(const QString& key, int value);
-
-    /// Whether a row is hidden by a toggle.
-    Q_INVOKABLE [[nodiscard]] bool hides(const murmeli::SettingRow& row, int revision) const;
-    Q_INVOKABLE [[nodiscard]] QString subtitle(const murmeli::SettingRow& row, const QString& language,
-                                               int revision) const;
-    Q_INVOKABLE [[nodiscard]] QString buttonKey(const murmeli::SettingRow& row, int revision) const;
+    /// Stores a value of the row's own type, of a number the nearest within its bounds; anything else is
+    /// refused.
+    Q_INVOKABLE void set(const QString& id, const QVariant& value);
 
     /// A file dialog stands in front of `window`.
     Q_INVOKABLE void run(int action, QWindow* window);
@@ -92,14 +80,18 @@ signals:
     void stored(); ///< by us
 
 private:
-    [[nodiscard]] const SettingRow* find(const QString& key) const;
-    [[nodiscard]] QString versionSubtitle(const QString& language) const;
+    /// The preference, or the default for a missing value, one of another type or one that is no option; of a
+    /// number outside of its bounds the nearest bound.
+    [[nodiscard]] QVariant value(const SettingRow& row) const;
+    [[nodiscard]] Message subtitle(const SettingRow& row) const;
+    [[nodiscard]] QString buttonKey(const SettingRow& row) const;
     void store(const QString& key, const QJsonValue& value);
+    void setLaunchAtLogin(bool on);
     void touch();
 
     Ground m_ground;
     QList<SettingSection> m_sections;
-    int m_revision = 0;
+    QVariantMap m_states;
     QJsonObject m_seen;
     std::optional<qint64> m_instructionsSize;                            ///< bytes
     instructionsFile::Loaded m_loaded = instructionsFile::Loaded::Taken; ///< the file chosen last

@@ -13,10 +13,8 @@ Rectangle {
 
     required property Updater updater
     readonly property int phase: updater.phase
-    readonly property color accent: phase === Updater.UpToDate ? Theme.green : phase === Updater.Failed ? Theme.red
-        : phase === Updater.Available ? Theme.violet : Theme.cyan
-    readonly property color accentInk: phase === Updater.UpToDate ? Theme.inkGreen : phase === Updater.Failed ? Theme.inkRed
-        : phase === Updater.Available ? Theme.inkViolet : Theme.inkCyan
+    readonly property color accent: Theme.accents[updater.accent]
+    readonly property color accentInk: Theme.accentInks[updater.accent]
 
     function focusFirst(): void {
         footer.focusFirst();
@@ -69,14 +67,14 @@ Rectangle {
             Label {
                 width: parent.width
                 type: Theme.title
-                text: L.t(root.updater.titleKey)
+                text: L.say(root.updater.title)
                 Accessible.role: Accessible.StatusBar
             }
             Label {
                 width: parent.width
                 type: Theme.sub
                 color: Theme.text2
-                text: L.t(root.updater.subtitleKey, root.updater.subtitleVersion)
+                text: L.say(root.updater.subtitle)
             }
         }
     }

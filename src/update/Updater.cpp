@@ -34,23 +34,28 @@ QList<qint64> components(const QString& version)
     return numbers;
 }
 
-/// Of a phase, in the keys of its texts.
-QLatin1StringView word(Updater::Phase phase)
+struct PhaseLook {
+    const char* titleKey;
+    const char* subtitleKey;
+    accent::Accent accent;
+};
+
+PhaseLook lookOf(Updater::Phase phase)
 {
     switch (phase) {
     case Updater::Phase::UpToDate:
-        return "uptodate"_L1;
+        return {"update.title.uptodate", "update.subtitle.uptodate", accent::Success};
     case Updater::Phase::Available:
-        return "available"_L1;
+        return {"update.title.available", "update.subtitle.available", accent::News};
     case Updater::Phase::Installing:
-        return "installing"_L1;
+        return {"update.title.available", "update.subtitle.installing", accent::Progress};
     case Updater::Phase::Failed:
-        return "failed"_L1;
+        return {"update.title.failed", "update.subtitle.failed", accent::Failure};
     case Updater::Phase::Idle:
     case Updater::Phase::Checking:
         break;
     }
-    return "checking"_L1;
+    return {"update.title.checking", "update.subtitle.checking", accent::Progress};
 }
 
 } // namespace
@@ -87,14 +92,14 @@ QStringList Updater::paragraphs() const
     return paragraphs;
 }
 
-QString Updater::titleKey() const
+Message Updater::title() const { return Message::of(lookOf(m_phase).titleKey); }
+
+Message Updater::subtitle() const
 {
-    return u"update.title."_s + word(m_phase == Phase::Installing ? Phase::Available : m_phase);
+    return Message::of(lookOf(m_phase).subtitleKey, m_phase == Phase::UpToDate ? current() : m_latest);
 }
 
-QString Updater::subtitleKey() const { return u"update.subtitle."_s + word(m_phase); }
-
-QString Updater::subtitleVersion() const { return m_phase == Phase::UpToDate ? current() : m_latest; }
+accent::Accent Updater::accent() const { return lookOf(m_phase).accent; }
 
 QString Updater::timeText(const QDateTime& moment, const QString& language)
 {

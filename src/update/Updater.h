@@ -1,7 +1,9 @@
 #pragma once
 
 #include "base/Lease.h"
+#include "localisation/Message.h"
 #include "platform/Installation.h"
+#include "ui/Accent.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -30,10 +32,10 @@ class Updater final : public QObject {
     Q_PROPERTY(QStringList paragraphs READ paragraphs NOTIFY changed FINAL) ///< of the release notes
     Q_PROPERTY(QString released READ released NOTIFY changed FINAL)
     Q_PROPERTY(
-        QDateTime lastChecked READ lastChecked NOTIFY changed FINAL) ///< invalid until a check succeeds
-    Q_PROPERTY(QString titleKey READ titleKey NOTIFY changed FINAL)
-    Q_PROPERTY(QString subtitleKey READ subtitleKey NOTIFY changed FINAL)
-    Q_PROPERTY(QString subtitleVersion READ subtitleVersion NOTIFY changed FINAL) ///< the version it names
+        QDateTime lastChecked READ lastChecked NOTIFY changed FINAL)   ///< invalid until a check succeeds
+    Q_PROPERTY(murmeli::Message title READ title NOTIFY changed FINAL) ///< of the phase; so are the next two
+    Q_PROPERTY(murmeli::Message subtitle READ subtitle NOTIFY changed FINAL)
+    Q_PROPERTY(int accent READ accent NOTIFY changed FINAL) ///< an Accent
     Q_PROPERTY(bool canInstall READ canInstall NOTIFY changed FINAL)
     Q_PROPERTY(QString current READ current CONSTANT FINAL)
     Q_PROPERTY(QString bundlePath READ bundlePath CONSTANT FINAL)
@@ -72,9 +74,9 @@ public:
     [[nodiscard]] QString bundlePath() const { return m_place.installation.bundlePath; }
     [[nodiscard]] bool runningFromDiskImage() const { return m_place.installation.fromDiskImage; }
     [[nodiscard]] bool packageManaged() const { return m_place.installation.packageManaged; }
-    [[nodiscard]] QString titleKey() const;
-    [[nodiscard]] QString subtitleKey() const;
-    [[nodiscard]] QString subtitleVersion() const;
+    [[nodiscard]] Message title() const;
+    [[nodiscard]] Message subtitle() const;
+    [[nodiscard]] accent::Accent accent() const;
     /// Whether there is something to install and it is ours to replace.
     [[nodiscard]] bool canInstall() const { return m_available && replaceable(); }
 

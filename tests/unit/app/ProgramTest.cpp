@@ -109,12 +109,12 @@ private slots:
 
     void panelAndSettingsAgree()
     {
-        m->settings.setString(u"protocol_format"_s, u"short"_s);
+        m->settings.set(u"protocol_format"_s, u"short"_s);
         QCOMPARE(m->panel.format(), u"short"_s);
         QSignalSpy shown{&m->settings, &SettingsModel::changed};
         m->panel.setAutoRecord(false);
         QVERIFY(!shown.isEmpty());
-        QVERIFY(!m->settings.boolean(u"auto_record"_s, 0));
+        QVERIFY(!m->settings.stateOf(u"auto_record"_s).value.toBool());
     }
 
     void aSignInIsGreeted()
