@@ -68,14 +68,12 @@ def summaries(session: Session) -> list[Summary]:
     return sorted(found, key=lambda summary: summary.started, reverse=True)
 
 
-def write_meeting(session: Session, stem: str, **members) -> Path:
+def write_meeting(session: Session, stem: str, **members) -> None:
     """A meeting of the journey's own."""
-    path = session.logs / f"{stem}.protocol.json"
-    session.write(path, members)
-    return path
+    session.write(session.logs / f"{stem}.protocol.json", members)
 
 
-def install_scripts(session: Session) -> Path:
+def install_scripts(session: Session) -> None:
     """What of the engine stands behind the main window. Its Python tells of each call."""
     pipeline = session.notes / "pipeline"
     pipeline.mkdir()
@@ -85,7 +83,6 @@ def install_scripts(session: Session) -> Path:
     python.unlink()
     python.write_text(f'#!/bin/sh\nprintf "%s\\n" "${{1##*/}}" >> "{session.folder}/calls"\nexec {PYTHON} "$@"\n')
     python.chmod(0o700)
-    return python
 
 
 def script_calls(session: Session, name: str) -> int:
@@ -93,25 +90,21 @@ def script_calls(session: Session, name: str) -> int:
     return calls.read_text().splitlines().count(name) if calls.exists() else 0
 
 
-def set_engine_fault(session: Session, **faults: str) -> None:
-    session.write(session.notes / ".sandbox-engine-faults.json", faults)
-
-
-def sign_in(session: Session, email=ANNA) -> None:
+def sign_in(session: Session) -> None:
     """As the program finds it when it starts."""
-    values = session.ask_web("/sandbox/tokens", {"email": email})
-    session.write(session.notes / "account.json", {**values, "email": email, "account_id": ANNA_ID, "chat_id": ""})
+    values = session.ask_web("/sandbox/tokens", {"email": ANNA})
+    session.write(session.notes / "account.json", {**values, "email": ANNA, "account_id": ANNA_ID, "chat_id": ""})
 
 
-def glossary(session: Session, email=ANNA) -> str | None:
-    return session.ask_web("/sandbox/glossary")[email]
+def glossary(session: Session) -> str:
+    return session.ask_web("/sandbox/glossary")[ANNA] or ""
 
 
-def open_window(session: Session, button="Открыть окно", title=MEETINGS) -> Node:
+def open_window(session: Session) -> None:
     session.open_panel()
-    session.press("push button", button)
+    session.press("push button", "Открыть окно")
     session.wait_closed()
-    return session.tree.wait("frame", title)
+    session.tree.wait("frame", MEETINGS)
 
 
 def quit_program(session: Session) -> None:
@@ -181,10 +174,14 @@ def paste(session: Session, text: str) -> None:
     session.screen.key("ctrl+a", "ctrl+v")
 
 
-def answer_dialog(session: Session, dialog: str, file: Path) -> None:
-    """By the dialog's own field."""
+def wait_dialog(session: Session, dialog: str) -> None:
     session.tree.wait("dialog", dialog)
     wait_for(lambda: (node := session.tree.focused()) and node.role == "text", "the name to have the focus")
+
+
+def answer_dialog(session: Session, dialog: str, file: Path) -> None:
+    """By the dialog's own field."""
+    wait_dialog(session, dialog)
     paste(session, str(file))
     session.screen.key("Return")
     session.tree.wait_gone("dialog", dialog)

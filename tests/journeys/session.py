@@ -53,6 +53,11 @@ def command_line(pid: int) -> str:
         return ""
 
 
+def exactly(text: str):
+    """The JSON in which a number is the text that it was written as."""
+    return json.loads(text, parse_int=str, parse_float=str)
+
+
 def selection_has_owner(display: str, name: str) -> bool:
     """Whether a compositor or a tray has announced itself on the display."""
     x11 = ctypes.CDLL("libX11.so.6")
@@ -76,11 +81,11 @@ class Session:
 
     def __init__(self, *, tray=True, engine: list[str] | None = None, notes=True, language="ru",
                  prefs: dict | None = None, state: dict | None = None, portal: list[str] | None = None,
-                 program=True, installed: bool | None = None, web: list[str] | None = None, keyring=False, size=(1280, 900)):
-        self._size = size
+                 program=True, installed: bool | None = None, web: list[str] | None = None, keyring=False):
         self._wants = {"tray": tray, "engine": engine, "portal": portal, "program": program, "web": web,
                        "keyring": keyring}
-        self._makes = {"notes": notes, "prefs": prefs, "state": state, "installed": notes if installed is None else installed}
+        self._makes = {"notes": notes, "prefs": prefs, "state": state,
+                       "installed": notes if installed is None else installed}
         self._language = language
         self._processes: list[tuple[str, subprocess.Popen]] = []
         self._logs: list = []
@@ -130,6 +135,12 @@ class Session:
 
     def status(self) -> str:
         return self.state()["status"]
+
+    def preferences(self) -> dict:
+        return exactly(self.prefs_file.read_text("utf-8")) if self.prefs_file.exists() else {}
+
+    def wait_preference(self, key: str, value) -> None:
+        wait_for(lambda: self.preferences().get(key) == value, f"{key} to be {value} in the file")
 
     def processes_in_home(self) -> dict[int, str]:
         """What the session's home is the home of, by process number, and how each was called."""
@@ -245,8 +256,7 @@ class Session:
         try:
             # The server takes the first free number by itself: two sessions never fight for one.
             self.start("display", ["Xvfb", "-displayfd", str(theirs), "-screen", "0",
-                                   f"{self._size[0]}x{self._size[1]}x24",
-                                   "-nolisten", "tcp", "-noreset"], pass_fds=[theirs])
+                                   "1280x900x24", "-nolisten", "tcp", "-noreset"], pass_fds=[theirs])
             os.close(theirs)
             theirs = -1
             number = b""
@@ -439,17 +449,16 @@ class Session:
         """Takes the pointer off the panel, so that nothing is hovered."""
         self.screen.move(300, 700)
 
-    def tab_to(self, name: str) -> None:
-        """Goes there by the keyboard alone, once around at the most."""
-        where = None
-        for _ in range(20):
-            if self.tree.focus_is_on(name):
+    def tab_to(self, name) -> None:
+        """Goes by the keyboard alone to what has this or a fitting name, once around at the most."""
+        fits = name if callable(name) else lambda found: found == name
+        was = wait_for(self.tree.focused, "a visible focus, whatever has just vanished", 2)
+        for _ in range(80):
+            if fits(was.name):
                 return
-            was = self.tree.focused()
             self.screen.key("Tab")
-            where = wait_for(lambda: (now := self.tree.focused()) and now.path != (was and was.path) and now,
-                             "the focus to move")
-        raise AssertionError(f"the keyboard does not reach «{name}», but {where}")
+            was = wait_for(lambda: (now := self.tree.focused()) and now.path != was.path and now, "the focus to move")
+        raise AssertionError(f"the keyboard does not reach «{name}», but {was}")
 
     def put_in_clipboard(self, text: str) -> None:
         owner = self.start("clipboard", ["xclip", "-quiet", "-selection", "clipboard", "-in"], stdin=subprocess.PIPE)
@@ -462,6 +471,11 @@ class Session:
             return told.stdout == text.encode()
 
         wait_for(holds, "the clipboard to hold the text")
+
+    def close_window(self) -> None:
+        """As the window manager does it."""
+        wait_for(self.screen.has_active_window, "the window manager to know the window")
+        self.screen.key("alt+F4")
 
     def press(self, role: str, name) -> None:
         self.screen.click(*self.at_rest(role, name).middle)
