@@ -13,7 +13,7 @@ from pathlib import Path
 from accessibility import Node
 from screen import Rectangle
 from session import PYTHON, REPOSITORY, Session
-from waiting import settles, wait_for
+from waiting import at_rest, wait_for
 
 ANNA = "anna@example.org"
 ANNA_ID = "5a1e6c1e-0b52-4f0e-9d5c-6f0f5a3c7a01"
@@ -23,6 +23,7 @@ SEARCH = "Поиск встреч"
 QUIT = "Выйти из Murmeli (снова открыть — через меню приложений)"
 ENGINE_SCRIPTS = ("homes", "meeting_files", "compose", "scene", "scenarios_ru", "scenarios_en", "protocol_pdf",
                   "pdf_writer", "reprotocol", "script_faults")
+MAIL, OPEN, FOLDER, COPY = range(4)  # the entries of the share menu
 WITHOUT_PRIVILEGES = ("setpriv", "--bounding-set=-dac_override,-dac_read_search")
 
 
@@ -131,14 +132,7 @@ def places(session: Session) -> list[tuple[str, Rectangle]]:
 
 def wait_still(session: Session) -> list[tuple[str, Rectangle]]:
     """What the list shows once nothing in it moves any more."""
-    seen = [None, None]
-
-    def still() -> bool:
-        seen.append(places(session))
-        return bool(seen[-1]) and seen[-1] == seen[-2]
-
-    settles(still, "the list", calm=0.3)
-    return seen[-1]
+    return at_rest(lambda: places(session), "the list", 0.3)
 
 
 def wait_row(session: Session, title: str) -> Node:
@@ -185,6 +179,17 @@ def answer_dialog(session: Session, dialog: str, file: Path) -> None:
     paste(session, str(file))
     session.screen.key("Return")
     session.tree.wait_gone("dialog", dialog)
+
+
+def wait_menu(session: Session, before: list[Rectangle]) -> Rectangle:
+    """The share menu, which has come up beside the windows that were there before."""
+    return wait_for(lambda: [one for one in session.screen.windows() if one not in before], "the menu", 20)[0]
+
+
+def pick(session: Session, menu: Rectangle, entry: int) -> None:
+    session.screen.click(menu.middle[0], menu.y + menu.height * (2 * entry + 1) // 8)
+    wait_for(lambda: menu not in session.screen.windows(), "the menu to close")
+    session.look_away()
 
 
 def clipboard(session: Session, target: str) -> str:

@@ -6,7 +6,6 @@ import ctypes
 import json
 import os
 import re
-import select
 import shutil
 import signal
 import subprocess
@@ -18,8 +17,8 @@ from contextlib import contextmanager
 from pathlib import Path
 
 from accessibility import Tree
-from screen import Screen
-from waiting import settles, wait_for
+from screen import Rectangle, Screen
+from waiting import at_rest, wait_for
 
 REPOSITORY = Path(__file__).resolve().parents[2]
 PROGRAM = Path(os.environ.get("MURMELI_BIN", REPOSITORY / "build/dev/bin/murmeli"))
@@ -252,27 +251,11 @@ class Session:
                 "MURMELI_BACKEND": origin, "MURMELI_BOT_LINK": origin + "/bot"}
 
     def _start_display(self) -> None:
-        ours, theirs = os.pipe()
-        try:
-            # The server takes the first free number by itself: two sessions never fight for one.
-            self.start("display", ["Xvfb", "-displayfd", str(theirs), "-screen", "0",
-                                   "1280x900x24", "-nolisten", "tcp", "-noreset"], pass_fds=[theirs])
-            os.close(theirs)
-            theirs = -1
-            number = b""
-            while not number.endswith(b"\n"):
-                if not select.select([ours], [], [], 10)[0]:
-                    raise AssertionError("waited 10 s in vain for the display")
-                more = os.read(ours, 16)
-                if not more:
-                    raise AssertionError("the display ended at once")
-                number += more
-        finally:
-            os.close(ours)
-            if theirs >= 0:
-                os.close(theirs)
-        self.display = f":{int(number)}"
-        self.environment["DISPLAY"] = self.display
+        # The server takes the first free number by itself: two sessions never fight for one.
+        self.start("display", ["Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp", "-noreset"])
+        log = self._folder / "display.log"
+        number = wait_for(lambda: re.search(rb"^(\d+)\n", log.read_bytes(), re.MULTILINE), "the display")[1]
+        self.display = self.environment["DISPLAY"] = f":{int(number)}"
 
     def _open_tree(self) -> Tree | None:
         return Tree.open(self.environment["DBUS_SESSION_BUS_ADDRESS"])
@@ -416,13 +399,7 @@ class Session:
 
     def wait_icon_at_rest(self) -> None:
         """A tray that takes an icon in shifts it about for a moment; a press would miss it."""
-        seen = [None]
-
-        def rests() -> bool:
-            seen.append(self.screen.icon())
-            return seen[-1] is not None and seen[-1] == seen[-2]
-
-        settles(rests, "the icon in the tray", calm=0.15)
+        at_rest(self.screen.icon, "the icon in the tray", 0.15)
 
     def press_icon(self, button=1) -> None:
         self.screen.click(*self.icon().middle, button=button)
@@ -478,20 +455,13 @@ class Session:
         self.screen.key("alt+F4")
 
     def press(self, role: str, name) -> None:
-        self.screen.click(*self.at_rest(role, name).middle)
-        self.look_away()
-
-    def at_rest(self, role: str, name):
-        """Where the control stands once nothing moves it any more: a press on the way would miss it."""
-        seen = [None]
-
-        def rests() -> bool:
+        def place() -> Rectangle | None:
             node = self.tree.find(role, name)
-            seen.append(node and node.extents)
-            return seen[-1] is not None and seen[-1] == seen[-2]
+            return node and node.extents
 
-        settles(rests, f"{role or 'something'} «{name}»", calm=0.1)
-        return seen[-1]
+        # A press on what still moves would miss it.
+        self.screen.click(*at_rest(place, f"{role or 'something'} «{name}»", 0.1).middle)
+        self.look_away()
 
 
 def _signal_group(process: subprocess.Popen, number: int) -> None:

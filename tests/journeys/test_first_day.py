@@ -7,14 +7,14 @@ import re
 from datetime import date, timedelta
 from functools import cache
 
-from main_window import answer_dialog, clipboard, glossary, paste, summaries, write_library
+from main_window import (COPY, answer_dialog, clipboard, fill, glossary, paste, pick, summaries, wait_menu,
+                         write_library)
 from session import REPOSITORY, JourneyTest, Session
 from test_sign_in import address_of, wait_signed_in
 from test_updates import install_updater, runs
 from waiting import wait_for
 
 WEB = ["--pace", "0.1", "--assist-seconds", "0.1", "--engine-arguments=--poll-seconds 0.05 --processing-seconds 0.5"]
-COPY = 3  # the entry of the share menu
 RUSSIAN_WORD = re.compile("[А-Яа-яЁё]+")
 
 
@@ -34,9 +34,7 @@ class Mouse:
         self.session.press(role, name)
 
     def write(self, field: str, text: str) -> None:
-        self.press("text", field)
-        wait_for(lambda: self.session.tree.focus_is_on(field), f"«{field}» to have the focus")
-        paste(self.session, text)
+        fill(self.session, field, text)
 
     def open_row(self, name) -> None:
         self.press("list item", name)
@@ -53,9 +51,7 @@ class Mouse:
 
     def pick(self, entry: int, before) -> None:
         """From the menu that has just come up."""
-        menu = wait_for(lambda: [one for one in self.session.screen.windows() if one not in before], "the menu", 20)[0]
-        self.session.screen.click(menu.middle[0], menu.y + menu.height * (2 * entry + 1) // 8)
-        self.session.look_away()
+        pick(self.session, wait_menu(self.session, before), entry)
 
 
 class Keyboard(Mouse):
@@ -82,7 +78,7 @@ class Keyboard(Mouse):
         self.session.screen.key(step, "Return")
 
     def pick(self, entry: int, before) -> None:
-        wait_for(lambda: [one for one in self.session.screen.windows() if one not in before], "the menu", 20)
+        wait_menu(self.session, before)
         self.session.screen.key(*["Down"] * (entry + 1), "Return")
 
 

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from screen import Rectangle, near
 from session import JourneyTest, Session
-from waiting import settles, stays, wait_for
+from waiting import at_rest, settles, stays, wait_for
 
 DARK_PANEL = (0x16, 0x17, 0x1D)
 LIGHT_PANEL = (0xFB, 0xFB, 0xFC)
@@ -39,7 +39,7 @@ class Toggling(JourneyTest):
         session.screen.click(*session.icon().middle, times=2)
         settles(session.panel_is_open, "the panel open, as before")
 
-    def test_a_press_elsewhere_closes(self):
+    def test_a_press_elsewhere_and_escape_close(self):
         session = self.open_session()
         session.open_panel()
         session.screen.click(*ELSEWHERE)
@@ -54,10 +54,7 @@ class Toggling(JourneyTest):
         session.screen.key("Escape")  # the desktop's own menu
         session.press_icon()
         settles(session.panel_is_open, "the panel that one press opens again")
-
-    def test_escape_closes(self):
-        session = self.open_session()
-        session.open_panel()
+        session.look_away()
         wait_for(session.tree.focused, "the keyboard to be ours")
         session.screen.key("Escape")
         settle_closed(session)
@@ -164,10 +161,4 @@ class Look(JourneyTest):
         wait_for(lambda: session.screen.picture(part).pixels != first, "the orb to move", 2)
 
     def settle_still(self, session: Session, part: Rectangle) -> None:
-        seen = [b""]
-
-        def stands() -> bool:
-            seen.append(session.screen.picture(part).pixels)
-            return seen[-1] == seen[-2]
-
-        settles(stands, "the orb to stand still", calm=1.0)
+        at_rest(lambda: session.screen.picture(part).pixels, "the orb, which should stand still,", 1.0)

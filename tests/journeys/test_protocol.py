@@ -10,9 +10,10 @@ from urllib.parse import unquote, urlsplit
 
 from gi.repository import Gio
 
-from main_window import (WITHOUT_PRIVILEGES, Summary, add_tool, answer_dialog, clipboard, fill, install_scripts,
-                         is_root, lines, open_meeting, open_window, quit_program, script_calls, sign_in,
-                         summaries, wait_dialog, wait_list, write_library, write_meeting)
+from main_window import (COPY, FOLDER, MAIL, OPEN, WITHOUT_PRIVILEGES, Summary, add_tool, answer_dialog, clipboard,
+                         fill, install_scripts, is_root, lines, open_meeting, open_window, pick, quit_program,
+                         script_calls, sign_in, summaries, wait_dialog, wait_list, wait_menu, write_library,
+                         write_meeting)
 from session import PYTHON, JourneyTest, Session, exactly
 from waiting import wait_for
 
@@ -23,7 +24,6 @@ EDITED = "Протокол исправлен"
 SAVE, SHARE, REVEAL = "Сохранить PDF", "Поделиться", "Показать в папке"
 BUILDING = "Собираю PDF…"
 DIALOG = "Сохранить протокол"
-MAIL, OPEN, FOLDER, COPY = range(4)
 
 
 class ProtocolTest(JourneyTest):
@@ -154,10 +154,7 @@ class Sharing(ProtocolTest):
     def choose(self, session: Session, entry: int) -> None:
         before = session.screen.windows()
         session.press("push button", SHARE)
-        menu = wait_for(lambda: [one for one in session.screen.windows() if one not in before], "the menu", 20)[0]
-        session.screen.click(menu.middle[0], menu.y + menu.height * (2 * entry + 1) // 8)
-        wait_for(lambda: menu not in session.screen.windows(), "the menu to close")
-        session.look_away()
+        pick(session, wait_menu(session, before), entry)
 
     def test_the_four_ways(self):
         session, summary = self.open_newest()
