@@ -94,7 +94,7 @@ class Meetings(JourneyTest):
             self.assertEqual(wait_still(session), before)
             wait_for(lambda: session.tree.focus_is_on(name), "the row to have the focus")
         with self.case("back from another tab"):
-            session.screen.key("ctrl+2")
+            session.press("page tab", ASSISTANT)
             session.tree.wait("heading", ASSISTANT)
             session.tree.wait_gone("text", SEARCH)
             session.screen.key("ctrl+1")

@@ -200,3 +200,9 @@ class Revealing(ProtocolTest):
         session.press("push button", REVEAL)
         wait_for(lambda: [Gio.File.new_for_uri(uri).get_path() for uri in lines(shown)] == [str(protocol)],
                  "the protocol to be shown")
+        session.screen.key("Escape")
+        wait_list(session)
+        protocol.unlink()
+        open_meeting(session, "Итоги")
+        session.tree.wait("label", "Файл протокола не найден")
+        self.assertFalse(session.tree.find("push button", REVEAL))
