@@ -54,15 +54,6 @@ class Node:
         on_screen = GLib.Variant("(u)", (0,))
         return Rectangle(*_call(self.bus, self.owner, self.path, COMPONENT, "GetExtents", on_screen)[0])
 
-    def name_now(self) -> str:
-        return self._property("Name")
-
-    def names_below(self) -> list[str]:
-        """Of its children, now; far faster than a look at the whole tree."""
-        children = _call(self.bus, self.owner, self.path, ACCESSIBLE, "GetChildren")[0]
-        return [_call(self.bus, owner, path, "org.freedesktop.DBus.Properties", "Get",
-                      GLib.Variant("(ss)", (ACCESSIBLE, "Name")))[0] for owner, path in children]
-
     def act(self, *names: str) -> None:
         """Has it do the first of these that it can."""
         offered = [name for name, _, _ in _call(self.bus, self.owner, self.path, ACTION, "GetActions")[0]]

@@ -13,7 +13,7 @@ from pathlib import Path
 from accessibility import Node
 from screen import Rectangle
 from session import PYTHON, REPOSITORY, Session
-from waiting import settles, wait_for
+from waiting import at_rest, wait_for
 
 ANNA = "anna@example.org"
 ANNA_ID = "5a1e6c1e-0b52-4f0e-9d5c-6f0f5a3c7a01"
@@ -23,6 +23,7 @@ SEARCH = "Поиск встреч"
 QUIT = "Выйти из Murmeli (снова открыть — через меню приложений)"
 ENGINE_SCRIPTS = ("homes", "meeting_files", "compose", "scene", "scenarios_ru", "scenarios_en", "protocol_pdf",
                   "pdf_writer", "reprotocol", "script_faults")
+MAIL, OPEN, FOLDER, COPY = range(4)  # the entries of the share menu
 WITHOUT_PRIVILEGES = ("setpriv", "--bounding-set=-dac_override,-dac_read_search")
 
 
@@ -68,14 +69,12 @@ def summaries(session: Session) -> list[Summary]:
     return sorted(found, key=lambda summary: summary.started, reverse=True)
 
 
-def write_meeting(session: Session, stem: str, **members) -> Path:
+def write_meeting(session: Session, stem: str, **members) -> None:
     """A meeting of the journey's own."""
-    path = session.logs / f"{stem}.protocol.json"
-    session.write(path, members)
-    return path
+    session.write(session.logs / f"{stem}.protocol.json", members)
 
 
-def install_scripts(session: Session) -> Path:
+def install_scripts(session: Session) -> None:
     """What of the engine stands behind the main window. Its Python tells of each call."""
     pipeline = session.notes / "pipeline"
     pipeline.mkdir()
@@ -85,7 +84,6 @@ def install_scripts(session: Session) -> Path:
     python.unlink()
     python.write_text(f'#!/bin/sh\nprintf "%s\\n" "${{1##*/}}" >> "{session.folder}/calls"\nexec {PYTHON} "$@"\n')
     python.chmod(0o700)
-    return python
 
 
 def script_calls(session: Session, name: str) -> int:
@@ -93,25 +91,21 @@ def script_calls(session: Session, name: str) -> int:
     return calls.read_text().splitlines().count(name) if calls.exists() else 0
 
 
-def set_engine_fault(session: Session, **faults: str) -> None:
-    session.write(session.notes / ".sandbox-engine-faults.json", faults)
-
-
-def sign_in(session: Session, email=ANNA) -> None:
+def sign_in(session: Session) -> None:
     """As the program finds it when it starts."""
-    values = session.ask_web("/sandbox/tokens", {"email": email})
-    session.write(session.notes / "account.json", {**values, "email": email, "account_id": ANNA_ID, "chat_id": ""})
+    values = session.ask_web("/sandbox/tokens", {"email": ANNA})
+    session.write(session.notes / "account.json", {**values, "email": ANNA, "account_id": ANNA_ID, "chat_id": ""})
 
 
-def glossary(session: Session, email=ANNA) -> str | None:
-    return session.ask_web("/sandbox/glossary")[email]
+def glossary(session: Session) -> str:
+    return session.ask_web("/sandbox/glossary")[ANNA] or ""
 
 
-def open_window(session: Session, button="Открыть окно", title=MEETINGS) -> Node:
+def open_window(session: Session) -> None:
     session.open_panel()
-    session.press("push button", button)
+    session.press("push button", "Открыть окно")
     session.wait_closed()
-    return session.tree.wait("frame", title)
+    session.tree.wait("frame", MEETINGS)
 
 
 def quit_program(session: Session) -> None:
@@ -138,14 +132,7 @@ def places(session: Session) -> list[tuple[str, Rectangle]]:
 
 def wait_still(session: Session) -> list[tuple[str, Rectangle]]:
     """What the list shows once nothing in it moves any more."""
-    seen = [None, None]
-
-    def still() -> bool:
-        seen.append(places(session))
-        return bool(seen[-1]) and seen[-1] == seen[-2]
-
-    settles(still, "the list", calm=0.3)
-    return seen[-1]
+    return at_rest(lambda: places(session), "the list", 0.3)
 
 
 def wait_row(session: Session, title: str) -> Node:
@@ -181,13 +168,28 @@ def paste(session: Session, text: str) -> None:
     session.screen.key("ctrl+a", "ctrl+v")
 
 
-def answer_dialog(session: Session, dialog: str, file: Path) -> None:
-    """By the dialog's own field."""
+def wait_dialog(session: Session, dialog: str) -> None:
     session.tree.wait("dialog", dialog)
     wait_for(lambda: (node := session.tree.focused()) and node.role == "text", "the name to have the focus")
+
+
+def answer_dialog(session: Session, dialog: str, file: Path) -> None:
+    """By the dialog's own field."""
+    wait_dialog(session, dialog)
     paste(session, str(file))
     session.screen.key("Return")
     session.tree.wait_gone("dialog", dialog)
+
+
+def wait_menu(session: Session, before: list[Rectangle]) -> Rectangle:
+    """The share menu, which has come up beside the windows that were there before."""
+    return wait_for(lambda: [one for one in session.screen.windows() if one not in before], "the menu", 20)[0]
+
+
+def pick(session: Session, menu: Rectangle, entry: int) -> None:
+    session.screen.click(menu.middle[0], menu.y + menu.height * (2 * entry + 1) // 8)
+    wait_for(lambda: menu not in session.screen.windows(), "the menu to close")
+    session.look_away()
 
 
 def clipboard(session: Session, target: str) -> str:

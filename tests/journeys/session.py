@@ -6,7 +6,6 @@ import ctypes
 import json
 import os
 import re
-import select
 import shutil
 import signal
 import subprocess
@@ -18,8 +17,8 @@ from contextlib import contextmanager
 from pathlib import Path
 
 from accessibility import Tree
-from screen import Screen
-from waiting import settles, wait_for
+from screen import Rectangle, Screen
+from waiting import at_rest, wait_for
 
 REPOSITORY = Path(__file__).resolve().parents[2]
 PROGRAM = Path(os.environ.get("MURMELI_BIN", REPOSITORY / "build/dev/bin/murmeli"))
@@ -53,6 +52,11 @@ def command_line(pid: int) -> str:
         return ""
 
 
+def exactly(text: str):
+    """The JSON in which a number is the text that it was written as."""
+    return json.loads(text, parse_int=str, parse_float=str)
+
+
 def selection_has_owner(display: str, name: str) -> bool:
     """Whether a compositor or a tray has announced itself on the display."""
     x11 = ctypes.CDLL("libX11.so.6")
@@ -76,11 +80,11 @@ class Session:
 
     def __init__(self, *, tray=True, engine: list[str] | None = None, notes=True, language="ru",
                  prefs: dict | None = None, state: dict | None = None, portal: list[str] | None = None,
-                 program=True, installed: bool | None = None, web: list[str] | None = None, keyring=False, size=(1280, 900)):
-        self._size = size
+                 program=True, installed: bool | None = None, web: list[str] | None = None, keyring=False):
         self._wants = {"tray": tray, "engine": engine, "portal": portal, "program": program, "web": web,
                        "keyring": keyring}
-        self._makes = {"notes": notes, "prefs": prefs, "state": state, "installed": notes if installed is None else installed}
+        self._makes = {"notes": notes, "prefs": prefs, "state": state,
+                       "installed": notes if installed is None else installed}
         self._language = language
         self._processes: list[tuple[str, subprocess.Popen]] = []
         self._logs: list = []
@@ -130,6 +134,12 @@ class Session:
 
     def status(self) -> str:
         return self.state()["status"]
+
+    def preferences(self) -> dict:
+        return exactly(self.prefs_file.read_text("utf-8")) if self.prefs_file.exists() else {}
+
+    def wait_preference(self, key: str, value) -> None:
+        wait_for(lambda: self.preferences().get(key) == value, f"{key} to be {value} in the file")
 
     def processes_in_home(self) -> dict[int, str]:
         """What the session's home is the home of, by process number, and how each was called."""
@@ -241,28 +251,11 @@ class Session:
                 "MURMELI_BACKEND": origin, "MURMELI_BOT_LINK": origin + "/bot"}
 
     def _start_display(self) -> None:
-        ours, theirs = os.pipe()
-        try:
-            # The server takes the first free number by itself: two sessions never fight for one.
-            self.start("display", ["Xvfb", "-displayfd", str(theirs), "-screen", "0",
-                                   f"{self._size[0]}x{self._size[1]}x24",
-                                   "-nolisten", "tcp", "-noreset"], pass_fds=[theirs])
-            os.close(theirs)
-            theirs = -1
-            number = b""
-            while not number.endswith(b"\n"):
-                if not select.select([ours], [], [], 10)[0]:
-                    raise AssertionError("waited 10 s in vain for the display")
-                more = os.read(ours, 16)
-                if not more:
-                    raise AssertionError("the display ended at once")
-                number += more
-        finally:
-            os.close(ours)
-            if theirs >= 0:
-                os.close(theirs)
-        self.display = f":{int(number)}"
-        self.environment["DISPLAY"] = self.display
+        # The server takes the first free number by itself: two sessions never fight for one.
+        self.start("display", ["Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp", "-noreset"])
+        log = self._folder / "display.log"
+        number = wait_for(lambda: re.search(rb"^(\d+)\n", log.read_bytes(), re.MULTILINE), "the display")[1]
+        self.display = self.environment["DISPLAY"] = f":{int(number)}"
 
     def _open_tree(self) -> Tree | None:
         return Tree.open(self.environment["DBUS_SESSION_BUS_ADDRESS"])
@@ -406,13 +399,7 @@ class Session:
 
     def wait_icon_at_rest(self) -> None:
         """A tray that takes an icon in shifts it about for a moment; a press would miss it."""
-        seen = [None]
-
-        def rests() -> bool:
-            seen.append(self.screen.icon())
-            return seen[-1] is not None and seen[-1] == seen[-2]
-
-        settles(rests, "the icon in the tray", calm=0.15)
+        at_rest(self.screen.icon, "the icon in the tray", 0.15)
 
     def press_icon(self, button=1) -> None:
         self.screen.click(*self.icon().middle, button=button)
@@ -439,17 +426,16 @@ class Session:
         """Takes the pointer off the panel, so that nothing is hovered."""
         self.screen.move(300, 700)
 
-    def tab_to(self, name: str) -> None:
-        """Goes there by the keyboard alone, once around at the most."""
-        where = None
-        for _ in range(20):
-            if self.tree.focus_is_on(name):
+    def tab_to(self, name) -> None:
+        """Goes by the keyboard alone to what has this or a fitting name, once around at the most."""
+        fits = name if callable(name) else lambda found: found == name
+        was = wait_for(self.tree.focused, "a visible focus, whatever has just vanished", 2)
+        for _ in range(80):
+            if fits(was.name):
                 return
-            was = self.tree.focused()
             self.screen.key("Tab")
-            where = wait_for(lambda: (now := self.tree.focused()) and now.path != (was and was.path) and now,
-                             "the focus to move")
-        raise AssertionError(f"the keyboard does not reach «{name}», but {where}")
+            was = wait_for(lambda: (now := self.tree.focused()) and now.path != was.path and now, "the focus to move")
+        raise AssertionError(f"the keyboard does not reach «{name}», but {was}")
 
     def put_in_clipboard(self, text: str) -> None:
         owner = self.start("clipboard", ["xclip", "-quiet", "-selection", "clipboard", "-in"], stdin=subprocess.PIPE)
@@ -463,21 +449,19 @@ class Session:
 
         wait_for(holds, "the clipboard to hold the text")
 
+    def close_window(self) -> None:
+        """As the window manager does it."""
+        wait_for(self.screen.has_active_window, "the window manager to know the window")
+        self.screen.key("alt+F4")
+
     def press(self, role: str, name) -> None:
-        self.screen.click(*self.at_rest(role, name).middle)
-        self.look_away()
-
-    def at_rest(self, role: str, name):
-        """Where the control stands once nothing moves it any more: a press on the way would miss it."""
-        seen = [None]
-
-        def rests() -> bool:
+        def place() -> Rectangle | None:
             node = self.tree.find(role, name)
-            seen.append(node and node.extents)
-            return seen[-1] is not None and seen[-1] == seen[-2]
+            return node and node.extents
 
-        settles(rests, f"{role or 'something'} «{name}»", calm=0.1)
-        return seen[-1]
+        # A press on what still moves would miss it.
+        self.screen.click(*at_rest(place, f"{role or 'something'} «{name}»", 0.1).middle)
+        self.look_away()
 
 
 def _signal_group(process: subprocess.Popen, number: int) -> None:

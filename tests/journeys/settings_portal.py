@@ -15,7 +15,9 @@ NAME = "org.freedesktop.portal.Desktop"
 PATH = "/org/freedesktop/portal/desktop"
 INTERFACE = "org.freedesktop.portal.Settings"
 DESCRIPTION = f"""<node><interface name="{INTERFACE}">
-  <method name="Read"><arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/></method>
+  <method name="Read">
+    <arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/>
+  </method>
   <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
 </interface></node>"""
 SPACES = {"color-scheme": "org.freedesktop.appearance", "reduced-motion": "org.freedesktop.appearance",

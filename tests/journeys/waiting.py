@@ -36,3 +36,15 @@ def settles(condition, what: str, calm: float = 0.8, seconds: float = 10) -> Non
             raise AssertionError(f"waited {seconds} s in vain for {what} to settle")
         since = (since or now) if condition() else None
         time.sleep(0.03)
+
+
+def at_rest(look, what: str, calm: float):
+    """What `look()` gives once it has given the same, and something, for `calm` seconds."""
+    seen = [None]
+
+    def rests() -> bool:
+        seen.append(look())
+        return bool(seen[-1]) and seen[-1] == seen[-2]
+
+    settles(rests, what, calm)
+    return seen[-1]
