@@ -188,7 +188,7 @@ private slots:
     void aRemarkIsCarriedOutThoughItsViewHasGone()
     {
         m->program.signIn();
-        m->installEngine(m->program.paths.rebuildScript, "echo rendered > " + m->scratch("rendered"));
+        m->installEngine(m->program.paths.rebuildScript, "echo rendered > '" + m->scratch("rendered") + "'");
         QTcpSocket* waiting = nullptr;
         m->program.server.reply = [&](QTcpSocket* socket, const Server::Request& request) {
             if (request.path == "/api/assist/edit") waiting = socket;
