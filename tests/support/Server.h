@@ -62,6 +62,12 @@ public:
         return found;
     }
 
+    /// Sends `wire` to everybody from now on.
+    void says(const QByteArray& wire)
+    {
+        reply = [wire](QTcpSocket* socket, const Request&) { socket->write(wire); };
+    }
+
     QList<Request> requests;
     std::function<void(QTcpSocket*, const Request&)> reply = [](QTcpSocket*, const Request&) {};
 

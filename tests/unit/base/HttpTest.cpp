@@ -1,6 +1,7 @@
 #include "base/Http.h"
 
 #include "registeredTests.h"
+#include "support/Cases.h"
 #include "support/Server.h"
 
 #include <QLibraryInfo>
@@ -15,27 +16,23 @@
 using namespace Qt::StringLiterals;
 using namespace murmeli;
 using namespace std::chrono_literals;
+using Failure = HttpAnswer::Failure;
 
 class HttpTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() { m_answer.reset(); }
-
     void sendsWhatItIsGivenAndNothingElse()
     {
         Server server;
-        server.reply = [](QTcpSocket* s, const auto&) {
-            s->write(Server::answer(200, "{}", "Set-Cookie: a=b\r\n"));
-        };
-        send({.method = "PATCH",
-              .url = server.url(u"/x?y=1"_s),
-              .headers = {{"Prefer", "return=minimal"}},
-              .body = "{\"a\":1}",
-              .bearer = "token"});
-        QTRY_VERIFY(m_answer);
-        QVERIFY(m_answer->ok());
-        QCOMPARE(m_answer->body, "{}"_ba);
+        server.says(Server::answer(200, "{}", "Set-Cookie: a=b\r\n"));
+        const HttpAnswer answer = ask({.method = "PATCH",
+                                       .url = server.url(u"/x?y=1"_s),
+                                       .headers = {{"Prefer", "return=minimal"}},
+                                       .body = "{\"a\":1}",
+                                       .bearer = "token"});
+        QVERIFY(answer.ok());
+        QCOMPARE(answer.body, "{}"_ba);
         const Server::Request request = server.requests.takeFirst();
         QCOMPARE(request.method, "PATCH"_ba);
         QCOMPARE(request.path, "/x?y=1"_ba);
@@ -43,84 +40,63 @@ private slots:
         QCOMPARE(request.header("Authorization"), "Bearer token"_ba);
         QCOMPARE(request.body, "{\"a\":1}"_ba);
 
-        m_answer.reset();
-        send({.url = server.url()});
-        QTRY_VERIFY(m_answer);
-        QVERIFY(!server.requests.constFirst().head.contains("Cookie"));
-        QVERIFY(!server.requests.constFirst().head.contains("Authorization"));
-    }
-
-    void errorStatusesAreAnswers()
-    {
-        Server server;
-        server.reply = [](QTcpSocket* s, const auto&) { s->write(Server::answer(500, "{\"why\":1}")); };
-        send({.url = server.url()});
-        QTRY_VERIFY(m_answer);
-        QCOMPARE(m_answer->failure, HttpAnswer::Failure::None);
-        QCOMPARE(m_answer->status, 500);
-        QCOMPARE(m_answer->body, "{\"why\":1}"_ba);
-        QVERIFY(!m_answer->ok());
+        server.says(Server::answer(500, "{\"why\":1}"));
+        const HttpAnswer error = ask({.url = server.url()});
+        QCOMPARE(error.failure, Failure::None); // an error status is an answer
+        QCOMPARE(error.status, 500);
+        QCOMPARE(error.body, "{\"why\":1}"_ba);
+        QVERIFY(!error.ok());
+        QVERIFY(!server.requests[0].head.contains("Cookie"));
+        QVERIFY(!server.requests[0].head.contains("Authorization"));
     }
 
     void aTokenNeverLeavesItsOrigin()
     {
         Server other;
-        other.reply = [](QTcpSocket* s, const auto&) { s->write(Server::answer(200, "{}")); };
+        other.says(Server::answer(200, "{}"));
         Server server;
-        server.reply = [&](QTcpSocket* s, const auto&) {
-            s->write(Server::answer(302, "", "Location: " + other.url().toEncoded() + "\r\n"));
-        };
-        send({.url = server.url(), .bearer = "token"});
-        QTRY_VERIFY(m_answer);
-        QCOMPARE(m_answer->failure, HttpAnswer::Failure::Redirect);
+        server.says(Server::answer(302, "", "Location: " + other.url().toEncoded() + "\r\n"));
+        const HttpAnswer answer = ask({.url = server.url(), .bearer = "token"});
+        QCOMPARE(answer.failure, Failure::Redirect);
         QVERIFY(other.requests.isEmpty());
-        QVERIFY(!m_answer->errorText.contains(u"token"_s));
-
-        m_answer.reset();
-        send({.url = server.url()}); // without a token there is nothing to lose
-        QTRY_VERIFY(m_answer);
-        QVERIFY(m_answer->ok());
+        QVERIFY(!answer.errorText.contains(u"token"_s));
+        QVERIFY(ask({.url = server.url()}).ok()); // without a token there is nothing to lose
     }
 
-    void giveUp_data()
+    void givesUp()
     {
-        QTest::addColumn<QString>("fault");
-        QTest::addColumn<HttpAnswer::Failure>("failure");
-        QTest::newRow("never answers") << u"silent"_s << HttpAnswer::Failure::Timeout;
-        QTest::newRow("a byte now and then") << u"trickle"_s << HttpAnswer::Failure::Timeout;
-        QTest::newRow("endless") << u"endless"_s << HttpAnswer::Failure::TooLarge;
-        QTest::newRow("breaks off") << u"cut"_s << HttpAnswer::Failure::Transport;
-        QTest::newRow("hangs up") << u"reset"_s << HttpAnswer::Failure::Transport;
-        QTest::newRow("nobody there") << u"refused"_s << HttpAnswer::Failure::Transport;
-    }
-    void giveUp()
-    {
-        QFETCH(QString, fault);
-        Server server;
-        QTimer feed;
-        server.reply = [&](QTcpSocket* s, const auto&) {
-            if (fault == u"reset"_s) s->abort();
-            if (fault == u"cut"_s) {
-                s->write("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n[]");
-                s->disconnectFromHost();
-            }
-            if (fault != u"trickle"_s && fault != u"endless"_s) return;
-            s->write("HTTP/1.1 200 OK\r\nContent-Length: 10000000000\r\n\r\n");
-            connect(&feed, &QTimer::timeout, s,
-                    [s, fault] { s->write(QByteArray(fault == u"endless"_s ? 65536 : 1, 'x')); });
-            feed.start(fault == u"endless"_s ? 0 : 20);
+        const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 10000000000\r\n\r\n";
+        const auto feed = [&head](QTcpSocket* socket, int bytes, std::chrono::milliseconds pause) {
+            socket->write(head);
+            auto* timer = new QTimer{socket};
+            connect(timer, &QTimer::timeout, socket, [=] { socket->write(QByteArray(bytes, 'x')); });
+            connect(socket, &QTcpSocket::disconnected, timer, &QTimer::stop);
+            timer->start(pause);
         };
-        const QUrl url = server.url();
-        if (fault == u"refused"_s) server.close();
-        send({.url = url,
-              .timeout = fault == u"endless"_s || fault == u"cut"_s ? 20'000ms : 300ms,
-              .answerLimit = 1'000'000});
-        QTRY_VERIFY(m_answer);
-        QTEST(m_answer->failure, "failure");
-        QCOMPARE(m_answer->body, QByteArray{});
-        const bool inThePlatformsWords = m_answer->failure == HttpAnswer::Failure::Transport ||
-                                         m_answer->failure == HttpAnswer::Failure::Timeout;
-        QCOMPARE(!m_answer->errorText.isEmpty(), inThePlatformsWords);
+        const auto breakOff = [&head](QTcpSocket* socket) {
+            socket->write(head + "[]");
+            socket->disconnectFromHost();
+        };
+        const Cases<std::function<void(QTcpSocket*)>, std::chrono::milliseconds, Failure> cases{
+            {"never answers", [](QTcpSocket*) {}, 300ms, Failure::Timeout},
+            {"a byte now and then", [&](QTcpSocket* s) { feed(s, 1, 20ms); }, 300ms, Failure::Timeout},
+            {"without an end", [&](QTcpSocket* s) { feed(s, 65'536, 0ms); }, 20s, Failure::TooLarge},
+            {"breaks off", breakOff, 20s, Failure::Transport},
+            {"hangs up", [](QTcpSocket* s) { s->abort(); }, 20s, Failure::Transport},
+            {"nobody is there", {}, 20s, Failure::Transport},
+        };
+        for (const auto& [name, reply, timeout, failure] : cases) {
+            CASE(name);
+            Server server;
+            server.reply = [&reply = reply](QTcpSocket* s, const auto&) { reply(s); };
+            const QUrl url = server.url();
+            if (!reply) server.close();
+            const HttpAnswer answer = ask({.url = url, .timeout = timeout, .answerLimit = 1'000'000});
+            QCOMPARE(answer.failure, failure);
+            QCOMPARE(answer.body, QByteArray{});
+            // The platform has words for what happens on the way.
+            QCOMPARE(answer.errorText.isEmpty(), failure == Failure::TooLarge);
+        }
     }
 
     void aRequestIsSentOnceWhateverHappensToItsConnection()
@@ -131,15 +107,14 @@ private slots:
         QVERIFY(QCoreApplication::installTranslator(&russian));
         server.reply = [](QTcpSocket* s, const auto&) { s->disconnectFromHost(); };
         for (const QByteArray& body : {QByteArray{}, "{}"_ba, QByteArray(300'000, 'x')}) {
-            m_answer.reset();
             server.requests.clear();
-            send({.method = body.isEmpty() ? "GET" : "POST", .url = server.url(), .body = body});
-            QTRY_VERIFY(m_answer);
-            QCOMPARE(m_answer->failure, HttpAnswer::Failure::Transport);
+            const HttpAnswer answer =
+                ask({.method = body.isEmpty() ? "GET" : "POST", .url = server.url(), .body = body});
+            QCOMPARE(answer.failure, Failure::Transport);
             QCOMPARE(server.requests.size(), 1);
             QCOMPARE(server.requests[0].body, body);
-            QVERIFY2(m_answer->errorText.contains(QRegularExpression{u"[а-я]{5}"_s}),
-                     qPrintable(m_answer->errorText));
+            QVERIFY2(answer.errorText.contains(QRegularExpression{u"[а-я]{5}"_s}),
+                     qPrintable(answer.errorText));
         }
     }
 
@@ -152,12 +127,8 @@ private slots:
             used.insert(s);
             s->write(Server::answer(200, "{}", "Connection: keep-alive\r\n"));
         };
-        for (const QByteArray& body : {QByteArray{}, "{}"_ba, "{}"_ba}) {
-            m_answer.reset();
-            send({.method = "POST", .url = server.url(), .body = body});
-            QTRY_VERIFY(m_answer);
-            QVERIFY(m_answer->ok());
-        }
+        for (const QByteArray& body : {QByteArray{}, "{}"_ba, "{}"_ba})
+            QVERIFY(ask({.method = "POST", .url = server.url(), .body = body}).ok());
         QCOMPARE(server.requests.size(), 3);
     }
 
@@ -165,14 +136,8 @@ private slots:
     {
         Server server;
         const QByteArray smuggled = "a\r\nX-Smuggled: b\r\n\r\nGET /second HTTP/1.1\r\n";
-        for (const HttpRequest& request :
-             {HttpRequest{.url = server.url(), .bearer = smuggled},
-              HttpRequest{.url = server.url(), .headers = {{"X-Name", smuggled}}}}) {
-            m_answer.reset();
-            send(request);
-            QTRY_VERIFY(m_answer);
-            QCOMPARE(m_answer->failure, HttpAnswer::Failure::Transport);
-        }
+        QCOMPARE(ask({.url = server.url(), .bearer = smuggled}).failure, Failure::Transport);
+        QCOMPARE(ask({.url = server.url(), .headers = {{"X-Name", smuggled}}}).failure, Failure::Transport);
         QVERIFY(server.requests.isEmpty());
     }
 
@@ -192,13 +157,18 @@ private slots:
     }
 
 private:
-    void send(const HttpRequest& request)
+    /// What comes of it; the test fails when nothing does.
+    HttpAnswer ask(const HttpRequest& request)
     {
-        m_http.send(request, this, [this](const HttpAnswer& a) { m_answer = a; });
+        std::optional<HttpAnswer> answer;
+        QObject context;
+        m_http.send(request, &context, [&](const HttpAnswer& a) { answer = a; });
+        if (!QTest::qWaitFor([&] { return answer.has_value(); }))
+            QTest::qFail("Nothing came of a request", __FILE__, __LINE__);
+        return answer.value_or(HttpAnswer{});
     }
 
     NetworkHttp m_http;
-    std::optional<HttpAnswer> m_answer;
 };
 
 MURMELI_TEST(HttpTest)

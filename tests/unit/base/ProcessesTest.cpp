@@ -1,6 +1,7 @@
 #include "base/Processes.h"
 
 #include "registeredTests.h"
+#include "support/Cases.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -17,35 +18,31 @@ class ProcessesTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void outcomes_data()
-    {
-        QTest::addColumn<QString>("script");
-        QTest::addColumn<ProcessResult::Outcome>("outcome");
-        QTest::addColumn<int>("code");
-        QTest::addColumn<QByteArray>("output");
-        using Outcome = ProcessResult::Outcome;
-        QTest::newRow("fine") << u"printf 'два\\n'; echo err >&2"_s << Outcome::Exited << 0 << "два\n"_ba;
-        QTest::newRow("fails") << u"exit 3"_s << Outcome::Exited << 3 << ""_ba;
-        QTest::newRow("killed") << u"kill -9 $$"_s << Outcome::Crashed << 9 << ""_ba;
-        QTest::newRow("hangs") << u"exec sleep 60"_s << Outcome::TimedOut << 9 << ""_ba;
-        QTest::newRow("waits for input") << u"read line; echo done"_s << Outcome::Exited << 0 << "done\n"_ba;
-        QTest::newRow("talks without end")
-            << u"head -c 300000 /dev/zero | tr '\\0' x"_s << Outcome::Exited << 0 << QByteArray(1000, 'x');
-    }
     void outcomes()
     {
-        QFETCH(QString, script);
-        std::optional<ProcessResult> result;
-        m_processes.run(
-            {.program = u"/bin/bash"_s,
-             .arguments = {u"-c"_s, script},
-             .timeout = QLatin1StringView{QTest::currentDataTag()} == "hangs"_L1 ? 200ms : 20'000ms,
-             .outputLimit = 1000},
-            this, [&](const ProcessResult& r) { result = r; });
-        QTRY_VERIFY_WITH_TIMEOUT(result, 10'000);
-        QTEST(result->outcome, "outcome");
-        QTEST(result->exitCode, "code");
-        QTEST(result->output, "output");
+        using Outcome = ProcessResult::Outcome;
+        const Cases<QString, Outcome, int, QByteArray> cases{
+            {"fine", u"printf 'два\\n'; echo err >&2"_s, Outcome::Exited, 0, "два\n"},
+            {"fails", u"exit 3"_s, Outcome::Exited, 3, ""},
+            {"killed", u"kill -9 $$"_s, Outcome::Crashed, 9, ""},
+            {"hangs", u"exec sleep 60"_s, Outcome::TimedOut, 9, ""},
+            {"waits for input", u"read line; echo done"_s, Outcome::Exited, 0, "done\n"},
+            {"talks without end", u"head -c 300000 /dev/zero | tr '\\0' x"_s, Outcome::Exited, 0,
+             QByteArray(1000, 'x')},
+        };
+        for (const auto& [name, script, outcome, code, output] : cases) {
+            CASE(name);
+            std::optional<ProcessResult> result;
+            m_processes.run({.program = u"/bin/bash"_s,
+                             .arguments = {u"-c"_s, script},
+                             .timeout = outcome == Outcome::TimedOut ? 200ms : 20'000ms,
+                             .outputLimit = 1000},
+                            this, [&](const ProcessResult& r) { result = r; });
+            QTRY_VERIFY_WITH_TIMEOUT(result, 10'000);
+            QCOMPARE(result->outcome, outcome);
+            QCOMPARE(result->exitCode, code);
+            QCOMPARE(result->output, output);
+        }
     }
 
     void piecesArriveAsTheyCome()
@@ -82,40 +79,29 @@ private slots:
         QVERIFY(!m_processes.startDetached(u"/no/such/program"_s, {}));
     }
 
-    void aChildEndsWithItsContext()
+    void aChildAndAllItStartedEndWithTheContext()
     {
-        auto context = std::make_unique<QObject>();
-        QByteArray pid;
-        bool wrong = false;
-        m_processes.run({.program = u"/bin/bash"_s,
-                         .arguments = {u"-c"_s, u"echo $$; exec sleep 60"_s},
-                         .onOutput = [&](const QByteArray& piece) { pid += piece; }},
-                        context.get(), [&](const ProcessResult&) { wrong = true; });
-        QTRY_VERIFY(pid.endsWith('\n'));
-        context.reset();
-        QTRY_COMPARE(::kill(pid.trimmed().toInt(), 0), -1);
-        QVERIFY(!wrong);
-    }
-
-    void whatAChildStartedEndsWithIt_data()
-    {
-        QTest::addColumn<QString>("script");
-        QTest::newRow("a pipeline") << u"(echo $BASHPID; exec sleep 60) | cat"_s;
-        QTest::newRow("deaf to the polite signal")
-            << u"trap '' TERM; (trap '' TERM; echo $BASHPID; while true; do sleep 0.1; done) & wait"_s;
-    }
-    void whatAChildStartedEndsWithIt()
-    {
-        QFETCH(QString, script);
-        auto context = std::make_unique<QObject>();
-        QByteArray grandchild;
-        m_processes.run({.program = u"/bin/bash"_s,
-                         .arguments = {u"-c"_s, script},
-                         .onOutput = [&](const QByteArray& piece) { grandchild += piece; }},
-                        context.get(), [](const ProcessResult&) {});
-        QTRY_VERIFY(grandchild.endsWith('\n'));
-        context.reset();
-        QTRY_COMPARE(::kill(grandchild.trimmed().toInt(), 0), -1);
+        const Cases<QString> cases{
+            // each tells of a process that has to end
+            {"itself", u"echo $$; exec sleep 60"_s},
+            {"a pipeline", u"(echo $BASHPID; exec sleep 60) | cat"_s},
+            {"deaf to the polite signal",
+             u"trap '' TERM; (trap '' TERM; echo $BASHPID; while true; do sleep 0.1; done) & wait"_s},
+        };
+        for (const auto& [name, script] : cases) {
+            CASE(name);
+            auto context = std::make_unique<QObject>();
+            QByteArray pid;
+            bool wrong = false;
+            m_processes.run({.program = u"/bin/bash"_s,
+                             .arguments = {u"-c"_s, script},
+                             .onOutput = [&](const QByteArray& piece) { pid += piece; }},
+                            context.get(), [&](const ProcessResult&) { wrong = true; });
+            QTRY_VERIFY(pid.endsWith('\n'));
+            context.reset();
+            QTRY_COMPARE(::kill(pid.trimmed().toInt(), 0), -1);
+            QVERIFY(!wrong);
+        }
     }
 
 private:

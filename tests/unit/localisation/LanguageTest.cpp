@@ -3,6 +3,7 @@
 #include "localisation/Texts.h"
 #include "registeredTests.h"
 #include "service/Prefs.h"
+#include "support/Cases.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -23,31 +24,25 @@ private slots:
         m_prefs = std::make_unique<Prefs>(m_dir->filePath(u"prefs.json"_s));
     }
 
-    void choosesTheLanguage_data()
-    {
-        QTest::addColumn<QJsonValue>("stored");
-        QTest::addColumn<QStringList>("system");
-        QTest::addColumn<QString>("locale");
-        QTest::newRow("choice wins") << QJsonValue{u"en"_s} << QStringList{u"ru-RU"_s} << u"en"_s;
-        QTest::newRow("unsupported choice and system")
-            << QJsonValue{u"de"_s} << QStringList{u"de-DE"_s} << u"ru"_s;
-        QTest::newRow("first of the system's")
-            << QJsonValue{} << QStringList{u"en-US"_s, u"ru-RU"_s} << u"en"_s;
-        QTest::newRow("not the second") << QJsonValue{} << QStringList{u"de-DE"_s, u"en-US"_s} << u"ru"_s;
-        QTest::newRow("no system language") << QJsonValue{} << QStringList{} << u"ru"_s;
-        QTest::newRow("case of the choice counts")
-            << QJsonValue{u"EN"_s} << QStringList{u"ru-RU"_s} << u"ru"_s;
-        QTest::newRow("case of the system's does not") << QJsonValue{} << QStringList{u"EN_GB"_s} << u"en"_s;
-        QTest::newRow("wrong type") << QJsonValue{true} << QStringList{u"en"_s} << u"en"_s;
-        QTest::newRow("one letter") << QJsonValue{} << QStringList{u"C"_s} << u"ru"_s;
-    }
     void choosesTheLanguage()
     {
-        QFETCH(QJsonValue, stored);
-        QFETCH(QStringList, system);
-        if (!stored.isNull()) m_prefs->set(u"locale"_s, stored);
-        const Language language{*m_prefs, [&] { return system; }};
-        QTEST(language.locale(), "locale");
+        const Cases<QJsonValue, QStringList, QString> cases{
+            {"choice wins", u"en"_s, {u"ru-RU"_s}, u"en"_s},
+            {"unsupported choice and system", u"de"_s, {u"de-DE"_s}, u"ru"_s},
+            {"first of the system's", {}, {u"en-US"_s, u"ru-RU"_s}, u"en"_s},
+            {"not the second", {}, {u"de-DE"_s, u"en-US"_s}, u"ru"_s},
+            {"no system language", {}, {}, u"ru"_s},
+            {"case of the choice counts", u"EN"_s, {u"ru-RU"_s}, u"ru"_s},
+            {"case of the system's does not", {}, {u"EN_GB"_s}, u"en"_s},
+            {"wrong type", true, {u"en"_s}, u"en"_s},
+            {"one letter", {}, {u"C"_s}, u"ru"_s},
+        };
+        for (const auto& [name, stored, preferred, locale] : cases) {
+            CASE(name);
+            m_prefs->set(u"locale"_s, stored);
+            const Language language{*m_prefs, [system = preferred] { return system; }};
+            QCOMPARE(language.locale(), locale);
+        }
     }
 
     void everythingFollowsAChangeTogether()

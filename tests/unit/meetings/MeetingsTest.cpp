@@ -9,6 +9,7 @@
 #include "registeredTests.h"
 #include "service/Paths.h"
 #include "service/Prefs.h"
+#include "support/Cases.h"
 #include "support/ManualScheduler.h"
 
 #include <QAbstractItemModelTester>
@@ -42,6 +43,14 @@ QString ids(const QList<ListedMeeting>& meetings)
     return names.join(u' ');
 }
 
+QString ids(const MeetingListModel& model)
+{
+    QStringList names;
+    for (int row = 0; row < model.count(); ++row)
+        names.append(model.idAt(row));
+    return names.join(u' ');
+}
+
 } // namespace
 
 class MeetingsTest : public QObject {
@@ -50,73 +59,69 @@ class MeetingsTest : public QObject {
 private slots:
     void initTestCase() { qputenv("TZ", "Europe/Moscow"); }
 
-    void internetDates_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("utc");
-        const auto row = [](const char* text, const char* utc) {
-            QTest::newRow(text) << QString::fromUtf8(text) << QString::fromLatin1(utc);
-        };
-        row("2025-03-04T10:15:30Z", "2025-03-04T10:15:30.000Z");
-        row("2025-03-04T10:15:30.123Z", "2025-03-04T10:15:30.123Z");
-        row("2025-03-04T10:15:30.5+03:00", "2025-03-04T07:15:30.500Z");
-        row("2025-03-04T01:15:30-05:30", "2025-03-04T06:45:30.000Z");
-        row("2025-03-04 10:15", "");
-        row("2025-03-04T10:15:30", "");
-        row("2025-02-30T10:15:30Z", "");
-        row("2025-03-04T25:15:30Z", "");
-        row("2025-03-04T10:15:30Z and more", "");
-        row("2025-03-04T10:15:30+\uffee\uffee:00", ""); // read as digits they would not fit any number
-        row("", "");
-    }
     void internetDates()
     {
-        QFETCH(QString, text);
-        const auto date = summaryFile::internetDate(text);
-        QTEST(date ? date->toUTC().toString(Qt::ISODateWithMs) : QString{}, "utc");
+        const Cases<QString> cases{
+            // and what they are in UTC
+            {"2025-03-04T10:15:30Z", u"2025-03-04T10:15:30.000Z"_s},
+            {"2025-03-04T10:15:30.123Z", u"2025-03-04T10:15:30.123Z"_s},
+            {"2025-03-04T10:15:30.5+03:00", u"2025-03-04T07:15:30.500Z"_s},
+            {"2025-03-04T01:15:30-05:30", u"2025-03-04T06:45:30.000Z"_s},
+            {"2025-03-04 10:15", {}},
+            {"2025-03-04T10:15:30", {}},
+            {"2025-02-30T10:15:30Z", {}},
+            {"2025-03-04T25:15:30Z", {}},
+            {"2025-03-04T10:15:30Z and more", {}},
+            {"2025-03-04T10:15:30+\uffee\uffee:00", {}}, // read as digits they would not fit any number
+            {"", {}},
+        };
+        for (const auto& [text, utc] : cases) {
+            CASE(text);
+            const auto date = summaryFile::internetDate(QString::fromUtf8(text));
+            QCOMPARE(date ? date->toUTC().toString(Qt::ISODateWithMs) : QString{}, utc);
+        }
     }
 
-    void records_data()
-    {
-        QTest::addColumn<QByteArray>("json");
-        QTest::addColumn<QString>("record"); ///< title|tldr|start in Moscow|end|protocol; "-" when it is none
-        const auto row = [](const char* name, const char* json, const char* record) {
-            QTest::newRow(name) << QByteArray{json} << QString::fromUtf8(record);
-        };
-        row("whole",
-            R"({"title":" План\n","tldr":"  Коротко ","_meta":{"started_at":"2025-03-04T07:15:00Z","duration_min":47.5,"protocol_md":"/p.md"}})",
-            "План|Коротко|2025-03-04T10:15:00|2025-03-04T11:02:30|/p.md");
-        row("nothing", "{}", "2025-01-02 03-04-05||2025-01-02T03:04:05||");
-        row("other types",
-            R"({"title":7,"tldr":[],"_meta":{"started_at":1,"duration_min":"5","protocol_md":null}})",
-            "2025-01-02 03-04-05||2025-01-02T03:04:05||");
-        row("meta of another type", R"({"title":"x","_meta":[]})", "x||2025-01-02T03:04:05||");
-        row("no length", R"({"title":"x","_meta":{"duration_min":0}})", "x||2025-01-02T03:04:05||");
-        row("negative length", R"({"title":"x","_meta":{"duration_min":-3}})", "x||2025-01-02T03:04:05||");
-        row("length beyond all", R"({"title":"x","_meta":{"duration_min":1e300}})",
-            "x||2025-01-02T03:04:05||");
-        row("a number of any size",
-            R"({"big":123456789012345678901234567890,"title":"x","_meta":{"duration_min":1}})",
-            "x||2025-01-02T03:04:05|2025-01-02T03:05:05|");
-        row("markup stays text", R"({"title":"<b>x</b>"})", "<b>x</b>||2025-01-02T03:04:05||");
-        row("byte order mark", "\xef\xbb\xbf{\"title\":\"x\"}", "x||2025-01-02T03:04:05||");
-        row("a list", "[]", "-");
-        row("cut", R"({"title":"x")", "-");
-        row("empty", "", "-");
-        row("no UTF-8", "{\"title\":\"\xff\"}", "-");
-    }
     void records()
     {
-        QFETCH(QByteArray, json);
-        const auto meeting = summaryFile::meeting(json, u"/x.protocol.json"_s, u"2025-01-02 03-04-05"_s, 0);
-        const QString format = u"yyyy-MM-ddTHH:mm:ss"_s;
-        const auto end = meeting ? meeting->endedAt() : std::nullopt;
-        QStringList parts{u"-"_s};
-        if (meeting) {
-            parts = {meeting->title, meeting->tldr, meeting->startedAt.toString(format)};
-            parts << (end ? end->toString(format) : QString{}) << meeting->protocolPath.value_or(QString{});
+        const QString bare = u"2025-01-02 03-04-05||2025-01-02T03:04:05||"_s;
+        const QString titled = u"x||2025-01-02T03:04:05||"_s;
+        const Cases<QByteArray, QString> cases{
+            // title|tldr|start in Moscow|end|protocol; "-" when it is none
+            {"whole",
+             R"({"title":" План\n","tldr":"  Коротко ","_meta":{"started_at":"2025-03-04T07:15:00Z",)"
+             R"("duration_min":47.5,"protocol_md":"/p.md"}})",
+             u"План|Коротко|2025-03-04T10:15:00|2025-03-04T11:02:30|/p.md"_s},
+            {"nothing", "{}", bare},
+            {"other types",
+             R"({"title":7,"tldr":[],"_meta":{"started_at":1,"duration_min":"5","protocol_md":null}})", bare},
+            {"meta of another type", R"({"title":"x","_meta":[]})", titled},
+            {"no length", R"({"title":"x","_meta":{"duration_min":0}})", titled},
+            {"negative length", R"({"title":"x","_meta":{"duration_min":-3}})", titled},
+            {"length beyond all", R"({"title":"x","_meta":{"duration_min":1e300}})", titled},
+            {"a number of any size",
+             R"({"big":123456789012345678901234567890,"title":"x","_meta":{"duration_min":1}})",
+             u"x||2025-01-02T03:04:05|2025-01-02T03:05:05|"_s},
+            {"byte order mark", "\xef\xbb\xbf{\"title\":\"x\"}", titled},
+            {"a list", "[]", u"-"_s},
+            {"cut", R"({"title":"x")", u"-"_s},
+            {"empty", "", u"-"_s},
+            {"no UTF-8", "{\"title\":\"\xff\"}", u"-"_s},
+        };
+        for (const auto& [name, json, record] : cases) {
+            CASE(name);
+            const auto meeting =
+                summaryFile::meeting(json, u"/x.protocol.json"_s, u"2025-01-02 03-04-05"_s, 0);
+            const QString format = u"yyyy-MM-ddTHH:mm:ss"_s;
+            const auto end = meeting ? meeting->endedAt() : std::nullopt;
+            QStringList parts{u"-"_s};
+            if (meeting) {
+                parts = {meeting->title, meeting->tldr, meeting->startedAt.toString(format)};
+                parts << (end ? end->toString(format) : QString{})
+                      << meeting->protocolPath.value_or(QString{});
+            }
+            QCOMPARE(parts.join(u'|'), record);
         }
-        QTEST(parts.join(u'|'), "record");
     }
 
     void dateFallbacks()
@@ -131,27 +136,23 @@ private slots:
         QCOMPARE(start(u"no date"_s, std::nullopt), 0);
     }
 
-    void captions_data()
-    {
-        QTest::addColumn<QDate>("day");
-        QTest::addColumn<QString>("russian");
-        QTest::addColumn<QString>("english");
-        QTest::newRow("today") << QDate{2026, 11, 21} << u"Сегодня"_s << u"Today"_s;
-        QTest::newRow("yesterday") << QDate{2026, 11, 20} << u"Вчера"_s << u"Yesterday"_s;
-        QTest::newRow("this year") << QDate{2026, 11, 19} << u"Четверг, 19 нояб."_s << u"Thursday, Nov 19"_s;
-        QTest::newRow("another year")
-            << QDate{2024, 11, 15} << u"Пятница, 15 нояб. 2024\u202fг."_s << u"Friday, Nov 15, 2024"_s;
-        QTest::newRow("tomorrow") << QDate{2026, 11, 22} << u"Воскресенье, 22 нояб."_s << u"Sunday, Nov 22"_s;
-    }
     void captions()
     {
-        QFETCH(QDate, day);
         const QDate today{2026, 11, 21};
-        QTEST(captions::dayTitle(day, today, u"ru"_s), "russian");
-        QTEST(captions::dayTitle(day, today, u"en"_s), "english");
-        const Meeting meeting{.startedAt = QDateTime{day, QTime{9, 5}}, .durationMin = 55};
-        QCOMPARE(captions::dateLine(meeting, today, u"ru"_s),
-                 captions::dayTitle(day, today, u"ru"_s) + u" · 09:05 – 10:00"_s);
+        const Cases<QDate, QString, QString> cases{
+            {"today", today, u"Сегодня"_s, u"Today"_s},
+            {"yesterday", {2026, 11, 20}, u"Вчера"_s, u"Yesterday"_s},
+            {"this year", {2026, 11, 19}, u"Четверг, 19 нояб."_s, u"Thursday, Nov 19"_s},
+            {"another year", {2024, 11, 15}, u"Пятница, 15 нояб. 2024\u202fг."_s, u"Friday, Nov 15, 2024"_s},
+            {"tomorrow", {2026, 11, 22}, u"Воскресенье, 22 нояб."_s, u"Sunday, Nov 22"_s},
+        };
+        for (const auto& [name, day, russian, english] : cases) {
+            CASE(name);
+            QCOMPARE(captions::dayTitle(day, today, u"ru"_s), russian);
+            QCOMPARE(captions::dayTitle(day, today, u"en"_s), english);
+        }
+        const Meeting meeting{.startedAt = QDateTime{today, QTime{9, 5}}, .durationMin = 55};
+        QCOMPARE(captions::dateLine(meeting, today, u"ru"_s), u"Сегодня · 09:05 – 10:00"_s);
         QCOMPARE(captions::timeRange({.startedAt = meeting.startedAt}, u"en"_s), u"09:05"_s);
     }
 
@@ -165,7 +166,8 @@ private slots:
         home.write(u"2026-03-05 10-00-00"_s, R"({"title":"later"})");
         QVERIFY(files::writeAtomic(home.paths.logs + u"/notes.json"_s, "{}"));
         QCOMPARE(ids(home.scan().meetings), u"2026-03-05 10-00-00 2026-03-04 10-00-00"_s);
-        home.rest();
+        QTRY_VERIFY(files::isSettled(files::identity(home.file(u"2026-03-05 10-00-00"_s))));
+        home.scan();
         QVERIFY(!home.scan().changed);
         home.write(u"2026-03-04 10-00-00"_s, R"({"title":"changed"})");
         const auto result = home.scan();
@@ -175,36 +177,22 @@ private slots:
         QCOMPARE(ids(home.scan().meetings), u"2026-03-04 10-00-00"_s);
     }
 
-    void oddFilesAreLeftOut_data()
-    {
-        QTest::addColumn<std::function<void(const QByteArray&)>>("make");
-        using Make = std::function<void(const QByteArray&)>;
-        QTest::newRow("pipe") << Make{[](const QByteArray& path) { ::mkfifo(path.constData(), 0600); }};
-        QTest::newRow("folder") << Make{[](const QByteArray& path) { ::mkdir(path.constData(), 0700); }};
-        QTest::newRow("dangling link")
-            << Make{[](const QByteArray& path) { std::ignore = ::symlink("/nowhere", path.constData()); }};
-        QTest::newRow("500 MB") << Make{[](const QByteArray& path) {
-            QFile file{QFile::decodeName(path)};
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(500'000'000));
-        }};
-        QTest::newRow("empty") << Make{[](const QByteArray& path) {
-            QVERIFY(QFile{QFile::decodeName(path)}.open(QIODevice::WriteOnly));
-        }};
-    }
     void oddFilesAreLeftOut()
     {
-        QFETCH(std::function<void(const QByteArray&)>, make);
         Home home;
-        QDir{}.mkpath(home.paths.logs);
+        QDir{}.mkpath(home.file(u"folder"_s));
         home.write(u"good"_s, "{}");
-        make(QFile::encodeName(home.file(u"odd"_s)));
+        home.write(u"empty"_s, "");
+        QCOMPARE(::mkfifo(QFile::encodeName(home.file(u"pipe"_s)).constData(), 0600), 0);
+        QVERIFY(QFile::link(u"/nowhere"_s, home.file(u"dangling link"_s)));
+        home.write(u"500 MB"_s, "{}");
+        QVERIFY(QFile::resize(home.file(u"500 MB"_s), 500'000'000));
         QCOMPARE(ids(home.scan().meetings), u"good"_s);
     }
 
     void aFileBeingWrittenKeepsItsRow()
     {
         Home home;
-        QDir{}.mkpath(home.paths.logs);
         home.write(u"a"_s, R"({"title":"whole"})");
         home.scan();
         QFile file{home.file(u"a"_s)};
@@ -220,9 +208,8 @@ private slots:
         const auto done = home.scan();
         QVERIFY(!done.restless);
         QCOMPARE(done.meetings.value(0).meeting.title, u"half and whole"_s);
-        // What stays damaged is no summary any more.
-        home.write(u"a"_s, "{");
-        home.rest();
+        // What has long been there and is none leaves no row.
+        QVERIFY(QFile::remove(home.file(u"a"_s)) && QFile::link(u"/bin/sh"_s, home.file(u"a"_s)));
         QVERIFY(home.scan().meetings.isEmpty());
     }
 
@@ -244,32 +231,24 @@ private slots:
         QVERIFY(!finder.find({.title = u"gone"_s})); // the folder is listed once
     }
 
-    void searching_data()
-    {
-        QTest::addColumn<QString>("query");
-        QTest::addColumn<QString>("found");
-        QTest::newRow("nothing asked") << QString{} << u"c b a"_s;
-        QTest::newRow("white space") << u" \t\n"_s << u"c b a"_s;
-        QTest::newRow("another case") << u"  РЕЛИЗ "_s << u"b a"_s;
-        QTest::newRow("in the summary") << u"бюджет"_s << u"c"_s;
-        QTest::newRow("nowhere") << u"нет такого"_s << QString{};
-    }
     void searching()
     {
-        QFETCH(QString, query);
         Home home;
         MeetingListModel model{home.language};
         const QAbstractItemModelTester tester{&model};
         model.setMeetings({listed(u"c"_s, 3, u"Планы\nбюджет"_s), listed(u"b"_s, 2, u"релизный"_s),
                            listed(u"a"_s, 1, u"Релиз"_s)},
                           {2026, 3, 4});
-        model.setQuery(query);
-        QStringList found;
-        for (int row = 0; row < model.count(); ++row)
-            found.append(model.idAt(row));
-        QTEST(found.join(u' '), "found");
-        model.setQuery({});
-        QCOMPARE(model.count(), 3);
+        const Cases<QString, QString> cases{
+            {"white space", u" \t\n"_s, u"c b a"_s}, {"another case", u"  РЕЛИЗ "_s, u"b a"_s},
+            {"in the summary", u"бюджет"_s, u"c"_s}, {"nowhere", u"нет такого"_s, {}},
+            {"nothing asked", {}, u"c b a"_s},
+        };
+        for (const auto& [name, query, found] : cases) {
+            CASE(name);
+            model.setQuery(query);
+            QCOMPARE(ids(model), found);
+        }
     }
 
     void hitsAreMarkedInPlainText()
@@ -325,14 +304,8 @@ private slots:
             });
             if (random.bounded(4) == 0) model.setQuery(random.bounded(2) == 0 ? u"x"_s : QString{});
             model.setMeetings(meetings, {2026, 3, 4});
-            QStringList shown;
-            for (int row = 0; row < model.count(); ++row)
-                shown.append(model.idAt(row));
-            QStringList wanted;
-            for (const ListedMeeting& m : meetings) {
-                if (m.searchText.contains(model.query())) wanted.append(m.meeting.id);
-            }
-            QCOMPARE(shown, wanted);
+            meetings.removeIf([&](const ListedMeeting& m) { return !m.searchText.contains(model.query()); });
+            QCOMPARE(ids(model), ids(meetings));
         }
     }
 
@@ -343,7 +316,6 @@ private slots:
         MeetingStore store{home.paths, home.language, scheduler};
         QTRY_VERIFY(store.loaded() && !store.loading());
         QVERIFY(store.list()->isEmpty());
-        QDir{}.mkpath(home.paths.logs);
         home.write(u"2026-03-04 10-00-00"_s, "{}");
         scheduler.advance(20s); // a folder that was not there is looked for again and again
         QTRY_COMPARE(store.list()->count(), 1);
@@ -369,14 +341,7 @@ private:
         }
         void write(const QString& stem, const QByteArray& bytes) const
         {
-            QVERIFY(files::writeAtomic(file(stem), bytes));
-        }
-        /// Makes the files look as if nobody had touched them for a while.
-        void rest()
-        {
-            const auto old = QDateTime::currentMSecsSinceEpoch();
-            QTRY_VERIFY(QDateTime::currentMSecsSinceEpoch() - old > 2100);
-            scan();
+            QVERIFY(QDir{}.mkpath(paths.logs) && files::writeAtomic(file(stem), bytes));
         }
     };
 };

@@ -3,6 +3,7 @@
 #include "platform/PanelPlacement.h"
 #include "platform/SingleInstance.h"
 #include "registeredTests.h"
+#include "support/Cases.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -26,90 +27,80 @@ class PlatformTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void placement_data()
-    {
-        QTest::addColumn<QRect>("icon");
-        QTest::addColumn<QRect>("available");
-        QTest::addColumn<QSize>("content");
-        QTest::addColumn<QRect>("panel");
-        QTest::addColumn<double>("arrowX");
-        const QRect screen{0, 24, 1280, 876};
-        QTest::newRow("under the icon")
-            << QRect{629, 1, 22, 22} << screen << QSize{340, 590} << QRect{470, 26, 340, 590} << 170.0;
-        QTest::newRow("near the right edge")
-            << QRect{1257, 1, 22, 22} << screen << QSize{340, 590} << QRect{932, 26, 340, 590} << 308.0;
-        QTest::newRow("near the left edge")
-            << QRect{1, 1, 22, 22} << screen << QSize{340, 590} << QRect{8, 26, 340, 590} << 32.0;
-        QTest::newRow("height not to be taken seriously")
-            << QRect{629, 1, 22, 22} << screen << QSize{340, 60} << QRect{470, 26, 340, 400} << 170.0;
-        QTest::newRow("narrow content")
-            << QRect{629, 1, 22, 22} << screen << QSize{100, 61} << QRect{470, 26, 340, 61} << 170.0;
-        QTest::newRow("wide content")
-            << QRect{629, 1, 22, 22} << screen << QSize{400, 590} << QRect{440, 26, 400, 590} << 200.0;
-        QTest::newRow("too narrow a screen: the right bound wins")
-            << QRect{100, 1, 22, 22} << QRect{0, 24, 300, 600} << QSize{340, 500} << QRect{-48, 26, 340, 500}
-            << 159.0;
-        QTest::newRow("second screen") << QRect{3000, 1, 22, 22} << QRect{1280, 0, 1920, 1080}
-                                       << QSize{340, 590} << QRect{2841, 26, 340, 590} << 170.0;
-        QTest::newRow("higher than the screen") << QRect{981, 1, 22, 22} << QRect{0, 24, 1024, 576}
-                                                << QSize{340, 900} << QRect{676, 26, 340, 566} << 308.0;
-        QTest::newRow("higher than the screen, bar at the bottom")
-            << QRect{629, 578, 22, 22} << QRect{0, 0, 1280, 576} << QSize{340, 900} << QRect{470, 8, 340, 567}
-            << 170.0;
-        QTest::newRow("bar at the bottom") << QRect{629, 878, 22, 22} << QRect{0, 0, 1280, 876}
-                                           << QSize{340, 590} << QRect{470, 285, 340, 590} << 170.0;
-    }
     void placement()
     {
-        QFETCH(QRect, icon);
-        QFETCH(QRect, available);
-        QFETCH(QSize, content);
-        const PanelPlacement place = placePanel(icon, available, content);
-        QTEST(place.panel, "panel");
-        QTEST(place.arrowX, "arrowX");
+        const QRect screen{0, 24, 1280, 876};
+        const QRect icon{629, 1, 22, 22};
+        const QSize size{340, 590};
+        const Cases<QRect, QRect, QSize, QRect, double> cases{
+            {"under the icon", icon, screen, size, {470, 26, 340, 590}, 170},
+            {"near the right edge", {1257, 1, 22, 22}, screen, size, {932, 26, 340, 590}, 308},
+            {"near the left edge", {1, 1, 22, 22}, screen, size, {8, 26, 340, 590}, 32},
+            {"height not to be taken seriously", icon, screen, {340, 60}, {470, 26, 340, 400}, 170},
+            {"narrow content", icon, screen, {100, 61}, {470, 26, 340, 61}, 170},
+            {"wide content", icon, screen, {400, 590}, {440, 26, 400, 590}, 200},
+            {"too narrow a screen",
+             {100, 1, 22, 22},
+             {0, 24, 300, 600},
+             {340, 500},
+             {-48, 26, 340, 500},
+             159},
+            {"second screen", {3000, 1, 22, 22}, {1280, 0, 1920, 1080}, size, {2841, 26, 340, 590}, 170},
+            {"higher than the screen", icon, {0, 24, 1024, 576}, {340, 900}, {470, 26, 340, 566}, 170},
+            {"higher, bar at the bottom",
+             {629, 578, 22, 22},
+             {0, 0, 1280, 576},
+             {340, 900},
+             {470, 8, 340, 567},
+             170},
+            {"bar at the bottom", {629, 878, 22, 22}, {0, 0, 1280, 876}, size, {470, 285, 340, 590}, 170},
+        };
+        for (const auto& [name, at, available, content, panel, arrowX] : cases) {
+            CASE(name);
+            const PanelPlacement place = placePanel(at, available, content);
+            QCOMPARE(place.panel, panel);
+            QCOMPARE(place.arrowX, arrowX);
+        }
     }
 
-    void aNameIsSavedAsItWasTyped_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("name");
-        QTest::newRow("as offered") << QString{} << u"План \"Весна\" 2026.pdf"_s;
-        QTest::newRow("quotation marks") << u"\"а\" \"б\""_s << u"\"а\" \"б\".pdf"_s;
-        QTest::newRow("a dot is no ending") << u"Релиз 1.5"_s << u"Релиз 1.5.pdf"_s;
-        QTest::newRow("with its ending") << u"отчёт.PDF"_s << u"отчёт.PDF"_s;
-        QTest::newRow("another folder") << u"./вниз/отчёт"_s << u"вниз/отчёт.pdf"_s;
-        QTest::newRow("one that is there") << u"есть"_s << u"есть.pdf"_s;
-    }
     void aNameIsSavedAsItWasTyped()
     {
-        QFETCH(QString, typed);
-        const QTemporaryDir folder;
-        QDir{folder.path()}.mkdir(u"вниз"_s);
-        QFile there{folder.filePath(u"есть.pdf"_s)};
-        QVERIFY(there.open(QIODevice::WriteOnly));
-        QString chosen;
-        QObject context;
-        makeDesktop(folder.path())
-            ->askWhereToSave({.title = u"Сохранить"_s,
-                              .suggested = folder.filePath(u"План \"Весна\" 2026.pdf"_s),
-                              .kind = u"PDF (*.pdf)"_s,
-                              .suffix = u"pdf"_s},
-                             nullptr, &context, [&](const QString& path) { chosen = path; });
-        const auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        auto* field = dialog->findChild<QLineEdit*>(u"fileNameEdit"_s);
-        QVERIFY(field);
-        if (!typed.isEmpty()) field->setText(typed);
-        QTest::keyClick(field, Qt::Key_Return);
-        auto* question = dialog->findChild<QMessageBox*>();
-        QCOMPARE(question != nullptr, typed == u"есть"_s);
-        if (question) {
-            QVERIFY(chosen.isEmpty());
-            question->button(QMessageBox::Yes)->click();
+        const Cases<QString, QString> cases{
+            {"as offered", {}, u"План \"Весна\" 2026.pdf"_s},
+            {"quotation marks", u"\"а\" \"б\""_s, u"\"а\" \"б\".pdf"_s},
+            {"a dot is no ending", u"Релиз 1.5"_s, u"Релиз 1.5.pdf"_s},
+            {"with its ending", u"отчёт.PDF"_s, u"отчёт.PDF"_s},
+            {"another folder", u"./вниз/отчёт"_s, u"вниз/отчёт.pdf"_s},
+            {"one that is there", u"есть"_s, u"есть.pdf"_s},
+        };
+        for (const auto& [name, typed, saved] : cases) {
+            CASE(name);
+            const QTemporaryDir folder;
+            QDir{folder.path()}.mkdir(u"вниз"_s);
+            QVERIFY(files::writeAtomic(folder.filePath(u"есть.pdf"_s), ""));
+            QString chosen;
+            QObject context;
+            makeDesktop(folder.path())
+                ->askWhereToSave({.title = u"Сохранить"_s,
+                                  .suggested = folder.filePath(u"План \"Весна\" 2026.pdf"_s),
+                                  .kind = u"PDF (*.pdf)"_s,
+                                  .suffix = u"pdf"_s},
+                                 nullptr, &context, [&](const QString& path) { chosen = path; });
+            const auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            QVERIFY(dialog);
+            auto* field = dialog->findChild<QLineEdit*>(u"fileNameEdit"_s);
+            QVERIFY(field);
+            if (!typed.isEmpty()) field->setText(typed);
+            QTest::keyClick(field, Qt::Key_Return);
+            auto* question = dialog->findChild<QMessageBox*>();
+            QCOMPARE(question != nullptr, typed == u"есть"_s);
+            if (question) {
+                QVERIFY(chosen.isEmpty());
+                question->button(QMessageBox::Yes)->click();
+            }
+            QTRY_COMPARE(QDir::cleanPath(chosen), folder.filePath(saved));
+            QTRY_VERIFY(!QApplication::activeModalWidget());
         }
-        QFETCH(QString, name);
-        QTRY_COMPARE(QDir::cleanPath(chosen), folder.filePath(name));
-        QTRY_VERIFY(!QApplication::activeModalWidget());
     }
 
     void theDesktopsOwnList()
@@ -121,12 +112,12 @@ private slots:
         const auto desktop = makeDesktop(home.path());
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path() + u"/config"_s));
         const QString entry = home.path() + u"/config/autostart/murmeli.desktop"_s;
-        const auto content = [&] { return QString::fromUtf8(files::readWhole(entry, 10'000).value_or("")); };
         desktop->setLoginItem(true);
-        QVERIFY(content().contains(u"\nHidden=false\n"_s));
-        QVERIFY(content().contains(u"\nExec=\""_s + QCoreApplication::applicationFilePath() + u"\"\n"_s));
+        const QByteArray on = files::readWhole(entry, 10'000).value_or("");
+        QVERIFY(on.contains("\nHidden=false\n"));
+        QVERIFY(on.contains("\nExec=\"" + QCoreApplication::applicationFilePath().toUtf8() + "\"\n"));
         desktop->setLoginItem(false);
-        QVERIFY(content().contains(u"\nHidden=true\n"_s));
+        QVERIFY(files::readWhole(entry, 10'000).value_or("").contains("\nHidden=true\n"));
         qunsetenv("XDG_CONFIG_HOME");
         desktop->setLoginItem(false);
         QVERIFY(QFile::exists(home.path() + u"/.config/autostart/murmeli.desktop"_s));
@@ -162,25 +153,20 @@ private slots:
         QVERIFY(next.isFirst());
     }
 
-    void aSocketLeftByACrashIsNoHindrance()
+    void neitherACrashNorAnUnusableFolderKeepsUsFromStarting()
     {
         const QTemporaryDir folder;
-        QFile leftOver{folder.filePath(u"murmeli.socket"_s)};
-        QVERIFY(leftOver.open(QIODevice::WriteOnly));
-        leftOver.close();
+        QVERIFY(files::writeAtomic(folder.filePath(u"murmeli.socket"_s), "")); // a crash has left it
         SingleInstance instance{folder.path()};
         instance.listen();
         QSignalSpy told{&instance, &SingleInstance::told};
         std::thread second{[&] { SingleInstance{folder.path()}.tellFirst(u"activate"_s); }};
         QTRY_COMPARE(told.size(), 1);
         second.join();
-    }
 
-    void anUnusableFolderDoesNotKeepUsFromStarting()
-    {
-        SingleInstance instance{u"/no/such/folder"_s};
-        QVERIFY(instance.isFirst());
-        instance.listen();
+        SingleInstance nowhere{u"/no/such/folder"_s};
+        QVERIFY(nowhere.isFirst());
+        nowhere.listen();
     }
 };
 
