@@ -11,8 +11,10 @@
 #include "ui/Look.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QQmlEngine>
 #include <QTemporaryDir>
+#include <QTimer>
 
 namespace murmeli {
 
@@ -20,8 +22,10 @@ namespace murmeli {
 /// desktop, its secret store or the network beyond the loopback.
 struct TestProgram {
     explicit TestProgram(
-        const Installation& installation = {.bundlePath = QStringLiteral("/opt/murmeli/bin/murmeli")})
-        : program(paths, {scheduler, http, processes, desktop, secrets}, installation,
+        const Installation& installation = {.bundlePath = QStringLiteral("/opt/murmeli/bin/murmeli")},
+        const QString& homeName = QStringLiteral("murmeli"))
+        : home(QDir::tempPath() + u'/' + homeName + QStringLiteral("-XXXXXX")),
+          program(paths, {scheduler, http, processes, desktop, secrets}, installation,
                   {.web = server.origin(),
                    .accountSite = QStringLiteral("http://127.0.0.1:1/account"),
                    .backend = server.origin(),
@@ -37,12 +41,25 @@ struct TestProgram {
         if (!files::writeAtomic(path, content)) qFatal("The temporary home cannot be written");
     }
 
-    /// What the update server says from now on; the next check reads it.
-    void publish(const QByteArray& record)
+    /// The service writes its state, which is then read.
+    void serviceWrites(const QByteArray& state)
     {
-        server.reply = [record](QTcpSocket* socket, const Server::Request&) {
-            socket->write(Server::answer(200, record));
-        };
+        write(paths.stateFile, state);
+        scheduler.advance(std::chrono::milliseconds{1500});
+    }
+    void serviceSays(const QByteArray& status) { serviceWrites("{\"status\":\"" + status + "\"}"); }
+
+    /// What the update server says from now on; the next check reads it.
+    void publish(const QByteArray& record) { server.says(Server::answer(200, record)); }
+    /// Asks the update server and waits for what it says.
+    void check()
+    {
+        updater.check();
+        scheduler.advance(std::chrono::milliseconds{0});
+        QEventLoop answered;
+        QObject::connect(&updater, &Updater::changed, &answered, &QEventLoop::quit);
+        QTimer::singleShot(5000, &answered, [] { qFatal("The update server does not answer"); });
+        answered.exec();
     }
 
     void signIn(const QString& token = QStringLiteral("a"))

@@ -56,11 +56,7 @@ public:
     {
         m.scheduler.advance(std::chrono::milliseconds{milliseconds});
     }
-    Q_INVOKABLE void serviceWrites(const QString& state)
-    {
-        m.write(m.paths.stateFile, state.toUtf8());
-        advance(1500);
-    }
+    Q_INVOKABLE void serviceWrites(const QString& state) { m.serviceWrites(state.toUtf8()); }
     Q_INVOKABLE void raiseFlag(const QString& content)
     {
         m.write(m.paths.authFlagFile, content.toUtf8());
@@ -92,10 +88,7 @@ public:
     {
         m.publish("{\"version\":\"" + version.toUtf8() +
                   "\",\"notes\":\"Один\\nДва\",\"released\":\"сегодня\"}");
-        m.updater.check();
-        advance(0);
-        if (!QTest::qWaitFor([this] { return m.updater.phase() != Updater::Phase::Checking; }))
-            qFatal("The update server does not answer");
+        m.check();
     }
 
     /// A summary file of a meeting that begins at `stem`, with its protocol and, if any, its analysis.
@@ -130,8 +123,7 @@ public:
     /// What the service answers from now on; nothing: it never does.
     Q_INVOKABLE void serviceAnswers(int status, const QString& body)
     {
-        const QByteArray wire = status == 0 ? QByteArray{} : Server::answer(status, body.toUtf8());
-        m.server.reply = [wire](QTcpSocket* socket, const Server::Request&) { socket->write(wire); };
+        m.server.says(status == 0 ? QByteArray{} : Server::answer(status, body.toUtf8()));
     }
     Q_INVOKABLE [[nodiscard]] QString clipboard() const { return m.desktop.copiedText; }
 

@@ -58,7 +58,7 @@ private slots:
 
         m->record.toggle();
         QCOMPARE(item.menu.state, u"Запускаем запись…"_s);
-        serviceSays("recording");
+        m->serviceSays("recording");
         QVERIFY(!item.look.isTemplate);
         QCOMPARE(item.menu.state, u"Идёт запись"_s);
         QCOMPARE(item.menu.record, u"Остановить запись"_s);
@@ -71,7 +71,7 @@ private slots:
         m->prefs.set(u"locale"_s, u"en"_s);
         m->scheduler.advance(1500ms);
         QCOMPARE(item.menu.quit, u"Quit Murmeli"_s);
-        serviceSays("processing");
+        m->serviceSays("processing");
         QCOMPARE(item.look.symbolName, u"murmeli-processing-symbolic"_s);
         const int looks = item.looks;
         m->scheduler.advance(10s);
@@ -102,7 +102,7 @@ private slots:
         m->scheduler.advance(1500ms);
         QCOMPARE(panel.size(), 1);
         QVERIFY(toast.isEmpty());
-        serviceSays("recording");
+        m->serviceSays("recording");
         QCOMPARE(toast.size(), 1);
         QCOMPARE(panel.size(), 1);
     }
@@ -187,11 +187,6 @@ private slots:
     }
 
 private:
-    void serviceSays(const QByteArray& status)
-    {
-        m->write(m->paths.stateFile, "{\"status\":\"" + status + "\"}");
-        m->scheduler.advance(1500ms);
-    }
     [[nodiscard]] qsizetype lookups() const { return m->server.requestsTo("/rest/v1/telegram_links").size(); }
 
     std::unique_ptr<TestProgram> m;

@@ -1,16 +1,12 @@
-#include "base/Files.h"
-#include "localisation/Language.h"
 #include "notices/Notifier.h"
 #include "panel/PanelModel.h"
 #include "registeredTests.h"
-#include "service/Prefs.h"
-#include "service/RecordControl.h"
-#include "support/ManualScheduler.h"
+#include "support/Cases.h"
+#include "support/TestProgram.h"
 
 #include <QDir>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -21,47 +17,39 @@ class PanelTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m = std::make_unique<Fixture>();
-        m->scheduler.advance(0ms);
-    }
+    void init() { m = std::make_unique<TestProgram>(); }
     void cleanup() { m.reset(); }
 
     void twoPressesWriteOneCommand()
     {
         m->record.toggle();
-        QCOMPARE(m->command(), R"({"action":"start","ts":1731690000})"_ba);
+        QCOMPARE(command(), R"({"action":"start","ts":1731690000})"_ba);
         m->scheduler.advance(500ms);
         m->record.toggle();
-        QCOMPARE(m->command(), R"({"action":"start","ts":1731690000})"_ba);
+        QCOMPARE(command(), R"({"action":"start","ts":1731690000})"_ba);
     }
 
-    void theAnswerEndsTheWait_data()
-    {
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("after");
-        QTest::addColumn<bool>("answered");
-        QTest::newRow("started") << u"idle"_s << u"recording"_s << true;
-        QTest::newRow("asked while processing") << u"processing"_s << u"recording"_s << true;
-        QTest::newRow("processing is no start") << u"idle"_s << u"processing"_s << false;
-        QTest::newRow("idle is no start") << u"processing"_s << u"idle"_s << false;
-        QTest::newRow("stopped") << u"recording"_s << u"processing"_s << true;
-        QTest::newRow("stopped to idle") << u"recording"_s << u"idle"_s << true;
-    }
     void theAnswerEndsTheWait()
     {
-        QFETCH(QString, before);
-        QFETCH(QString, after);
-        QFETCH(bool, answered);
-        m->serviceSays(before);
-        m->record.toggle();
-        QCOMPARE(m->record.pending(), before == u"recording"_s ? RecordControl::Pending::Stopping
-                                                               : RecordControl::Pending::Starting);
-        m->serviceSays(before); // no news is no answer
-        QVERIFY(m->record.waiting());
-        m->serviceSays(after);
-        QCOMPARE(m->record.waiting(), !answered);
+        const Cases<QByteArray, QByteArray, bool> cases{
+            {"started", "idle", "recording", true},
+            {"asked while processing", "processing", "recording", true},
+            {"processing is no start", "idle", "processing", false},
+            {"idle is no start", "processing", "idle", false},
+            {"stopped", "recording", "processing", true},
+            {"stopped to idle", "recording", "idle", true},
+        };
+        for (const auto& [name, before, after, answered] : cases) {
+            CASE(name);
+            init();
+            m->serviceSays(before);
+            m->record.toggle();
+            QCOMPARE(m->record.pending() == RecordControl::Pending::Stopping, before == "recording");
+            m->serviceSays(before); // no news is no answer
+            QVERIFY(m->record.waiting());
+            m->serviceSays(after);
+            QCOMPARE(m->record.waiting(), !answered);
+        }
     }
 
     void withoutAnAnswerTheWaitEndsAfter12Seconds()
@@ -84,7 +72,6 @@ private slots:
         QCOMPARE(m->panel.line(), u"Не удалось передать запрос службе"_s);
         QDir{}.mkpath(m->paths.root);
         m->serviceWrites(R"({"status":"idle","telegram_connected":true})"); // no news of the recording
-        m->scheduler.advance(1500ms);
         QCOMPARE(m->panel.line(), u"Не удалось передать запрос службе"_s);
         QDir{m->paths.root}.removeRecursively();
         m->scheduler.advance(12s);
@@ -98,69 +85,67 @@ private slots:
     void anOldTimeOutDoesNotEndANewWait()
     {
         m->record.toggle();
-        m->serviceSays(u"recording"_s);
+        m->serviceSays("recording");
         m->scheduler.advance(9000ms);
         m->record.toggle();
         m->scheduler.advance(5000ms);
         QCOMPARE(m->record.pending(), RecordControl::Pending::Stopping);
     }
 
-    void lineUnderTheTitle_data()
-    {
-        QTest::addColumn<QByteArray>("state");
-        QTest::addColumn<bool>("hover");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("idle") << "{}"_ba << false
-                              << u"Готов к записи | Начни звонок — запишу автоматически | "_s;
-        QTest::newRow("detail") << R"({"status":"processing","detail":"Пишу выводы"})"_ba << false
-                                << u"Готовлю протокол | Пишу выводы | "_s;
-        QTest::newRow("processing") << R"({"status":"processing","jobs":3})"_ba << false
-                                    << u"Готовлю протокол | Расшифровка и разбор… | "_s;
-        QTest::newRow("start unknown")
-            << R"({"status":"recording","since":0})"_ba << false << u"Идёт запись | Слушаю встречу… | "_s;
-        QTest::newRow("running") << R"({"status":"recording","since":1731689910,"jobs":1})"_ba << false
-                                 << u"Идёт запись | 01:30 идёт запись | Разбирается прошлая встреча…"_s;
-        QTest::newRow("in the future") << R"({"status":"recording","since":1731690060,"jobs":2})"_ba << false
-                                       << u"Идёт запись | 00:00 идёт запись | Разбирается встреч: 2"_s;
-        QTest::newRow("over an hour") << R"({"status":"recording","since":1731685500,"jobs":0})"_ba << false
-                                      << u"Идёт запись | 75:00 идёт запись | "_s;
-        QTest::newRow("a damaged start") << R"({"status":"recording","since":1e-300})"_ba << false
-                                         << u"Идёт запись | 16666666:40 идёт запись | "_s;
-        QTest::newRow("pointer over it") << R"({"status":"recording","since":1731689910})"_ba << true
-                                         << u"Идёт запись | Нажать, чтобы остановить | "_s;
-        QTest::newRow("negative jobs") << R"({"status":"recording","since":-5,"jobs":-1})"_ba << false
-                                       << u"Идёт запись | Слушаю встречу… | "_s;
-    }
     void lineUnderTheTitle()
     {
-        QFETCH(QByteArray, state);
-        QFETCH(bool, hover);
-        m->panel.setHoverOrb(hover);
-        m->serviceWrites(state);
-        m->state.load();
-        m->scheduler.advance(0ms);
-        const QString time =
-            m->panel.lineKind() == PanelModel::Line::RunningTime ? m->panel.time() + u' ' : QString{};
-        QTEST(m->panel.title() + u" | "_s + time + m->panel.line() + u" | "_s + m->panel.jobsLine(), "shown");
+        const Cases<QByteArray, QString> cases{
+            {"idle", "{}", u"Готов к записи | Начни звонок — запишу автоматически | "_s},
+            {"detail", R"({"status":"processing","detail":"Пишу выводы"})",
+             u"Готовлю протокол | Пишу выводы | "_s},
+            {"processing", R"({"status":"processing","jobs":3})",
+             u"Готовлю протокол | Расшифровка и разбор… | "_s},
+            {"start unknown", R"({"status":"recording","since":0})", u"Идёт запись | Слушаю встречу… | "_s},
+            {"running", R"({"status":"recording","since":1731689910,"jobs":1})",
+             u"Идёт запись | 01:30 идёт запись | Разбирается прошлая встреча…"_s},
+            {"in the future", R"({"status":"recording","since":1731690060,"jobs":2})",
+             u"Идёт запись | 00:00 идёт запись | Разбирается встреч: 2"_s},
+            {"over an hour", R"({"status":"recording","since":1731685500,"jobs":0})",
+             u"Идёт запись | 75:00 идёт запись | "_s},
+            {"a damaged start", R"({"status":"recording","since":1e-300})",
+             u"Идёт запись | 16666666:40 идёт запись | "_s},
+            {"negative jobs", R"({"status":"recording","since":-5,"jobs":-1})",
+             u"Идёт запись | Слушаю встречу… | "_s},
+        };
+        const auto shown = [this] {
+            const bool running = m->panel.lineKind() == PanelModel::Line::RunningTime;
+            return m->panel.title() + u" | "_s + (running ? m->panel.time() + u' ' : QString{}) +
+                   m->panel.line() + u" | "_s + m->panel.jobsLine();
+        };
+        for (const auto& [name, state, expected] : cases) {
+            CASE(name);
+            m->write(m->paths.stateFile, state);
+            m->state.load();
+            m->scheduler.advance(0ms);
+            QCOMPARE(shown(), expected);
+        }
+        m->panel.setHoverOrb(true);
+        QCOMPARE(shown(), u"Идёт запись | Нажать, чтобы остановить | "_s);
     }
 
     void theClockRunsOnlyWhileSomeoneLooks()
     {
-        m->serviceWrites(R"({"status":"recording","since":1731690000})");
+        m->write(m->paths.stateFile, R"({"status":"recording","since":1731690000})");
         m->state.load();
         m->scheduler.advance(0ms);
-        const int hidden = m->scheduler.wakeUpsWithin(10s);
+        const auto wakeUps = [this] { return m->scheduler.wakeUpsWithin(10s); };
+        const int hidden = wakeUps();
         m->panel.watch();
-        QCOMPARE(m->scheduler.wakeUpsWithin(10s), hidden + 10);
+        QCOMPARE(wakeUps(), hidden + 10);
         QSignalSpy ticks{&m->panel, &PanelModel::timeChanged};
         m->scheduler.advance(3s);
         QVERIFY(ticks.size() >= 3);
         QCOMPARE(m->panel.time(), u"00:03"_s);
         m->panel.watch(); // a second one
         m->panel.unwatch();
-        QCOMPARE(m->scheduler.wakeUpsWithin(10s), hidden + 10);
+        const int seen = wakeUps();
         m->panel.unwatch();
-        QCOMPARE(m->scheduler.wakeUpsWithin(10s), hidden);
+        QCOMPARE(wakeUps(), seen - 10);
     }
 
     void preferencesGoToTheFileAndComeFromIt()
@@ -183,7 +168,7 @@ private slots:
     void anEnglishInterfaceIsEnglishThroughout()
     {
         QVERIFY(files::writeAtomic(m->paths.authFlagFile, "{}"));
-        m->serviceSays(u"recording"_s);
+        m->serviceSays("recording");
         m->prefs.set(u"locale"_s, u"en"_s);
         m->language.refresh();
         QCOMPARE(m->panel.title(), u"Recording"_s);
@@ -197,46 +182,37 @@ private slots:
         QCOMPARE(m->panel.authTitle(), u"Войди"_s); // the service's own words stand
     }
 
-    void announcements_data()
-    {
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        QTest::addColumn<QByteArray>("prefs");
-        QTest::addColumn<QString>("toast");
-        QTest::addColumn<QString>("log");
-        const QByteArray off = R"({"notifications":false})";
-        QTest::newRow("start") << u"idle"_s << u"recording"_s << "{}"_ba << u"Murmeli записывает встречу"_s
-                               << u"показано: Murmeli записывает встречу"_s;
-        QTest::newRow("end") << u"recording"_s << u"processing"_s << "{}"_ba << u"Запись завершена"_s
-                             << u"показано: Запись завершена"_s;
-        QTest::newRow("vanished") << u"recording"_s << u"idle"_s << "{}"_ba << u"Запись завершена"_s
-                                  << u"показано: Запись завершена"_s;
-        QTest::newRow("written up") << u"processing"_s << u"idle"_s << "{}"_ba << QString{} << QString{};
-        QTest::newRow("no change") << u"recording"_s << u"recording"_s << "{}"_ba << QString{} << QString{};
-        QTest::newRow("off, start") << u"idle"_s << u"recording"_s << off << QString{}
-                                    << u"пропущено: уведомления выключены"_s;
-        QTest::newRow("off, end") << u"recording"_s << u"idle"_s << off << QString{}
-                                  << u"пропущено: уведомления выключены"_s;
-        QTest::newRow("off, no matter") << u"processing"_s << u"idle"_s << off << QString{} << QString{};
-        QTest::newRow("wrong type is on")
-            << u"idle"_s << u"recording"_s << R"({"notifications":0})"_ba << u"Murmeli записывает встречу"_s
-            << u"показано: Murmeli записывает встречу"_s;
-    }
     void announcements()
     {
-        QFETCH(QString, from);
-        QFETCH(QString, to);
-        QFETCH(QByteArray, prefs);
-        QFETCH(QString, log);
-        QVERIFY(files::writeAtomic(m->paths.prefsFile, prefs));
-        QString toast;
-        Notifier notifier{m->paths, m->prefs, m->language, m->scheduler,
-                          [&](const ToastText& shown) { toast = shown.title; }};
-        notifier.recordingChanged(from, to);
-        QTEST(toast, "toast");
-        const QByteArray expected =
-            log.isEmpty() ? QByteArray{} : "2024-11-15T17:00:00Z " + log.toUtf8() + '\n';
-        QCOMPARE(files::readWhole(m->paths.notificationsLog, 1000).value_or(QByteArray{}), expected);
+        const QByteArray off = R"({"notifications":false})";
+        const QString started = u"Murmeli записывает встречу"_s;
+        const QString ended = u"Запись завершена"_s;
+        const QString skipped = u"пропущено: уведомления выключены"_s;
+        const Cases<QString, QString, QByteArray, QString, QString> cases{
+            // from one status to another, with these preferences: the toast, and what is logged instead
+            {"start", u"idle"_s, u"recording"_s, "{}", started, {}},
+            {"end", u"recording"_s, u"processing"_s, "{}", ended, {}},
+            {"vanished", u"recording"_s, u"idle"_s, "{}", ended, {}},
+            {"written up", u"processing"_s, u"idle"_s, "{}", {}, {}},
+            {"no change", u"recording"_s, u"recording"_s, "{}", {}, {}},
+            {"off, start", u"idle"_s, u"recording"_s, off, {}, skipped},
+            {"off, end", u"recording"_s, u"idle"_s, off, {}, skipped},
+            {"off, no matter", u"processing"_s, u"idle"_s, off, {}, {}},
+            {"wrong type is on", u"idle"_s, u"recording"_s, R"({"notifications":0})", started, {}},
+        };
+        for (const auto& [name, from, to, prefs, toast, reason] : cases) {
+            CASE(name);
+            init();
+            QVERIFY(files::writeAtomic(m->paths.prefsFile, prefs));
+            QString shown;
+            Notifier notifier{m->paths, m->prefs, m->language, m->scheduler,
+                              [&](const ToastText& text) { shown = text.title; }};
+            notifier.recordingChanged(from, to);
+            QCOMPARE(shown, toast);
+            const QString log = toast.isEmpty() ? reason : u"показано: "_s + toast;
+            QCOMPARE(files::readWhole(m->paths.notificationsLog, 1000).value_or(""),
+                     log.isEmpty() ? QByteArray{} : "2024-11-15T17:00:00Z " + log.toUtf8() + '\n');
+        }
     }
 
     void toastsStackDownwards()
@@ -247,32 +223,12 @@ private slots:
     }
 
 private:
-    struct Fixture {
-        QTemporaryDir home;
-        Paths paths{home.path()};
-        ManualScheduler scheduler{1'731'690'000};
-        Prefs prefs{paths.prefsFile};
-        Language language{prefs, [] { return QStringList{}; }};
-        bool made = QDir{}.mkpath(paths.logs);
-        AppState state{paths, scheduler};
-        RecordControl record{paths, state, scheduler};
-        PanelModel panel{state, record, prefs, language, scheduler};
+    [[nodiscard]] QByteArray command() const
+    {
+        return files::readWhole(m->paths.commandFile, 1000).value_or("");
+    }
 
-        [[nodiscard]] QByteArray command() const
-        {
-            return files::readWhole(paths.commandFile, 1000).value_or(QByteArray{});
-        }
-        void serviceWrites(const QByteArray& bytes) const
-        {
-            QVERIFY(files::writeAtomic(paths.stateFile, bytes));
-        }
-        void serviceSays(const QString& status)
-        {
-            serviceWrites("{\"status\":\"" + status.toUtf8() + "\"}");
-            scheduler.advance(1500ms);
-        }
-    };
-    std::unique_ptr<Fixture> m;
+    std::unique_ptr<TestProgram> m;
 };
 
 MURMELI_TEST(PanelTest)
