@@ -1,21 +1,18 @@
 import QtQuick
-import QtTest
 import Murmeli.Meetings
+import ".."
 
-TestCase {
+ViewCase {
     id: testCase
 
     name: "MeetingsPane"
-    when: windowShown
-    visible: true
     width: 750
     height: 680
 
-    property var pane
     property var openings
 
     Component {
-        id: view
+        id: pane
         MeetingsPane {
             width: 750
             height: 680
@@ -24,53 +21,40 @@ TestCase {
         }
     }
 
-    function write(count) {
+    function open(count) {
         for (let i = 0; i < count; ++i) {
             const two = number => String(number).padStart(2, "0");
             fixture.writeMeeting("2026-03-" + two(1 + Math.floor(i / 20)) + " 10-" + two(i % 20) + "-00",
                                  { title: "Встреча " + i, tldr: i === 7 ? "про отпуск" : "" });
         }
-    }
-    function open(count) {
-        write(count);
         fixture.openLibrary();
         openings = [];
-        pane = createTemporaryObject(view, testCase);
-        verify(pane);
+        make(pane);
     }
     function init() { fixture.reset(); }
     function cleanup() {
-        pane.destroy();
+        view.destroy();
         wait(0);
         fixture.closeLibrary();
     }
 
-    function all(fits, item = pane) {
-        let found = [];
-        for (let i = 0; i < item.children.length; ++i) {
-            const child = item.children[i];
-            if (fits(child)) found.push(child);
-            found = found.concat(all(fits, child));
-        }
-        return found;
-    }
-    function list() { return all(item => item.cacheBuffer !== undefined && item.model !== undefined)[0]; }
-    function rows() { return all(item => item.meetingId !== undefined); }
-    function texts() { return all(item => item.visible && item.text !== undefined).map(item => item.text); }
+    function list() { return find(item => item.cacheBuffer !== undefined && item.model !== undefined); }
+    function rows() { return all(item => item.meetingId !== undefined, view, true); }
+    function says(words) { return find(item => item.text === words) !== null; }
 
     function test_nothingAndNothingFound() {
         open(0);
-        tryVerify(() => texts().includes("Встреч пока нет — первая появится после звонка"));
+        tryVerify(() => says("Встреч пока нет — первая появится после звонка"));
         fixture.writeMeeting("2026-04-01 09-00-00", { title: "Новая" });
         fixture.library.store.reload();
-        tryVerify(() => texts().includes("Новая"));
+        tryVerify(() => says("Новая"));
         fixture.library.store.list.query = "x";
-        tryVerify(() => texts().includes("Ничего не нашлось"));
+        tryVerify(() => says("Ничего не нашлось"));
     }
 
     function test_searchAndOpenByKeyboard() {
         open(30);
-        pane.search();
+        view.search();
         for (const letter of "otpusk") keyClick(letter);
         compare(fixture.library.store.list.rowCount(), 0);
         fixture.library.store.list.query = "ОТПУСК";
@@ -82,27 +66,25 @@ TestCase {
 
     function test_scrollingReusesRows() {
         open(400);
-        const view = list();
-        const scroll = () => { for (let y = 0; y < 8000; y += 40) view.contentY = view.originY + y; };
+        const shown = list();
+        const scroll = () => { for (let y = 0; y < 8000; y += 40) shown.contentY = shown.originY + y; };
         scroll(); // fills the pool
         const warm = rows();
         scroll();
-        const later = rows();
-        compare(later.filter(row => !warm.includes(row)).length, 0, "no row was made");
+        compare(rows().filter(row => !warm.includes(row)).length, 0, "no row was made");
         verify(warm.length < 60, "of " + warm.length);
     }
 
     function test_theSelectionStaysWhereItWas() {
         open(60);
-        pane.focusList("2026-03-02 10-05-00");
-        const view = list();
-        view.positionViewAtIndex(view.currentIndex, ListView.Center);
-        const before = view.currentItem.mapToItem(pane, 0, 0).y;
+        view.focusList("2026-03-02 10-05-00");
+        const shown = list();
+        shown.positionViewAtIndex(shown.currentIndex, ListView.Center);
+        const before = yOf(shown.currentItem);
         fixture.writeMeeting("2026-04-01 09-00-00", { title: "Новая" });
         fixture.library.store.reload();
-        tryCompare(fixture.library.store.list, "empty", false);
         tryVerify(() => fixture.library.store.list.rowCount() === 61);
-        compare(view.currentItem.meetingId, "2026-03-02 10-05-00");
-        tryVerify(() => Math.abs(view.currentItem.mapToItem(pane, 0, 0).y - before) < 1);
+        compare(shown.currentItem.meetingId, "2026-03-02 10-05-00");
+        tryVerify(() => Math.abs(yOf(shown.currentItem) - before) < 1);
     }
 }

@@ -1,18 +1,13 @@
 import QtQuick
-import QtTest
 import Murmeli.Settings
-import Murmeli.Ui
+import ".."
 
-TestCase {
+ViewCase {
     id: testCase
 
     name: "SettingsView"
-    when: windowShown
-    visible: true
     width: 560
     height: 640
-
-    property var view
 
     Component {
         id: settings
@@ -26,8 +21,7 @@ TestCase {
 
     function init() {
         fixture.reset();
-        view = createTemporaryObject(settings, testCase);
-        verify(view);
+        make(settings);
     }
 
     // As the main window makes it: before it has its size.
@@ -44,41 +38,8 @@ TestCase {
         view = loader.item;
         const microphone = named("Разрешить: Микрофон");
         const screen = named("Разрешить: Запись экрана");
-        tryVerify(() => screen.mapToItem(view, 0, 0).y >= microphone.mapToItem(view, 0, 0).y + 40);
+        tryVerify(() => yOf(screen) >= yOf(microphone) + 40);
         for (const button of [microphone, screen]) verify(button.mapToItem(view, 0, 0).x > view.width / 2);
-    }
-
-    function find(fits, item = view) {
-        for (let i = 0; i < item.children.length; ++i) {
-            const child = item.children[i];
-            if (!child.visible) continue;
-            if (fits(child)) return child;
-            const found = find(fits, child);
-            if (found) return found;
-        }
-        return null;
-    }
-    function named(name, role) {
-        return find(item => item.Accessible.name === name && (role === undefined || item.Accessible.role === role));
-    }
-    function text(text) { return find(item => item.text === text && item.Accessible.role === Accessible.StaticText); }
-    // The names of what the keyboard reaches, in its order.
-    function reached(from, steps) {
-        from.forceActiveFocus(Qt.TabFocusReason);
-        const names = [];
-        for (let i = 0; i < steps; ++i) {
-            names.push(view.Window.activeFocusItem.Accessible.name);
-            keyClick(Qt.Key_Tab);
-        }
-        return names;
-    }
-
-    function test_everySectionAndRowStands() {
-        for (const heading of ["Настройки", "Основное", "Запись", "Протокол", "Доставка", "Хранение", "О программе", "Разрешения"])
-            verify(named(heading, Accessible.Heading), heading);
-        for (const title of ["Язык интерфейса", "Своя инструкция к протоколу", "Удалять аудио после записи", "Журнал работы"])
-            verify(text(title), title);
-        verify(!text("Хранить записи"));
     }
 
     function test_aToggleShowsAndHidesARow() {
@@ -87,9 +48,8 @@ TestCase {
         keyClick(Qt.Key_Space);
         compare(fixture.preferences().delete_source_on_success, false);
         tryVerify(() => text("Хранить записи") !== null);
-        const y = item => item.mapToItem(view, 0, 0).y;
-        verify(y(text("Удалять аудио после записи")) < y(text("Хранить записи")));
-        verify(y(text("Хранить записи")) < y(text("Папка записей")));
+        verify(yOf(text("Удалять аудио после записи")) < yOf(text("Хранить записи")));
+        verify(yOf(text("Хранить записи")) < yOf(text("Папка записей")));
         keyClick(Qt.Key_Return);
         compare(fixture.preferences().delete_source_on_success, true);
         tryVerify(() => text("Хранить записи") === null);
@@ -154,11 +114,9 @@ TestCase {
     function test_theViewFollowsTheKeyboard() {
         const last = named("Открыть: Журнал работы");
         last.forceActiveFocus(Qt.TabFocusReason);
-        tryVerify(() => {
-            const y = last.mapToItem(view, 0, 0).y;
-            return y >= 0 && y + last.height <= view.height;
-        });
-        named("Язык интерфейса, Русский", Accessible.ComboBox).forceActiveFocus(Qt.TabFocusReason);
-        tryVerify(() => named("Язык интерфейса, Русский", Accessible.ComboBox).mapToItem(view, 0, 0).y >= 0);
+        tryVerify(() => yOf(last) >= 0 && yOf(last) + last.height <= view.height);
+        const first = named("Язык интерфейса, Русский", Accessible.ComboBox);
+        first.forceActiveFocus(Qt.TabFocusReason);
+        tryVerify(() => yOf(first) >= 0);
     }
 }
