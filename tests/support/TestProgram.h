@@ -13,8 +13,10 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QEventLoop>
 #include <QQmlEngine>
 #include <QTemporaryDir>
+#include <QTimer>
 
 namespace murmeli {
 
@@ -22,8 +24,10 @@ namespace murmeli {
 /// desktop, its secret store or the network beyond the loopback.
 struct TestProgram {
     explicit TestProgram(
-        const Installation& installation = {.bundlePath = QStringLiteral("/opt/murmeli/bin/murmeli")})
-        : program(paths, {scheduler, http, processes, desktop, secrets}, installation,
+        const Installation& installation = {.bundlePath = QStringLiteral("/opt/murmeli/bin/murmeli")},
+        const QString& homeName = QStringLiteral("murmeli"))
+        : home(QDir::tempPath() + u'/' + homeName + QStringLiteral("-XXXXXX")),
+          program(paths, {scheduler, http, processes, desktop, secrets}, installation,
                   {.web = server.origin(),
                    .accountSite = QStringLiteral("http://127.0.0.1:1/account"),
                    .backend = server.origin(),
@@ -52,16 +56,12 @@ struct TestProgram {
     /// Asks the update server and waits for what it says.
     void check()
     {
-        QObject context;
-        int changes = 0;
-        QObject::connect(&updater, &Updater::changed, &context, [&] { ++changes; });
         updater.check();
         scheduler.advance(std::chrono::milliseconds{0});
-        const int asked = changes;
-        for (const QDeadlineTimer patience{5000}; changes == asked;) {
-            if (patience.hasExpired()) qFatal("The update server does not answer");
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-        }
+        QEventLoop answered;
+        QObject::connect(&updater, &Updater::changed, &answered, &QEventLoop::quit);
+        QTimer::singleShot(5000, &answered, [] { qFatal("The update server does not answer"); });
+        answered.exec();
     }
 
     void signIn(const QString& token = QStringLiteral("a"))

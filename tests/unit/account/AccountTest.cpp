@@ -133,8 +133,8 @@ private slots:
                             {u"account_id"_s, u"id"_s},
                             {u"chat_id"_s, chat}});
         };
-        const QString fa = u"fa"_s, fr = u"fr"_s, sa = u"sa"_s,
-                      sr = u"sr"_s; // of the file and of the session
+        const QString fa = u"fa"_s, fr = u"fr"_s; // of the file
+        const QString sa = u"sa"_s, sr = u"sr"_s; // of the session
         const Chat seven{true, u"7"_s}, none{true, {}}, unknown;
         const QByteArray old = R"({"access_token":"fa","refresh_token":"fr","email":"e","chat_id":"5"})";
         const Cases<QByteArray, Tokens, Chat, QByteArray> cases{
@@ -196,13 +196,6 @@ private slots:
             QCOMPARE(request.header("apikey"), "anonymous"_ba);
             QCOMPARE(request.header("Authorization"), "Bearer " + annasToken.toLatin1());
         }
-    }
-
-    void theServiceHasTheSessionBeforeTheBackendAnswers()
-    {
-        const auto auth = m->make(); // the server takes requests and stays silent
-        signInAs(*auth, annasToken);
-        QTRY_VERIFY(m->written().contains("anna-id"));
     }
 
     void aTokenThatTellsNothingReachesNobody()
@@ -376,16 +369,14 @@ private slots:
             }
         }};
         const QString large(400'000, u'7'); // so that writing takes longer than renewing
-        const accountFile::Session session{annasToken, u"old"_s, {}};
-        const bool updated =
-            accountFile::update(m->file, session, u"anna-id"_s, {true, large}, accountFile::Tokens::FromFile);
+        const bool updated = accountFile::update(m->file, {annasToken, u"old"_s, {}}, u"anna-id"_s,
+                                                 {true, large}, accountFile::Tokens::FromFile);
         stop = true;
         service.join();
         QVERIFY(updated);
         QVERIFY(count > 0);
-        const auto file = accountFile::read(m->file);
-        QCOMPARE(accountFile::session(file)->refreshToken, QString::number(count));
-        QCOMPARE(file->value(u"chat_id"_s).toString().size(), large.size());
+        const auto session = accountFile::session(accountFile::read(m->file)); // who came last may be either
+        QCOMPARE(session->refreshToken, QString::number(count));
     }
 
     void aLookupThatAnotherSessionAskedIsDropped()
@@ -402,7 +393,7 @@ private slots:
             auto auth = m->make();
             signInAs(*auth, annasToken);
             QTRY_VERIFY(waiting);
-            QTRY_VERIFY(!m->written().isEmpty());
+            QTRY_VERIFY(!m->written().isEmpty()); // the service need not wait for the backend
             const QByteArray before = m->written();
             if (next.isEmpty()) {
                 auth->logout();

@@ -198,15 +198,16 @@ private slots:
         m->openGate();
         QTRY_VERIFY(!m->runner.isRunning());
         QVERIFY(m->runner.hasFailed());
-        m->install("echo waiting; read -r < '" + m->gate() + "'");
+        m->install("echo '@@start|app'; echo waiting; read -r < '" + m->gate() + "'");
         m->runner.start();
         QVERIFY(m->runner.isRunning());
         QVERIFY(!m->runner.hasFailed() && !m->runner.failedStep());
         QCOMPARE(m->runner.state(SetupStep::App), StepState{});
+        QTRY_COMPARE(m->runner.tail(), u"waiting"_s);
         m->runner.start();     // does nothing
         m->runner.markReady(); // neither
+        QCOMPARE(m->runner.state(SetupStep::App), StepState{StepState::Running});
         QVERIFY(!m->runner.isFinished());
-        QTRY_COMPARE(m->runner.tail(), u"waiting"_s);
         m->openGate();
         QTRY_VERIFY(m->runner.isFinished());
         QCOMPARE(m->server.requests.size(), 2);

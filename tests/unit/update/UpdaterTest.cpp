@@ -153,7 +153,7 @@ private slots:
 private:
     void begin(const Installation& installation)
     {
-        m = std::make_unique<TestProgram>(installation);
+        m = std::make_unique<TestProgram>(installation, u"a home"_s); // the script's path has a space
         m->write(m->paths.updateScript, "echo run >> '" + m->home.filePath(u"runs"_s).toUtf8() + "'\n");
     }
     void check(const QByteArray& record)
