@@ -6,7 +6,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[2]
+ROOT = Path(__file__).resolve().parents[1]
 SRC = ROOT / "src"
 FLOORS = {  # a room includes from lower floors only, or from rooms of its own floor that stand before it
     "base": 0,
