@@ -90,11 +90,11 @@ void TrayFace::updateIcon()
 
 void TrayFace::updateTexts()
 {
-    m_statusItem.setName(m_language.t(u"tray.name"_s, m_panel.title()));
-    m_statusItem.setMenu({m_record.waiting() || m_record.refused() ? m_panel.line() : m_panel.title(),
-                          m_language.t(m_state.isRecording() ? u"tray.stop"_s : u"tray.start"_s),
-                          m_language.t(u"tray.open"_s), m_language.t(u"tray.settings"_s),
-                          m_language.t(u"tray.quit"_s)});
+    m_statusItem.setName(m_language.t(u"tray.name"_s, m_language.say(m_panel.title())));
+    m_statusItem.setMenu(
+        {m_language.say(m_record.waiting() || m_record.refused() ? m_panel.line() : m_panel.title()),
+         m_language.t(m_state.isRecording() ? u"tray.stop"_s : u"tray.start"_s), m_language.t(u"tray.open"_s),
+         m_language.t(u"tray.settings"_s), m_language.t(u"tray.quit"_s)});
 }
 
 } // namespace murmeli

@@ -22,10 +22,11 @@ public:
     {
         return {QString::fromLatin1(key), argument, {}};
     }
+    static Message ofWords(const QString& own) { return {{}, {}, own}; }
     /// `words` when there are any, else the text of `key`.
     static Message foreignOr(const QString& words, const char* key)
     {
-        return words.isEmpty() ? of(key) : Message{{}, {}, words};
+        return words.isEmpty() ? of(key) : ofWords(words);
     }
 
     [[nodiscard]] bool isEmpty() const { return key.isEmpty() && own.isEmpty(); }

@@ -37,7 +37,7 @@ RowLayout {
     }
     IconButton {
         symbol: "power"
-        help: root.panel.quitHelp
+        help: L.say(root.panel.quitHelp)
         onClicked: root.panel.quitRequested()
     }
 }

@@ -38,13 +38,8 @@ PanelModel::PanelModel(const AppState& state, const RecordControl& record, Prefs
     });
     connect(&state, &AppState::statusRead, this, &PanelModel::readPreferences);
     connect(&record, &RecordControl::pendingChanged, this, &PanelModel::changed);
-    connect(&language, &Language::changed, this, [this] {
-        emit changed();
-        emit timeChanged();
-    });
+    connect(&language, &Language::changed, this, &PanelModel::timeChanged);
 }
-
-QString PanelModel::text(const char* key) const { return m_language.t(QString::fromLatin1(key)); }
 
 PanelModel::Face PanelModel::face() const
 {
@@ -52,17 +47,17 @@ PanelModel::Face PanelModel::face() const
     return m_state.isProcessing() ? Face::Processing : Face::Idle;
 }
 
-QString PanelModel::title() const
+Message PanelModel::title() const
 {
     switch (face()) {
     case Face::Recording:
-        return text("panel.title.recording");
+        return Message::of("panel.title.recording");
     case Face::Processing:
-        return text("panel.title.processing");
+        return Message::of("panel.title.processing");
     case Face::Idle:
         break;
     }
-    return text("panel.title.idle");
+    return Message::of("panel.title.idle");
 }
 
 PanelModel::Line PanelModel::lineKind() const
@@ -73,67 +68,69 @@ PanelModel::Line PanelModel::lineKind() const
     return m_state.isRecording() && m_state.since() > 0 ? Line::RunningTime : Line::Subtitle;
 }
 
-QString PanelModel::line() const
+Message PanelModel::line() const
 {
     switch (lineKind()) {
     case Line::Waiting:
-        return text(m_record.pending() == RecordControl::Pending::Starting ? "panel.pending.starting"
-                                                                           : "panel.pending.stopping");
+        return Message::of(m_record.pending() == RecordControl::Pending::Starting ? "panel.pending.starting"
+                                                                                  : "panel.pending.stopping");
     case Line::Refused:
-        return text("record.refused");
+        return Message::of("record.refused");
     case Line::Invitation:
-        return text(m_state.isRecording() ? "panel.hover.stop" : "panel.hover.record");
+        return Message::of(m_state.isRecording() ? "panel.hover.stop" : "panel.hover.record");
     case Line::RunningTime:
-        return text("panel.timer.label");
+        return Message::of("panel.timer.label");
     case Line::Subtitle:
         break;
     }
-    if (!m_state.detail().isEmpty()) return m_state.detail();
+    if (!m_state.detail().isEmpty()) return Message::ofWords(m_state.detail());
     switch (face()) {
     case Face::Recording:
-        return text("panel.subtitle.recording");
+        return Message::of("panel.subtitle.recording");
     case Face::Processing:
-        return text("panel.subtitle.processing");
+        return Message::of("panel.subtitle.processing");
     case Face::Idle:
         break;
     }
-    return text("panel.subtitle.idle");
+    return Message::of("panel.subtitle.idle");
 }
 
-QString PanelModel::jobsLine() const
+Message PanelModel::jobsLine() const
 {
     if (!m_state.isRecording() || m_state.jobs() < 1) return {};
-    if (m_state.jobs() == 1) return text("panel.jobs.one");
-    return m_language.t(u"panel.jobs.many"_s, QString::number(m_state.jobs()));
+    if (m_state.jobs() == 1) return Message::of("panel.jobs.one");
+    return Message::of("panel.jobs.many", QString::number(m_state.jobs()));
 }
 
-QString PanelModel::orbName() const
+Message PanelModel::orbName() const
 {
-    return text(m_state.isRecording() ? "panel.orb.name.stop" : "panel.orb.name.record");
+    return Message::of(m_state.isRecording() ? "panel.orb.name.stop" : "panel.orb.name.record");
 }
 
-QString PanelModel::orbHelp() const
+Message PanelModel::orbHelp() const
 {
-    return text(m_state.isRecording() ? "panel.orb.help.stop" : "panel.orb.help.record");
+    return Message::of(m_state.isRecording() ? "panel.orb.help.stop" : "panel.orb.help.record");
 }
 
 // The state speaks Russian by default; an English interface shows the same words in English.
-QString PanelModel::authTitle() const
+Message PanelModel::authTitle() const
 {
-    return m_state.authTitle() == AppState::defaultAuthTitle ? text("panel.auth.title") : m_state.authTitle();
+    return m_state.authTitle() == AppState::defaultAuthTitle ? Message::of("panel.auth.title")
+                                                             : Message::ofWords(m_state.authTitle());
 }
 
-QString PanelModel::authBody() const
+Message PanelModel::authBody() const
 {
-    return m_state.authBody() == AppState::defaultAuthBody ? text("panel.auth.body") : m_state.authBody();
+    return m_state.authBody() == AppState::defaultAuthBody ? Message::of("panel.auth.body")
+                                                           : Message::ofWords(m_state.authBody());
 }
 
-QString PanelModel::quitHelp() const
+Message PanelModel::quitHelp() const
 {
 #ifdef Q_OS_MACOS
-    return text("panel.quit.help");
+    return Message::of("panel.quit.help");
 #else
-    return text("panel.quit.help.linux");
+    return Message::of("panel.quit.help.linux");
 #endif
 }
 

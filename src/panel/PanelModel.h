@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Lease.h"
+#include "localisation/Message.h"
 #include "service/RecordControl.h"
 
 #include <QObject>
@@ -18,14 +19,15 @@ class PanelModel final : public QObject {
     QML_UNCREATABLE("made once and handed to the panel")
     Q_PROPERTY(Face face READ face NOTIFY changed FINAL)
     Q_PROPERTY(Line lineKind READ lineKind NOTIFY changed FINAL)
-    Q_PROPERTY(QString title READ title NOTIFY changed FINAL)
-    Q_PROPERTY(QString line READ line NOTIFY changed FINAL) ///< under the title, unless the time runs there
-    Q_PROPERTY(QString jobsLine READ jobsLine NOTIFY changed FINAL)
-    Q_PROPERTY(QString orbName READ orbName NOTIFY changed FINAL)
-    Q_PROPERTY(QString orbHelp READ orbHelp NOTIFY changed FINAL)
-    Q_PROPERTY(QString authTitle READ authTitle NOTIFY changed FINAL)
-    Q_PROPERTY(QString authBody READ authBody NOTIFY changed FINAL)
-    Q_PROPERTY(QString quitHelp READ quitHelp NOTIFY changed FINAL)
+    Q_PROPERTY(murmeli::Message title READ title NOTIFY changed FINAL)
+    Q_PROPERTY(
+        murmeli::Message line READ line NOTIFY changed FINAL) ///< under the title, unless the time runs there
+    Q_PROPERTY(murmeli::Message jobsLine READ jobsLine NOTIFY changed FINAL)
+    Q_PROPERTY(murmeli::Message orbName READ orbName NOTIFY changed FINAL)
+    Q_PROPERTY(murmeli::Message orbHelp READ orbHelp NOTIFY changed FINAL)
+    Q_PROPERTY(murmeli::Message authTitle READ authTitle NOTIFY changed FINAL)
+    Q_PROPERTY(murmeli::Message authBody READ authBody NOTIFY changed FINAL)
+    Q_PROPERTY(murmeli::Message quitHelp READ quitHelp NOTIFY changed FINAL)
     Q_PROPERTY(QString format READ format WRITE setFormat NOTIFY preferencesChanged FINAL)
     Q_PROPERTY(bool autoRecord READ autoRecord WRITE setAutoRecord NOTIFY preferencesChanged FINAL)
     Q_PROPERTY(QString time READ time NOTIFY timeChanged FINAL) ///< of the running recording, as "24:31"
@@ -44,14 +46,14 @@ public:
 
     [[nodiscard]] Face face() const;
     [[nodiscard]] Line lineKind() const;
-    [[nodiscard]] QString title() const;
-    [[nodiscard]] QString line() const;
-    [[nodiscard]] QString jobsLine() const;
-    [[nodiscard]] QString orbName() const;
-    [[nodiscard]] QString orbHelp() const;
-    [[nodiscard]] QString authTitle() const;
-    [[nodiscard]] QString authBody() const;
-    [[nodiscard]] QString quitHelp() const;
+    [[nodiscard]] Message title() const;
+    [[nodiscard]] Message line() const;
+    [[nodiscard]] Message jobsLine() const;
+    [[nodiscard]] Message orbName() const;
+    [[nodiscard]] Message orbHelp() const;
+    [[nodiscard]] Message authTitle() const;
+    [[nodiscard]] Message authBody() const;
+    [[nodiscard]] Message quitHelp() const;
     [[nodiscard]] QString format() const { return m_format; }
     [[nodiscard]] bool autoRecord() const { return m_autoRecord; }
     [[nodiscard]] QString time() const;
@@ -85,7 +87,6 @@ signals:
 
 private:
     [[nodiscard]] qint64 elapsedSeconds() const;
-    [[nodiscard]] QString text(const char* key) const;
     void runClock();
 
     const AppState& m_state;

@@ -143,8 +143,8 @@ Item {
                         accent: Theme.pink
                         ink: Theme.inkPink
                         symbol: "person.crop.circle.badge.exclamationmark"
-                        title: root.panel.authTitle
-                        body: root.panel.authBody
+                        title: L.say(root.panel.authTitle)
+                        body: L.say(root.panel.authBody)
                         closable: true
                         closeHelp: L.t("panel.auth.dismiss")
                         onDismissed: root.appState.dismissAuthBanner()
@@ -192,7 +192,7 @@ Item {
                             Layout.alignment: Qt.AlignHCenter
                             Layout.topMargin: 14
                             type: Theme.panelTitle
-                            text: root.panel.title
+                            text: L.say(root.panel.title)
                         }
                         Item {
                             Layout.fillWidth: true
@@ -213,7 +213,7 @@ Item {
                                 maximumLineCount: 3
                                 elide: Text.ElideRight
                                 type: Theme.sub
-                                text: root.panel.line
+                                text: L.say(root.panel.line)
                                 color: root.panel.lineKind === PanelModel.Refused ? Theme.inkRed
                                     : root.panel.lineKind !== PanelModel.Invitation ? Theme.text2
                                     : root.panel.face === PanelModel.Recording ? Theme.inkRed : Theme.inkViolet
@@ -222,7 +222,7 @@ Item {
                         Rectangle {
                             Layout.alignment: Qt.AlignHCenter
                             Layout.topMargin: 9
-                            visible: root.panel.jobsLine.length > 0
+                            visible: !root.panel.jobsLine.empty
                             implicitWidth: jobs.implicitWidth + 18
                             implicitHeight: 22
                             radius: 11
@@ -240,7 +240,7 @@ Item {
                                 Label {
                                     type: Theme.jobs
                                     color: Theme.text2
-                                    text: root.panel.jobsLine
+                                    text: L.say(root.panel.jobsLine)
                                 }
                             }
                         }

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Murmeli.Localisation
 import Murmeli.Panel
 import Murmeli.Ui
 
@@ -47,7 +48,7 @@ Row {
         anchors.bottomMargin: 2
         type: Theme.sub
         color: Theme.text2
-        text: root.panel.line
+        text: L.say(root.panel.line)
         Accessible.ignored: true
     }
 }

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Murmeli.Localisation
 import Murmeli.Panel
 import Murmeli.Service
 import Murmeli.Ui
@@ -25,13 +26,13 @@ AbstractButton {
     implicitHeight: Theme.orbField
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
-    text: panel.orbName
+    text: L.say(panel.orbName)
     onClicked: record.toggle()
     onInvitesChanged: panel.hoverOrb = invites
 
     Accessible.role: Accessible.Button
-    Accessible.name: panel.orbName
-    Accessible.description: record.waiting ? panel.line : panel.orbHelp
+    Accessible.name: text
+    Accessible.description: L.say(record.waiting ? panel.line : panel.orbHelp)
     Accessible.onPressAction: if (root.enabled) root.clicked()
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()

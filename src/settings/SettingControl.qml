@@ -31,7 +31,7 @@ Loader {
         id: choice
         Choice {
             readonly property choiceSetting setting: root.row.control
-            options: setting.options.map(option => ({ value: option.value, text: L.t(option.labelKey) }))
+            options: Array.from(setting.options, option => ({ value: option.value, text: L.t(option.labelKey) }))
             current: root.now.value
             name: root.title
             description: root.subtitle

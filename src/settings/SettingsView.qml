@@ -1,7 +1,6 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Controls.Basic
 import Murmeli.Localisation
 import Murmeli.Permissions
 import Murmeli.Settings
@@ -18,22 +17,10 @@ Rectangle {
     color: Theme.bgWindow
     Component.onCompleted: model.opened()
 
-    Flickable {
+    Scroller {
         id: scroll
-
-        // The keyboard may go to what lies beyond the edge.
-        function show(item: Item): void {
-            const top = item.mapToItem(column, 0, 0).y - 40;
-            const bottom = top + item.height + 80;
-            if (top < contentY) contentY = top < 120 ? 0 : top; // with the title, if it is near
-            else if (bottom > contentY + height) contentY = Math.min(contentHeight - height, bottom - height);
-        }
-
         anchors.fill: parent
-        contentHeight: column.height
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-        ScrollBar.vertical: ScrollThumb { }
+        head: 120 // the title
 
         Column {
             id: column
@@ -100,20 +87,6 @@ Rectangle {
                 width: column.width
                 model: root.model.permissionsFor(root)
                 compact: true
-            }
-        }
-    }
-    Connections {
-        target: root.Window.window
-        function onActiveFocusItemChanged() {
-            const item = root.Window.activeFocusItem;
-            if (item && root.visible) {
-                for (let up = item; up; up = up.parent) {
-                    if (up === column) {
-                        scroll.show(item);
-                        return;
-                    }
-                }
             }
         }
     }

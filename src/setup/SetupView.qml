@@ -1,7 +1,6 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Controls.Basic
 import Murmeli.Localisation
 import Murmeli.Permissions
 import Murmeli.Setup
@@ -20,24 +19,8 @@ Rectangle {
     readonly property string variant: diskImage ? ".dmg" : runner.finished ? ".done" : runner.failed ? ".failed" : ""
     readonly property int percent: Math.round(runner.overallPercent * 100)
 
-    // Brings a place of the content into sight.
-    function scrollTo(y: real): void {
-        const end = Math.max(0, scroll.contentHeight - scroll.height);
-        if (y > scroll.contentY + scroll.height) scroll.contentY = Math.min(end, y - scroll.height + Theme.padCard);
-        else if (y < scroll.contentY) scroll.contentY = Math.max(0, y - Theme.padCard);
-    }
-    function showFocus(item: Item): void {
-        for (let above = item; above; above = above.parent) {
-            if (above !== content) continue;
-            const y = item.mapToItem(content, 0, 0).y;
-            root.scrollTo(y);
-            root.scrollTo(y + item.height);
-        }
-    }
-
     color: Theme.bgWindow
     Component.onCompleted: footer.focusFirst()
-    Window.onActiveFocusItemChanged: if (Window.activeFocusItem) showFocus(Window.activeFocusItem)
     Keys.onPressed: event => {
         const page = scroll.height - 40;
         const to = { [Qt.Key_PageDown]: scroll.contentY + page, [Qt.Key_PageUp]: scroll.contentY - page,
@@ -48,19 +31,10 @@ Rectangle {
         scroll.contentY = Math.max(0, Math.min(scroll.contentHeight - scroll.height, to));
     }
 
-    Flickable {
+    Scroller {
         id: scroll
         anchors { left: parent.left; right: parent.right; top: parent.top; bottom: footer.top }
-        property bool follows: false // what has appeared at the end is shown as soon as it has its place
-
-        contentHeight: content.implicitHeight
-        onContentHeightChanged: {
-            if (follows) root.scrollTo(contentHeight);
-            follows = false;
-        }
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-        ScrollBar.vertical: ScrollThumb { }
+        lead: Theme.padCard
 
         Column {
             id: content
@@ -221,10 +195,11 @@ Rectangle {
                 height: Theme.padCard
             }
             PermissionsPane {
+                id: permissions
                 width: parent.width
                 model: root.perms
                 compact: true
-                onNoted: scroll.follows = true
+                onNoted: scroll.showNew(permissions)
             }
         }
     }

@@ -55,12 +55,12 @@ private slots:
     void withoutAnAnswerTheWaitEndsAfter12Seconds()
     {
         m->record.toggle();
-        QCOMPARE(m->panel.line(), u"Запускаем запись…"_s);
+        QCOMPARE(said(m->panel.line()), u"Запускаем запись…"_s);
         m->panel.setHoverOrb(true);
         m->scheduler.advance(11'999ms);
-        QCOMPARE(m->panel.line(), u"Запускаем запись…"_s);
+        QCOMPARE(said(m->panel.line()), u"Запускаем запись…"_s);
         m->scheduler.advance(1ms);
-        QCOMPARE(m->panel.line(), u"Нажать, чтобы записать"_s);
+        QCOMPARE(said(m->panel.line()), u"Нажать, чтобы записать"_s);
     }
 
     void aRequestThatCannotBeWrittenIsToldAtOnce()
@@ -69,17 +69,17 @@ private slots:
         m->panel.setHoverOrb(true); // as it is when the orb has been pressed
         m->record.toggle();
         QVERIFY(!m->record.waiting());
-        QCOMPARE(m->panel.line(), u"Не удалось передать запрос службе"_s);
+        QCOMPARE(said(m->panel.line()), u"Не удалось передать запрос службе"_s);
         QDir{}.mkpath(m->paths.root);
         m->serviceWrites(R"({"status":"idle","telegram_connected":true})"); // no news of the recording
-        QCOMPARE(m->panel.line(), u"Не удалось передать запрос службе"_s);
+        QCOMPARE(said(m->panel.line()), u"Не удалось передать запрос службе"_s);
         QDir{m->paths.root}.removeRecursively();
         m->scheduler.advance(12s);
-        QCOMPARE(m->panel.line(), u"Нажать, чтобы записать"_s);
+        QCOMPARE(said(m->panel.line()), u"Нажать, чтобы записать"_s);
         m->record.toggle();
         QDir{}.mkpath(m->paths.root);
         m->record.toggle(); // a refusal keeps nobody from trying again
-        QCOMPARE(m->panel.line(), u"Запускаем запись…"_s);
+        QCOMPARE(said(m->panel.line()), u"Запускаем запись…"_s);
     }
 
     void anOldTimeOutDoesNotEndANewWait()
@@ -114,8 +114,8 @@ private slots:
         };
         const auto shown = [this] {
             const bool running = m->panel.lineKind() == PanelModel::Line::RunningTime;
-            return m->panel.title() + u" | "_s + (running ? m->panel.time() + u' ' : QString{}) +
-                   m->panel.line() + u" | "_s + m->panel.jobsLine();
+            return said(m->panel.title()) + u" | "_s + (running ? m->panel.time() + u' ' : QString{}) +
+                   said(m->panel.line()) + u" | "_s + said(m->panel.jobsLine());
         };
         for (const auto& [name, state, expected] : cases) {
             CASE(name);
@@ -171,15 +171,15 @@ private slots:
         m->serviceSays("recording");
         m->prefs.set(u"locale"_s, u"en"_s);
         m->language.refresh();
-        QCOMPARE(m->panel.title(), u"Recording"_s);
-        const QString all = m->panel.title() + m->panel.line() + m->panel.orbName() + m->panel.orbHelp() +
-                            m->panel.authTitle() + m->panel.authBody() + m->panel.quitHelp() +
-                            m->panel.spokenTime();
+        QCOMPARE(said(m->panel.title()), u"Recording"_s);
+        const QString all = said(m->panel.title()) + said(m->panel.line()) + said(m->panel.orbName()) +
+                            said(m->panel.orbHelp()) + said(m->panel.authTitle()) +
+                            said(m->panel.authBody()) + said(m->panel.quitHelp()) + m->panel.spokenTime();
         static const QRegularExpression cyrillic{u"[а-яё]"_s, QRegularExpression::CaseInsensitiveOption};
         QVERIFY2(!all.contains(cyrillic), qPrintable(all));
         QVERIFY(files::writeAtomic(m->paths.authFlagFile, R"({"title":"Войди"})"));
         m->scheduler.advance(1500ms);
-        QCOMPARE(m->panel.authTitle(), u"Войди"_s); // the service's own words stand
+        QCOMPARE(said(m->panel.authTitle()), u"Войди"_s); // the service's own words stand
     }
 
     void announcements()
@@ -216,6 +216,7 @@ private slots:
     }
 
 private:
+    [[nodiscard]] QString said(const Message& message) const { return m->language.say(message); }
     [[nodiscard]] QByteArray command() const
     {
         return files::readWhole(m->paths.commandFile, 1000).value_or("");
