@@ -92,6 +92,8 @@ bool shoot(const PanelShot& shot, const Frame& frame)
     dress(m, frame);
     QQmlEngine engine;
     m.install(engine);
+    QObject::disconnect(&m.account, &AuthManager::didLogin, nullptr,
+                        nullptr); // the greeting has its own picture
     if (shot.signedIn) m.signIn();
     if (shot.signingIn) m.account.login();
     if (shot.refused) m.account.paste(u"https://example.org"_s);
@@ -147,7 +149,8 @@ bool shootToasts(const Frame& frame, const QString& only)
         const QString key = starting ? u"notify.started"_s : u"notify.finished"_s;
         QQmlComponent component{&engine, QUrl{u"qrc:/qt/qml/Murmeli/Notices/Toast.qml"_s}};
         const std::unique_ptr<QObject> toast{
-            component.createWithInitialProperties({{u"card"_s, QRectF{100, 100, 330, 74}},
+            component.createWithInitialProperties({{u"available"_s, QRectF{0, 0, 500, 300}},
+                                                   {u"others"_s, 0},
                                                    {u"cardTitle"_s, m.language.t(key + u".title"_s)},
                                                    {u"message"_s, m.language.t(key + u".body"_s)},
                                                    {u"starting"_s, starting},
