@@ -547,9 +547,9 @@ private slots:
     {
         const QByteArray stamps = "\"[00:01]\","_ba.repeated(5000) + "\"[00:02]\"";
         const QByteArray sides = "{\"who\":\"А\"},"_ba.repeated(5000) + "{}";
-        const MeetingReport report = parsed("{\"insights\":[{\"at\":[" + stamps +
-                                            "]}],\"disagreements\":[{\"sides\":[" + sides +
-                                            "]}],\"concepts\":[{\"pros\":[" + stamps + "]}]}");
+        const MeetingReport report =
+            parsed("{\"insights\":[{\"at\":[" + stamps + "]}],\"disagreements\":[{\"sides\":[" + sides +
+                   "]}],\"concepts\":[{\"pros\":[" + stamps + "]}]}");
         for (const qsizetype parts : {report.insights[0].at.size(), report.disagreements[0].sides.size(),
                                       report.concepts[0].pros.size()})
             QVERIFY(parts > 10 && parts <= 100);
