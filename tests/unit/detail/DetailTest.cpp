@@ -63,7 +63,7 @@ private slots:
         QCOMPARE(model.markCorrected(u"decisions"_s, 7, u"нет такого"_s), -1);
     }
 
-    void whatTheServiceWritesIsShown()
+    void whatChangesIsShown()
     {
         m->write({u"раз"_s});
         MeetingDetailModel& detail = m->open();
@@ -84,12 +84,7 @@ private slots:
         m->reload();
         QCOMPARE(told(*detail.sections()), u"три"_s);
         QVERIFY2(detail.dateLine().contains(u"10:15 – 11:02"_s), qPrintable(detail.dateLine()));
-    }
 
-    void theDateFollowsTheLanguage()
-    {
-        m->write({});
-        const MeetingDetailModel& detail = m->open();
         const QSignalSpy changed{&detail, &MeetingDetailModel::changed};
         m->prefs.set(u"locale"_s, u"en"_s);
         m->language.refresh();

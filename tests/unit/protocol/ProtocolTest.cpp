@@ -92,61 +92,14 @@ private slots:
         }
     }
 
-    void answers()
-    {
-        const Cases<QByteArray, Outcome> cases{
-            {"found", correction, Outcome::Fixed},
-            {"not found", R"({"found":false,"section":"decisions","index":0,"text":"новое"})",
-             Outcome::NotFound},
-            {"found as a word", R"({"found":"true","section":"decisions","index":0,"text":"новое"})",
-             Outcome::NotFound},
-            {"no index", R"({"found":true,"section":"decisions","text":"новое"})", Outcome::NotFound},
-            {"half an index", R"({"found":true,"section":"decisions","index":0.5,"text":"новое"})",
-             Outcome::NotFound},
-            {"no text", R"({"found":true,"section":"decisions","index":0,"text":" \n"})", Outcome::NotFound},
-            {"outside of the list", R"({"found":true,"section":"decisions","index":5,"text":"новое"})",
-             Outcome::NotFound},
-        };
-        m->signIn();
-        for (const auto& [name, body, outcome] : cases) {
-            CASE(name);
-            m->write(m->path, summary);
-            m->server.says(Server::answer(200, body));
-            const bool fixed = outcome == Outcome::Fixed;
-            m->carriedOut = 0;
-            QCOMPARE(m->apply(), fixed);
-            QCOMPARE(m->editor->outcome(), outcome);
-            QCOMPARE(m->editor->message(),
-                     fixed ? Message::of("editor.done", u"новое"_s) : Message::of("editor.not_found"));
-            QCOMPARE(m->file() != summary, fixed);
-            QCOMPARE(m->carriedOut, fixed ? 1 : 0);
-        }
-    }
-
-    void whatIsNoAnswerChangesNothing()
-    {
-        QList<Fault> faults = faultsAround(correction);
-        faults.append({"created", Server::answer(201, correction)});
-        faults.append({"an error with a correction", Server::answer(500, correction)});
-        m->signIn();
-        for (const Fault& fault : faults) {
-            CASE(fault.name);
-            m->server.reply = fault;
-            QVERIFY(!m->apply());
-            QCOMPARE(m->editor->outcome(), Outcome::Failed);
-            QVERIFY(!m->editor->message().isEmpty());
-            QCOMPARE(m->file(), summary);
-            QCOMPARE(m->carriedOut, 0);
-        }
-    }
-
     void whatTheServiceWritesMeanwhileStays()
     {
         const Cases<QByteArray, Outcome, QByteArray> cases{
             // what stands in the file when the answer comes, and what becomes of its decisions
+            {"nothing new", summary, Outcome::Fixed, R"(["новое"," ",{"text":"два"}])"},
+            {"half of it", "{", Outcome::Fixed, R"(["новое"," ",{"text":"два"}])"},
             {"another item", R"({"decisions":["раз","иное"]})", Outcome::Fixed, R"(["новое","иное"])"},
             {"the very item", R"({"decisions":["иное"]})", Outcome::NotFound, R"(["иное"])"},
-            {"half of it", "{", Outcome::Fixed, R"(["новое"," ",{"text":"два"}])"},
         };
         m->signIn();
         for (const auto& [name, now, outcome, decisions] : cases) {
@@ -156,10 +109,48 @@ private slots:
                 m->write(m->path, now);
                 socket->write(Server::answer(200, correction));
             };
-            m->apply();
+            const bool fixed = outcome == Outcome::Fixed;
+            QCOMPARE(m->apply(), fixed);
             QCOMPARE(m->editor->outcome(), outcome);
+            QCOMPARE(m->editor->message(),
+                     fixed ? Message::of("editor.done", u"новое"_s) : Message::of("editor.not_found"));
             QVERIFY2(m->file().contains("\"decisions\":" + decisions), m->file());
         }
+        QCOMPARE(m->carriedOut, 3);
+    }
+
+    void whatIsNoCorrectionChangesNothing()
+    {
+        m->signIn();
+        QList<Fault> faults = faultsAround(correction);
+        faults.append({"created", Server::answer(201, correction)});
+        faults.append({"an error with a correction", Server::answer(500, correction)});
+        for (const Fault& fault : faults) {
+            CASE(fault.name);
+            m->server.reply = fault;
+            QVERIFY(!m->apply());
+            QCOMPARE(m->editor->outcome(), Outcome::Failed);
+            QVERIFY(!m->editor->message().isEmpty());
+            QCOMPARE(m->file(), summary);
+        }
+        const Cases<QByteArray, QByteArray> cases{
+            // what stands in the place of what
+            {"not found", "false", "true"},
+            {"found as a word", R"("true")", "true"},
+            {"no index", "", R"("index":0,)"},
+            {"half an index", ":0.5", ":0"},
+            {"outside of the list", ":5", ":0"},
+            {"another section", "title", "decisions"},
+            {"no text", "", "новое"},
+        };
+        for (const auto& [name, there, instead] : cases) {
+            CASE(name);
+            m->server.says(Server::answer(200, QByteArray{correction}.replace(instead, there)));
+            QVERIFY(!m->apply());
+            QCOMPARE(m->editor->outcome(), Outcome::NotFound);
+            QCOMPARE(m->file(), summary);
+        }
+        QCOMPARE(m->carriedOut, 0);
     }
 
     void theRequest()

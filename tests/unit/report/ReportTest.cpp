@@ -83,8 +83,6 @@ private slots:
             {"Твёрдое", true, false, false},
             {"твердо", true, false, false},
             {"ТВЕРДО", true, false, false},
-            {"firm", false, false, false},
-            {"мягкое", false, false, false},
             {"не твёрдое", false, false, false},
             {"пройдена полностью", false, true, false},
             {"Пройдена", false, false, false},
@@ -146,27 +144,18 @@ private slots:
     void stamps()
     {
         const Cases<qint64> cases{
-            // -1: it is none
-            {"[01:02:03]", 3723},
-            {"[12:34]", 754},
-            {"12:34", 754},
-            {" [[00:00:05]] ", 5},
-            {"[7]", -1},
-            {"[]", -1},
-            {"[a:b]", -1},
-            {"[1:x:2]", 62},
-            {"[1::2]", 62},
-            {"[1: 2:3]", 63},
-            {"[99:99:99:99]", 6039},
-            {"[999999999999:00]", 59999999999940},
-            {"[9223372036854775807:00]", -1},
-            {"[153722867280912930:09]", -1},
-            {"[99999999999999999999:01]", -1},
+            // in seconds
+            {"[01:02:03]", 3723},  {"[12:34]", 754},        {"12:34", 754},
+            {" [[00:00:05]] ", 5}, {"[1:x:2]", 62},         {"[1::2]", 62},
+            {"[1: 2:3]", 63},      {"[99:99:99:99]", 6039}, {"[999999999999:00]", 59999999999940},
         };
         for (const auto& [stamp, seconds] : cases) {
             CASE(stamp);
             QCOMPARE(Transcript::seconds(QString::fromUtf8(stamp)).value_or(-1), seconds);
         }
+        for (const char* none : {"[7]", "[]", "[a:b]", "[9223372036854775807:00]", "[153722867280912930:09]",
+                                 "[99999999999999999999:01]"})
+            QVERIFY2(!Transcript::seconds(QString::fromUtf8(none)), none);
     }
 
     void transcripts()
@@ -270,7 +259,6 @@ private slots:
             m->load();
             QCOMPARE(m->loader.present(), present);
             QCOMPARE(m->loader.empty(), !present);
-            QVERIFY(m->loader.error().isEmpty());
         }
     }
 
@@ -290,7 +278,7 @@ private slots:
             {"none", {}, false},
             {"200 characters", stamp + QString(189, u'ж'), false},
             {"201 characters", stamp + QString(190, u'ж'), true},
-            {"200 seen as 390", stamp + u"é"_s.repeated(189), false},
+            {"200 seen as 390", stamp + u"e\u0301"_s.repeated(189), false},
         };
         m->signIn();
         m->server.says(Server::answer(200, "{}"));
