@@ -179,17 +179,20 @@ private slots:
         QCOMPARE(m->copy(), u"z"_s);
     }
 
-    void aWordTaughtWhileLoadingLosesNothing()
+    void whatIsThereIsNotOverwrittenUnseen()
     {
         const auto store = m->makeStore();
-        m->server.holds("/rest/v1/profiles");
+        m->server.says(Server::answer(500, "{}"));
         m->signIn();
-        QTRY_COMPARE(m->asked().size(), 1);
+        QTRY_VERIFY(!store->syncError().isEmpty());
+        m->server.holds("/rest/v1/profiles");
         QCOMPARE(store->learn(u" Квен"_s, u"Qwen "_s), u"Квен → Qwen"_s);
+        QTRY_COMPARE(m->server.held.size(), 1);
+        QCOMPARE(m->asked().last().method, "GET"_ba);
+        store->learn(u"а"_s, u"б"_s); // while it is loading
         m->server.held[0]->write(profile("до этого"));
-        QTRY_COMPARE(told(store->entries()), u"до этого|Квен>Qwen"_s);
-        QTRY_COMPARE(m->asked().size(), 2);
-        QCOMPARE(m->asked()[1].body, R"({"glossary":"до этого\nКвен → Qwen"})"_ba);
+        QTRY_COMPARE(m->server.held.size(), 2);
+        QCOMPARE(m->asked().last().body, R"({"glossary":"до этого\nКвен → Qwen\nа → б"})"_ba);
     }
 
     void aNewPersonIsNotServedTheLastOnesWords()
