@@ -67,8 +67,16 @@ public:
     {
         reply = [wire](QTcpSocket* socket, const Request&) { socket->write(wire); };
     }
+    /// Leaves requests to `path` to whoever writes into what is held, and all others without an answer.
+    void holds(const QByteArray& path)
+    {
+        reply = [this, path](QTcpSocket* socket, const Request& request) {
+            if (request.path.startsWith(path)) held.append(socket);
+        };
+    }
 
     QList<Request> requests;
+    QList<QTcpSocket*> held;
     std::function<void(QTcpSocket*, const Request&)> reply = [](QTcpSocket*, const Request&) {};
 
 private:

@@ -51,6 +51,14 @@ struct TestProgram {
     }
     void serviceSays(const QByteArray& status) { serviceWrites("{\"status\":\"" + status + "\"}"); }
 
+    /// The engine's part, in a shell instead of its own language.
+    void installScript(const QString& script, const QByteArray& text) const
+    {
+        write(script, text + '\n');
+        QDir{}.mkpath(QFileInfo{paths.python}.path());
+        QFile::link(QStringLiteral("/bin/bash"), paths.python);
+    }
+
     /// What the update server says from now on; the next check reads it.
     void publish(const QByteArray& record) { server.says(Server::answer(200, record)); }
     /// Asks the update server and waits for what it says.

@@ -13,6 +13,13 @@ TestCase {
         verify(view);
     }
 
+    // Of a view of the main window: it goes before what it shows.
+    function closeLibrary() {
+        view.destroy();
+        wait(0);
+        fixture.closeLibrary();
+    }
+
     // What fits under `item`: of what is in sight, or of everything.
     function all(fits, item = view, unseen = false) {
         let found = [];
