@@ -13,14 +13,24 @@ if(MURMELI_SANITIZE)
     add_link_options(-fsanitize=${MURMELI_SANITIZE})
 endif()
 
-# Qt's headers are read once for all rooms that have views.
-file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/generated/Headers.cpp CONTENT "")
-add_library(murmeli_headers OBJECT ${CMAKE_BINARY_DIR}/generated/Headers.cpp)
-target_precompile_headers(murmeli_headers PRIVATE
-    <QByteArray> <QDateTime> <QHash> <QJsonObject> <QList> <QObject> <QPointer> <QSet> <QString> <QUrl> <QVariant>
-    <QtQml/qqmlregistration.h> <QQmlEngine> <QQuickItem>
-    <algorithm> <chrono> <functional> <memory> <optional> <utility> <vector>)
-target_link_libraries(murmeli_headers PRIVATE murmeli_options Qt6::Quick)
+# Headers are read once: those of Qt's core for the rooms below, with those of its views for all others.
+function(murmeli_headers name)
+    file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/generated/${name}.cpp CONTENT "// Holds its headers.\n")
+    add_library(${name} OBJECT ${CMAKE_BINARY_DIR}/generated/${name}.cpp)
+    cmake_parse_arguments(HEADERS "" "" "LINK;HEADERS" ${ARGN})
+    target_precompile_headers(${name} PRIVATE ${HEADERS_HEADERS}
+        <algorithm> <chrono> <functional> <memory> <optional> <utility> <vector>
+        <QByteArray> <QDateTime> <QHash> <QJsonObject> <QList> <QObject> <QPointer> <QSet> <QString> <QUrl> <QVariant>)
+    target_link_libraries(${name} PRIVATE murmeli_options ${HEADERS_LINK})
+endfunction()
+murmeli_headers(murmeli_core_headers LINK Qt6::Core)
+murmeli_headers(murmeli_view_headers LINK Qt6::Quick HEADERS <QtQml/qqmlregistration.h> <QQmlEngine> <QQuickItem>)
+
+function(murmeli_precompiled target headers)
+    if(NOT MURMELI_SANITIZE)
+        target_precompile_headers(${target} REUSE_FROM ${headers})
+    endif()
+endfunction()
 
 # Headers of a room are included as "room/Header.h" by the rooms that link it: a farm of links
 # holding just that one folder is the only include path that the target gives away.
@@ -31,17 +41,12 @@ function(murmeli_room_includes target room)
     target_include_directories(${target} PUBLIC ${farm} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 endfunction()
 
-function(murmeli_precompiled target)
-    if(NOT MURMELI_SANITIZE)
-        target_precompile_headers(${target} REUSE_FROM murmeli_headers)
-    endif()
-endfunction()
-
 # murmeli_room(NAME room SOURCES … LINK …): a room without views.
 function(murmeli_room)
     cmake_parse_arguments(ROOM "" "NAME" "SOURCES;LINK" ${ARGN})
     add_library(murmeli_${ROOM_NAME} STATIC ${ROOM_SOURCES})
     target_link_libraries(murmeli_${ROOM_NAME} PUBLIC ${ROOM_LINK} PRIVATE murmeli_options)
+    murmeli_precompiled(murmeli_${ROOM_NAME} murmeli_core_headers)
     murmeli_room_includes(murmeli_${ROOM_NAME} ${ROOM_NAME})
 endfunction()
 
@@ -66,10 +71,14 @@ function(murmeli_qml_room)
         QML_FILES ${ROOM_QML_FILES} ${ROOM_SINGLETONS}
         RESOURCES ${ROOM_RESOURCES})
     target_link_libraries(${target} PUBLIC ${ROOM_LINK} Qt6::Quick PRIVATE murmeli_options)
-    murmeli_precompiled(${target})
+    murmeli_precompiled(${target} murmeli_view_headers)
     # Of what Qt makes beside the library only the plugin has a Q_OBJECT in it.
     get_property(made DIRECTORY PROPERTY BUILDSYSTEM_TARGETS)
     list(REMOVE_ITEM made ${target} ${target}plugin)
     set_target_properties(${made} PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
     murmeli_room_includes(${target} ${ROOM_NAME})
+    foreach(beside IN ITEMS ${target}plugin ${target}plugin_init)
+        target_link_libraries(${beside} PRIVATE murmeli_options Qt6::Quick)
+        murmeli_precompiled(${beside} murmeli_view_headers)
+    endforeach()
 endfunction()
