@@ -46,10 +46,6 @@ class Node:
         return "showing" in self.states
 
     @cached_property
-    def description(self) -> str:
-        return self._property("Description")
-
-    @cached_property
     def extents(self) -> Rectangle:
         on_screen = GLib.Variant("(u)", (0,))
         return Rectangle(*_call(self.bus, self.owner, self.path, COMPONENT, "GetExtents", on_screen)[0])
@@ -62,10 +58,6 @@ class Node:
                 _call(self.bus, self.owner, self.path, ACTION, "DoAction", GLib.Variant("(i)", (offered.index(name),)))
                 return
         raise AssertionError(f"{self} does none of {names}, but {offered}")
-
-    def _property(self, name: str):
-        return _call(self.bus, self.owner, self.path, "org.freedesktop.DBus.Properties", "Get",
-                     GLib.Variant("(ss)", (ACCESSIBLE, name)))[0]
 
     def __str__(self) -> str:
         return f"{self.role} «{self.name}» {' '.join(sorted(self.states))}"
