@@ -46,6 +46,11 @@ class Node:
         return "showing" in self.states
 
     @cached_property
+    def description(self) -> str:
+        return _call(self.bus, self.owner, self.path, "org.freedesktop.DBus.Properties", "Get",
+                     GLib.Variant("(ss)", (ACCESSIBLE, "Description")))[0]
+
+    @cached_property
     def extents(self) -> Rectangle:
         on_screen = GLib.Variant("(u)", (0,))
         return Rectangle(*_call(self.bus, self.owner, self.path, COMPONENT, "GetExtents", on_screen)[0])

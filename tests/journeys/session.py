@@ -227,7 +227,8 @@ class Session:
 
     def _start_display(self) -> None:
         # The server takes the first free number by itself: two sessions never fight for one.
-        self.start("display", ["Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp", "-noreset"])
+        self.start("display", ["Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp",
+                               "-noreset"])
         log = self.folder / "display.log"
         number = wait_for(lambda: re.search(rb"^(\d+)\n", log.read_bytes(), re.MULTILINE), "the display")[1]
         self.display = self.environment["DISPLAY"] = f":{int(number)}"

@@ -171,10 +171,14 @@ class FirstDay(JourneyTest):
 
     def sign_in(self) -> None:
         self.press("panel.sign_in")
+        self.hands.write(self.t("account.paste.name"), "https://example.org/#access_token=x")
+        self.press("account.paste.action")
+        self.wait("account.paste.refused", role="status bar")
         self.hands.write(self.t("account.paste.name"), f"  {address_of(self.session)} ")
         self.press("account.paste.action")
         self.wait("panel.account")
         wait_signed_in(self.session)
+        self.wait_kept(*glossary(self.session).splitlines())  # the service needs it, though no window is opened
 
     def record(self) -> None:
         self.press("panel.orb.name.record")
@@ -200,6 +204,7 @@ class FirstDay(JourneyTest):
         self.hands.write(self.t("detail.remark"), wish)
         self.press("detail.send")
         self.wait("editor.done", new, "status bar")
+        self.assertEqual(self.session.tree.wait("list item", new).description, self.t("detail.before", old))
         stored = json.loads(self.meeting.path.read_text("utf-8"))
         self.assertEqual(stored["decisions"][0], new)
         self.wait("detail.edited")
@@ -246,7 +251,8 @@ class FirstDay(JourneyTest):
     def wait_kept(self, *words: str) -> None:
         """On the backend, and in the copy that the service reads."""
         text = "\n".join(words)
-        wait_for(lambda: glossary(self.session) == text == self.session.preferences()["glossary"], f"{words} to be kept")
+        wait_for(lambda: glossary(self.session) == text == self.session.preferences().get("glossary"),
+                 f"{words} to be kept")
 
     def set(self) -> None:
         self.session.screen.key("ctrl+3")
