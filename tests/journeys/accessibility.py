@@ -47,7 +47,8 @@ class Node:
 
     @cached_property
     def description(self) -> str:
-        return self._property("Description")
+        return _call(self.bus, self.owner, self.path, "org.freedesktop.DBus.Properties", "Get",
+                     GLib.Variant("(ss)", (ACCESSIBLE, "Description")))[0]
 
     @cached_property
     def extents(self) -> Rectangle:
@@ -62,10 +63,6 @@ class Node:
                 _call(self.bus, self.owner, self.path, ACTION, "DoAction", GLib.Variant("(i)", (offered.index(name),)))
                 return
         raise AssertionError(f"{self} does none of {names}, but {offered}")
-
-    def _property(self, name: str):
-        return _call(self.bus, self.owner, self.path, "org.freedesktop.DBus.Properties", "Get",
-                     GLib.Variant("(ss)", (ACCESSIBLE, name)))[0]
 
     def __str__(self) -> str:
         return f"{self.role} «{self.name}» {' '.join(sorted(self.states))}"

@@ -3,8 +3,6 @@
 from __future__ import annotations
 
 import json
-import os
-import shutil
 import subprocess
 from dataclasses import dataclass
 from datetime import date, datetime
@@ -21,10 +19,7 @@ MEETINGS, ASSISTANT = "Встречи", "Помощник"
 BACK = "К списку встреч"
 SEARCH = "Поиск встреч"
 QUIT = "Выйти из Murmeli (снова открыть — через меню приложений)"
-ENGINE_SCRIPTS = ("homes", "meeting_files", "compose", "scene", "scenarios_ru", "scenarios_en", "protocol_pdf",
-                  "pdf_writer", "reprotocol", "script_faults")
 MAIL, OPEN, FOLDER, COPY = range(4)  # the entries of the share menu
-WITHOUT_PRIVILEGES = ("setpriv", "--bounding-set=-dac_override,-dac_read_search")
 
 
 @dataclass(frozen=True)
@@ -74,23 +69,6 @@ def write_meeting(session: Session, stem: str, **members) -> None:
     session.write(session.logs / f"{stem}.protocol.json", members)
 
 
-def install_scripts(session: Session) -> None:
-    """What of the engine stands behind the main window. Its Python tells of each call."""
-    pipeline = session.notes / "pipeline"
-    pipeline.mkdir()
-    for name in ENGINE_SCRIPTS:
-        shutil.copy(REPOSITORY / f"sandbox/{name}.py", pipeline)
-    python = session.notes / ".venv/bin/python"
-    python.unlink()
-    python.write_text(f'#!/bin/sh\nprintf "%s\\n" "${{1##*/}}" >> "{session.folder}/calls"\nexec {PYTHON} "$@"\n')
-    python.chmod(0o700)
-
-
-def script_calls(session: Session, name: str) -> int:
-    calls = session.folder / "calls"
-    return calls.read_text().splitlines().count(name) if calls.exists() else 0
-
-
 def sign_in(session: Session) -> None:
     """As the program finds it when it starts."""
     values = session.ask_web("/sandbox/tokens", {"email": ANNA})
@@ -116,18 +94,10 @@ def quit_program(session: Session) -> None:
     wait_for(lambda: not session.screen.icon(), "the icon to go")
 
 
-def rows(session: Session) -> list[Node]:
-    """Of whatever list is shown, as far as they are on screen, from above."""
-    shown = [node for node in session.tree.all("list item") if node.extents.height > 0]
-    return sorted(shown, key=lambda row: row.extents.y)
-
-
-def row_names(session: Session) -> list[str]:
-    return [row.name for row in rows(session)]
-
-
 def places(session: Session) -> list[tuple[str, Rectangle]]:
-    return [(row.name, row.extents) for row in rows(session)]
+    """Of the rows of whatever list is shown, as far as they are on screen, from above."""
+    shown = [(node.name, node.extents) for node in session.tree.all("list item")]
+    return sorted((row for row in shown if row[1].height > 0), key=lambda row: row[1].y)
 
 
 def wait_still(session: Session) -> list[tuple[str, Rectangle]]:
@@ -192,24 +162,5 @@ def pick(session: Session, menu: Rectangle, entry: int) -> None:
     session.look_away()
 
 
-def clipboard(session: Session, target: str) -> str:
-    told = subprocess.run(["xclip", "-selection", "clipboard", "-out", "-target", target], timeout=10, check=False,
-                          env=session.environment, stdin=subprocess.DEVNULL, capture_output=True)
-    return told.stdout.decode() if told.returncode == 0 else ""
-
-
-def add_tool(session: Session, name: str) -> Path:
-    """A program of this name that notes its arguments, each in a line of the file that is returned."""
-    noted = session.folder / f"{name}.arguments"
-    tool = session.folder / "bin" / name
-    tool.write_text(f'#!/bin/sh\nprintf "%s\\n" "$@" >> "{noted}"\n')
-    tool.chmod(0o700)
-    return noted
-
-
 def lines(path: Path) -> list[str]:
     return path.read_text("utf-8").splitlines() if path.exists() else []
-
-
-def is_root() -> bool:
-    return os.geteuid() == 0

@@ -12,9 +12,9 @@ import subprocess
 import tempfile
 import unittest
 import urllib.request
-from collections.abc import Sequence
 from contextlib import contextmanager
 from pathlib import Path
+from types import MethodType
 
 from accessibility import Tree
 from screen import Rectangle, Screen
@@ -41,7 +41,7 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus
 </busconfig>
 """
 
-OPENED_RECORDER = '#!/bin/sh\nprintf "%s\\n" "$1" >> "{file}"\n'
+CALL_RECORDER = '#!/bin/sh\nprintf "%s\\n" "$@" >> "$0.calls"\n'
 
 
 def command_line(pid: int) -> str:
@@ -50,11 +50,6 @@ def command_line(pid: int) -> str:
         return Path(f"/proc/{pid}/cmdline").read_bytes().replace(b"\0", b" ").decode("utf-8", "replace").strip()
     except OSError:
         return ""
-
-
-def exactly(text: str):
-    """The JSON in which a number is the text that it was written as."""
-    return json.loads(text, parse_int=str, parse_float=str)
 
 
 def selection_has_owner(display: str, name: str) -> bool:
@@ -92,42 +87,10 @@ class Session:
 
     # What the journey looks at.
 
-    @property
-    def folder(self) -> Path:
-        """The session's own; the home is one of the folders in it."""
-        return self._folder
-
-    @property
-    def notes(self) -> Path:
-        return self.home / "MeetingNotes"
-
-    @property
-    def logs(self) -> Path:
-        return self.notes / "logs"
-
-    @property
-    def command_file(self) -> Path:
-        return self.notes / "command.json"
-
-    @property
-    def flag_file(self) -> Path:
-        return self.notes / "auth_required.flag"
-
-    @property
-    def prefs_file(self) -> Path:
-        return self.notes / "prefs.json"
-
-    @property
-    def state_file(self) -> Path:
-        return self.notes / "state.json"
-
     def notifications(self) -> list[str]:
         """The lines of the notifications log without their times."""
-        try:
-            lines = (self.logs / "notifications.log").read_text("utf-8").splitlines()
-        except FileNotFoundError:
-            return []
-        return [re.sub(r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ ", "", line) for line in lines]
+        log = self.logs / "notifications.log"
+        return [line.partition(" ")[2] for line in log.read_text("utf-8").splitlines()] if log.exists() else []
 
     def state(self) -> dict:
         return json.loads(self.state_file.read_text("utf-8"))
@@ -136,7 +99,7 @@ class Session:
         return self.state()["status"]
 
     def preferences(self) -> dict:
-        return exactly(self.prefs_file.read_text("utf-8")) if self.prefs_file.exists() else {}
+        return json.loads(self.prefs_file.read_text("utf-8")) if self.prefs_file.exists() else {}
 
     def wait_preference(self, key: str, value) -> None:
         wait_for(lambda: self.preferences().get(key) == value, f"{key} to be {value} in the file")
@@ -154,10 +117,15 @@ class Session:
         return {pid: line for pid, line in found.items() if "at-spi2-registryd" not in line}
 
     def program_log(self) -> str:
-        return (self._folder / "murmeli.log").read_text("utf-8")
+        return (self.folder / "murmeli.log").read_text("utf-8")
+
+    def calls(self, tool: str) -> list[str]:
+        """Every argument that this tool of the desktop was started with."""
+        file = self._tools / f"{tool}.calls"
+        return file.read_text("utf-8").splitlines() if file.exists() else []
 
     def opened_urls(self) -> list[str]:
-        return self._opened_file.read_text("utf-8").splitlines() if self._opened_file.exists() else []
+        return self.calls("xdg-open")
 
     # What the service does.
 
@@ -174,16 +142,22 @@ class Session:
     # Life of the session.
 
     def __enter__(self) -> Session:
-        self._folder = Path(tempfile.mkdtemp(prefix="mj"))
-        self.home = self._folder / "home"
-        self._runtime = self._folder / "run"
-        self._tools = self._folder / "bin"
-        self._opened_file = self._folder / "opened"
-        for folder in (self.home, self._runtime, self._tools, self._folder / "service"):
+        self.folder = Path(tempfile.mkdtemp(prefix="mj"))
+        self.home = self.folder / "home"
+        self.notes = self.home / "MeetingNotes"
+        self.logs = self.notes / "logs"
+        self.command_file = self.notes / "command.json"
+        self.flag_file = self.notes / "auth_required.flag"
+        self.prefs_file = self.notes / "prefs.json"
+        self.state_file = self.notes / "state.json"
+        self._runtime = self.folder / "run"
+        self._tools = self.folder / "bin"
+        for folder in (self.home, self._runtime, self._tools, self.folder / "service"):
             folder.mkdir(mode=0o700)
-        recorder = self._tools / "xdg-open"
-        recorder.write_text(OPENED_RECORDER.format(file=self._opened_file), "utf-8")
-        recorder.chmod(0o700)
+        for name in ("xdg-open", "xdg-email"):
+            tool = self._tools / name
+            tool.write_text(CALL_RECORDER, "utf-8")
+            tool.chmod(0o700)
         if self._makes["notes"]:
             self.logs.mkdir(parents=True)
         if self._makes["installed"]:
@@ -219,7 +193,7 @@ class Session:
             **self._addresses("http://127.0.0.1:9"),  # nobody is there until a web service is
         }
         self._start_display()
-        configuration = self._folder / "bus.conf"
+        configuration = self.folder / "bus.conf"
         configuration.write_text(BUS_CONFIGURATION.format(path=self._runtime / "bus"), "utf-8")
         self.start("bus", ["dbus-daemon", f"--config-file={configuration}", "--nofork", "--nopidfile"])
         self.start("openbox", ["openbox", "--sm-disable"])
@@ -233,7 +207,8 @@ class Session:
         if self._wants["tray"]:
             self.start_tray()
         wait_for(lambda: selection_has_owner(self.display, "_NET_WM_CM_S0"), "the compositor")
-        self.tree = wait_for(self._open_tree, "the accessibility bus")
+        bus = self.environment["DBUS_SESSION_BUS_ADDRESS"]
+        self.tree = wait_for(lambda: Tree.open(bus), "the accessibility bus")
         if self._wants["engine"] is not None:
             self.start_engine(*self._wants["engine"])
         if self._wants["portal"] is not None:
@@ -252,21 +227,19 @@ class Session:
 
     def _start_display(self) -> None:
         # The server takes the first free number by itself: two sessions never fight for one.
-        self.start("display", ["Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp", "-noreset"])
-        log = self._folder / "display.log"
+        self.start("display", ["Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp",
+                               "-noreset"])
+        log = self.folder / "display.log"
         number = wait_for(lambda: re.search(rb"^(\d+)\n", log.read_bytes(), re.MULTILINE), "the display")[1]
         self.display = self.environment["DISPLAY"] = f":{int(number)}"
 
-    def _open_tree(self) -> Tree | None:
-        return Tree.open(self.environment["DBUS_SESSION_BUS_ADDRESS"])
-
     def start(self, name: str, command: list[str], *, environment: dict | None = None, **options) -> subprocess.Popen:
-        log = open(self._folder / f"{name}.log", "ab")
+        log = open(self.folder / f"{name}.log", "ab")
         self._logs.append(log)
         process = subprocess.Popen(
             # Whatever ends this run, nothing that it started stays behind.
             ["setpriv", "--pdeathsig", "KILL", *command], env=environment or self.environment,
-            cwd=self._folder, stdout=log, stderr=log, start_new_session=True,
+            cwd=self.folder, stdout=log, stderr=log, start_new_session=True,
             **{"stdin": subprocess.DEVNULL, **options})
         self._processes.append((name, process))
         return process
@@ -295,26 +268,23 @@ class Session:
             self.wait_icon_at_rest()
         return tray
 
-    def start_engine(self, *arguments: str) -> subprocess.Popen:
+    def start_engine(self, *arguments: str) -> None:
         # The stand-in refuses to live in the folder that $HOME names.
-        environment = {**self.environment, "HOME": str(self._folder / "service")}
-        self.engine = self.start("engine", [PYTHON, str(REPOSITORY / "sandbox" / "engine.py"), "--home",
-                                            str(self.home), "--poll-seconds", "0.05", *arguments],
-                                 environment=environment)
+        environment = {**self.environment, "HOME": str(self.folder / "service")}
+        self.start("engine", [PYTHON, str(REPOSITORY / "sandbox" / "engine.py"), "--home", str(self.home),
+                              "--poll-seconds", "0.05", *arguments], environment=environment)
         wait_for(self.state_file.exists, "the service's state")
-        return self.engine
 
-    def start_web(self, *arguments: str) -> subprocess.Popen:
+    def start_web(self, *arguments: str) -> None:
         """The web service, the account site and the backend; the program's addresses lead there."""
-        environment = {**self.environment, "HOME": str(self._folder / "service"), "PYTHONUNBUFFERED": "1"}
-        log = self._folder / "web.log"
+        environment = {**self.environment, "HOME": str(self.folder / "service"), "PYTHONUNBUFFERED": "1"}
+        log = self.folder / "web.log"
         said_before = log.stat().st_size if log.exists() else 0
         self.web = self.start("web", [PYTHON, str(REPOSITORY / "sandbox" / "web.py"), "--home", str(self.home),
                                       "--port", "0", "--pace", "0.05", *arguments], environment=environment)
         said = wait_for(lambda: re.search(rb"ready at (http://\S+)", log.read_bytes()[said_before:]), "the web service")
         self.origin = said[1].decode()
         self.environment.update(self._addresses(self.origin))
-        return self.web
 
     def ask_web(self, path: str, body: dict | None = None):
         """What the sandbox's control answers; with a body it is told something."""
@@ -323,14 +293,13 @@ class Session:
         with urllib.request.urlopen(request, timeout=10) as answer:
             return json.loads(answer.read() or b"null")
 
-    def start_keyring(self, *, locked=False) -> subprocess.Popen:
+    def start_keyring(self, *, locked=False) -> None:
         """A secret store on this session's bus; what an open one has stored, a locked one keeps to itself."""
         command = ["gnome-keyring-daemon", "--foreground", "--components=secrets"]
         self.keyring = self.start("keyring", command if locked else [*command, "--unlock"], stdin=subprocess.PIPE)
         self.keyring.stdin.write(b"" if locked else b"sandbox")
         self.keyring.stdin.close()
         wait_for(lambda: self.tree.session_has("org.freedesktop.secrets"), "the secret store")
-        return self.keyring
 
     def pretend_installed(self) -> None:
         """The files by which the program knows that an engine is there."""
@@ -339,20 +308,17 @@ class Session:
         python.symlink_to(PYTHON)
         (self.home / ".cache/huggingface/hub").mkdir(parents=True)
 
-    def start_portal(self, *arguments: str) -> subprocess.Popen:
+    def start_portal(self, *arguments: str) -> None:
         self.portal = self.start("portal", [PYTHON, str(Path(__file__).with_name("settings_portal.py")), *arguments],
                                  stdin=subprocess.PIPE)
         wait_for(lambda: self.tree.session_has("org.freedesktop.portal.Desktop"), "the settings portal")
-        return self.portal
 
-    def start_program(self, *arguments: str, through: Sequence[str] = ()) -> subprocess.Popen:
-        """`through` is a command that becomes what it is told to start."""
-        self.program = self.start("murmeli", [*through, str(PROGRAM), *arguments])
+    def start_program(self, *arguments: str) -> None:
+        self.program = self.start("murmeli", [str(PROGRAM), *arguments])
         self.tree.follow(self.program.pid)
         wait_for(self._has_started, "Murmeli to show its icon and its accessibility tree")
         if self._has_tray:
             self.wait_icon_at_rest()
-        return self.program
 
     def _has_started(self) -> bool:
         if self.program.poll() is not None:
@@ -361,14 +327,14 @@ class Session:
 
     def run_program(self, *arguments: str, environment: dict | None = None) -> subprocess.CompletedProcess:
         """One more start, which is expected to end by itself."""
-        return subprocess.run([str(PROGRAM), *arguments], env=environment or self.environment, cwd=self._folder,
+        return subprocess.run([str(PROGRAM), *arguments], env=environment or self.environment, cwd=self.folder,
                               stdin=subprocess.DEVNULL, capture_output=True, timeout=15, check=False)
 
     def keep_evidence(self, test: str) -> None:
         folder = EVIDENCE / test
         shutil.rmtree(folder, ignore_errors=True)
         folder.mkdir(parents=True)
-        for log in self._folder.glob("*.log"):
+        for log in self.folder.glob("*.log"):
             shutil.copy(log, folder)
         if self.display:
             subprocess.run(["import", "-window", "root", str(folder / "screen.png")], check=False,
@@ -389,13 +355,12 @@ class Session:
             self.stop(process)
         for log in self._logs:
             log.close()
-        shutil.rmtree(self._folder, ignore_errors=True)
+        shutil.rmtree(self.folder, ignore_errors=True)
 
     # What a user does.
 
-    def icon(self):
-        """The tray icon's rectangle."""
-        return wait_for(lambda: self.screen.icon(), "the icon in the tray")
+    def icon(self) -> Rectangle:
+        return wait_for(self.screen.icon, "the icon in the tray")
 
     def wait_icon_at_rest(self) -> None:
         """A tray that takes an icon in shifts it about for a moment; a press would miss it."""
@@ -441,13 +406,12 @@ class Session:
         owner = self.start("clipboard", ["xclip", "-quiet", "-selection", "clipboard", "-in"], stdin=subprocess.PIPE)
         owner.stdin.write(text.encode())
         owner.stdin.close()
+        wait_for(lambda: self.clipboard() == text, "the clipboard to hold the text")
 
-        def holds() -> bool:
-            told = subprocess.run(["xclip", "-selection", "clipboard", "-out"], env=self.environment, timeout=10,
-                                  stdin=subprocess.DEVNULL, capture_output=True, check=False)
-            return told.stdout == text.encode()
-
-        wait_for(holds, "the clipboard to hold the text")
+    def clipboard(self, target="UTF8_STRING") -> str:
+        told = subprocess.run(["xclip", "-selection", "clipboard", "-out", "-target", target], timeout=10, check=False,
+                              env=self.environment, stdin=subprocess.DEVNULL, capture_output=True)
+        return told.stdout.decode() if told.returncode == 0 else ""
 
     def close_window(self) -> None:
         """As the window manager does it."""
@@ -477,38 +441,24 @@ class JourneyTest(unittest.TestCase):
     longMessage = True
     maxDiff = None
 
-    def __init_subclass__(cls, **options):
-        super().__init_subclass__(**options)
-        for name, method in list(vars(cls).items()):
-            if name.startswith("test"):
-                setattr(cls, name, _with_evidence(method))
+    def __init__(self, method: str):
+        super().__init__(method)
+        keeping = self._evidence(self.id())(getattr(type(self), method))
+        setattr(self, method, MethodType(keeping, self))
 
     def open_session(self, **options) -> Session:
         return self.enterContext(Session(**options))
 
     @contextmanager
     def case(self, label: str):
-        with self.subTest(label):
-            try:
-                yield
-            except Exception:
-                _keep_evidence(f"{self.id()}.{label}")
-                raise
+        with self.subTest(label), self._evidence(f"{self.id()}.{label}"):
+            yield
 
-
-def _with_evidence(method):
-    def run(self):
+    @contextmanager
+    def _evidence(self, test: str):
         try:
-            method(self)
+            yield
         except Exception:
-            _keep_evidence(self.id())
+            for session in Session.opened:
+                session.keep_evidence(re.sub(r"[^\w.-]+", "_", test))
             raise
-
-    run.__name__ = method.__name__
-    run.__doc__ = None  # the runner would show it instead of the test's name
-    return run
-
-
-def _keep_evidence(test: str) -> None:
-    for session in Session.opened:
-        session.keep_evidence(re.sub(r"[^\w.-]+", "_", test))

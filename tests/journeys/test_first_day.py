@@ -7,7 +7,7 @@ import re
 from datetime import date, timedelta
 from functools import cache
 
-from main_window import (COPY, answer_dialog, clipboard, fill, glossary, paste, pick, summaries, wait_menu,
+from main_window import (COPY, answer_dialog, fill, glossary, paste, pick, summaries, wait_menu,
                          write_library)
 from session import REPOSITORY, JourneyTest, Session
 from test_sign_in import address_of, wait_signed_in
@@ -49,6 +49,9 @@ class Mouse:
     def choose(self, name: str, _step: str) -> None:
         self.press("list item", name)
 
+    def remove(self, _row: str, button: str) -> None:
+        self.press("push button", button)
+
     def pick(self, entry: int, before) -> None:
         """From the menu that has just come up."""
         pick(self.session, wait_menu(self.session, before), entry)
@@ -77,6 +80,12 @@ class Keyboard(Mouse):
         self.session.tree.wait("list item", name)
         self.session.screen.key(step, "Return")
 
+    def remove(self, row: str, _button: str) -> None:
+        rows = [node.name for node in self.session.tree.all("list item")]
+        self.session.tab_to(lambda name: name in rows)
+        steps = rows.index(row) - rows.index(self.session.tree.focused().name)
+        self.session.screen.key(*["Down"] * steps, "Delete")
+
     def pick(self, entry: int, before) -> None:
         wait_menu(self.session, before)
         self.session.screen.key(*["Down"] * (entry + 1), "Return")
@@ -84,6 +93,8 @@ class Keyboard(Mouse):
 
 class Assistive(Keyboard):
     """What a screen reader does: it tells controls to act, and the person types."""
+
+    remove = Mouse.remove
 
     def press(self, role: str | None, name) -> None:
         self.session.tree.wait(role, name).act("Press", "Toggle")
@@ -160,10 +171,14 @@ class FirstDay(JourneyTest):
 
     def sign_in(self) -> None:
         self.press("panel.sign_in")
-        self.wait("account.paste.name", role="text")
-        self.assertEqual(self.session.run_program(address_of(self.session)).returncode, 0)
+        self.hands.write(self.t("account.paste.name"), "https://example.org/#access_token=x")
+        self.press("account.paste.action")
+        self.wait("account.paste.refused", role="status bar")
+        self.hands.write(self.t("account.paste.name"), f"  {address_of(self.session)} ")
+        self.press("account.paste.action")
         self.wait("panel.account")
         wait_signed_in(self.session)
+        self.wait_kept(*glossary(self.session).splitlines())  # the service needs it, though no window is opened
 
     def record(self) -> None:
         self.press("panel.orb.name.record")
@@ -189,8 +204,11 @@ class FirstDay(JourneyTest):
         self.hands.write(self.t("detail.remark"), wish)
         self.press("detail.send")
         self.wait("editor.done", new, "status bar")
+        self.assertEqual(self.session.tree.wait("list item", new).description, self.t("detail.before", old))
         stored = json.loads(self.meeting.path.read_text("utf-8"))
         self.assertEqual(stored["decisions"][0], new)
+        self.wait("detail.edited")
+        wait_for(lambda: new in self.meeting.protocol.read_text("utf-8"), "the protocol to be written again")
 
     def pass_on(self) -> None:
         target = self.session.home / "Protocol.pdf"
@@ -201,7 +219,7 @@ class FirstDay(JourneyTest):
         before = self.session.screen.windows()
         self.press("file.share")
         self.hands.pick(COPY, before)
-        wait_for(lambda: clipboard(self.session, "text/uri-list").split() == [target.as_uri()], "the copied file")
+        wait_for(lambda: self.session.clipboard("text/uri-list").split() == [target.as_uri()], "the copied file")
 
     def analyse(self) -> None:
         self.press("report.open")
@@ -215,15 +233,26 @@ class FirstDay(JourneyTest):
         self.session.tree.wait("heading", self.meeting.title)
 
     def teach(self) -> None:
+        words = glossary(self.session).splitlines()
         self.press("editor.teach")
         self.hands.write(self.t("assistant.placeholder.heard"), "markel")
         self.hands.write(self.t("assistant.placeholder.correct"), "Murmeli")
         self.press("assistant.add.name")
         self.wait("detail.learned", "markel → Murmeli", "status bar")
-        wait_for(lambda: "markel → Murmeli" in glossary(self.session), "the word on the backend")
+        self.wait_kept(*words, "markel → Murmeli")
         self.session.screen.key("Escape", "Escape")
         self.session.screen.key("ctrl+2")
-        self.session.tree.wait("list item", lambda name: name.startswith("markel ") and name.endswith(" Murmeli"))
+        row = self.session.tree.wait("list item", lambda name: name.startswith("markel ") and name.endswith(" Murmeli"))
+        self.hands.remove(row.name, self.t("assistant.remove", "markel"))
+        self.session.screen.key("ctrl+s")
+        self.session.tree.wait("status bar", self.t("assistant.saved"))
+        self.wait_kept(*words)
+
+    def wait_kept(self, *words: str) -> None:
+        """On the backend, and in the copy that the service reads."""
+        text = "\n".join(words)
+        wait_for(lambda: glossary(self.session) == text == self.session.preferences().get("glossary"),
+                 f"{words} to be kept")
 
     def set(self) -> None:
         self.session.screen.key("ctrl+3")

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from session import JourneyTest
-from waiting import settles, stays, wait_for
+from waiting import at_rest, settles, stays, wait_for
 
 TITLE = "Не найден пользователь — авторизуйтесь"
 BODY = ("Хотел доставить протокол встречи, но не смог найти твой аккаунт. "
@@ -24,9 +24,13 @@ class AuthorisationBanner(JourneyTest):
         self.assertTrue(session.flag_file.exists())
 
         session.open_panel()
+        frame = session.tree.wait("frame", "Murmeli").extents
         session.press("push button", "Закрыть уведомление")
         wait_for(lambda: not session.flag_file.exists(), "the flag to be removed")
         session.tree.wait_gone("alert message")
+        smaller = at_rest(lambda: session.tree.find("frame", "Murmeli").extents, "the panel", 0.3)
+        self.assertEqual((smaller.x, smaller.y, smaller.width), (frame.x, frame.y, frame.width))
+        self.assertLess(smaller.height, frame.height - 60, "the window follows its content")
         stays(session.panel_is_open, "the panel without its banner", 2)
 
     def test_a_flag_that_was_there_first_opens_it_in_its_place(self):

@@ -2,13 +2,12 @@
 
 from __future__ import annotations
 
-from main_window import answer_dialog, lines, open_window, quit_program, write_meeting
+from main_window import answer_dialog, open_window, quit_program, write_meeting
 from session import JourneyTest, Session
 from waiting import wait_for
 
 SETTINGS = "Настройки"
 FORMAT = "Формат протокола, {}"
-LAUNCH = "Запускать при входе"
 INSTRUCTIONS = "Своя инструкция к протоколу"
 
 
@@ -56,17 +55,6 @@ class Windows(SettingsTest):
 
 
 class Effects(SettingsTest):
-    def test_launch_at_login(self):
-        session = self.open_session()
-        self.show(session)
-        entry = session.home / ".config/autostart/murmeli.desktop"
-        self.assertFalse(entry.exists())
-        for hidden in ("true", "false"):
-            session.press("check box", LAUNCH)
-            session.wait_preference("launch_at_login", hidden == "false")
-            wait_for(lambda: f"Hidden={hidden}" in lines(entry), f"Hidden={hidden}")
-        self.assertTrue(any(line.startswith('Exec="') and line.endswith('/murmeli"') for line in lines(entry)))
-
     def test_instructions(self):
         session = self.open_session()
         self.show(session)

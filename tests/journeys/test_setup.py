@@ -18,44 +18,10 @@ ALLOW_SCREEN, SCREEN_GRANTED = "Разрешить: Запись экрана", 
 NOWHERE = "У этого рабочего стола нет страницы для таких разрешений."
 STEPS = ["Подготовка системы", "Приложение", "Среда Python", "Движок записи", "Распознавание речи", "Модели",
          "Фоновая служба"]
-PACE = ["--pace", "0.4"]
 QUICK_ENGINE = ["--engine-arguments=--poll-seconds 0.05 --processing-seconds 0.4"]
 
 
 class Installing(JourneyTest):
-    def open_setup(self, *web: str) -> Session:
-        """Nothing is installed yet, and the program has just begun."""
-        session = self.open_session(notes=False, program=False, web=[*QUICK_ENGINE, *web])
-        session.start_program()
-        session.tree.wait("heading", TITLE)
-        return session
-
-    def test_by_mouse(self):
-        session = self.open_setup(*PACE)
-        session.tree.wait("label", "Идёт установка. Тем временем выдайте разрешения.")
-        session.tree.wait("list item", f"{STEPS[-1]}, ожидает")
-        figure = session.tree.wait("progress bar").name
-        session.tree.wait("progress bar", lambda name: name != figure)
-        self.wait_installed(session)
-        session.tree.wait("heading", DONE)
-        session.tree.wait("label", "Не хватает: Микрофон, Запись экрана")
-        session.press("push button", ALLOW_MICROPHONE)
-        session.tree.wait("panel", MICROPHONE_GRANTED)
-        session.tree.wait("label", "Не хватает: Запись экрана")
-        session.press("push button", ALLOW_SCREEN)
-        session.tree.wait("status bar", "Все разрешения выданы — запись встреч работает")
-        session.press("push button", "Начать")
-        session.tree.wait_gone("heading", DONE)
-        session.wait_open()
-
-        session.press("push button", "Начать запись")
-        session.tree.wait("push button", "Остановить запись")
-        self.assertEqual(session.status(), "recording", "what was installed does its work")
-
-    def wait_installed(self, session: Session) -> None:
-        for label in STEPS:
-            session.tree.wait("list item", f"{label}, готово", 20)
-
     def test_nobody_answers_at_first(self):
         session = self.open_session(notes=False, program=False, web=QUICK_ENGINE)
         session.stop(session.web)
@@ -68,10 +34,15 @@ class Installing(JourneyTest):
         session.start_web("--port", session.origin.rpartition(":")[2], *QUICK_ENGINE)
         session.press("push button", "Повторить")
         session.tree.wait("heading", DONE, 15)
-        self.wait_installed(session)
+        for label in STEPS:
+            session.tree.wait("list item", f"{label}, готово")
 
     def test_closing_the_window_does_not_end_it(self):
-        session = self.open_setup(*PACE)
+        session = self.open_session(notes=False, program=False, web=[*QUICK_ENGINE, "--pace", "0.4"])
+        session.start_program()
+        session.tree.wait("heading", TITLE)
+        figure = session.tree.wait("progress bar").name
+        session.tree.wait("progress bar", lambda name: name != figure)
         session.close_window()
         session.tree.wait_gone("heading")
         session.open_panel()
@@ -82,19 +53,12 @@ class Installing(JourneyTest):
         wait_for(lambda: "active" in session.tree.wait("frame", TITLE).states, "the window to be in front")
 
     def test_quitting_ends_all_that_it_began(self):
-        def by_the_panel(session: Session) -> None:
-            session.open_panel()
-            session.press("push button", QUIT)
-
-        def by_a_signal(number: int):
-            return lambda session: os.kill(session.program.pid, number)
-
         works, fetched = ["--pace", "60"], ["--fault", "/app/install.sh=hang"]
-        for label, web, at_work, end in (("while a step works", works, "sleep 60", by_the_panel),
-                                         ("while the installer is fetched", fetched, "curl ", by_the_panel),
-                                         ("terminated", works, "sleep 60", by_a_signal(signal.SIGTERM)),
-                                         ("interrupted", works, "sleep 60", by_a_signal(signal.SIGINT)),
-                                         ("its terminal gone", works, "sleep 60", by_a_signal(signal.SIGHUP))):
+        for label, web, at_work, number in (("while a step works", works, "sleep 60", None),
+                                            ("while the installer is fetched", fetched, "curl ", None),
+                                            ("terminated", works, "sleep 60", signal.SIGTERM),
+                                            ("interrupted", works, "sleep 60", signal.SIGINT),
+                                            ("its terminal gone", works, "sleep 60", signal.SIGHUP)):
             with self.case(label):
                 session = self.open_session(notes=False, program=False, web=web)
                 others = session.processes_in_home()
@@ -103,7 +67,11 @@ class Installing(JourneyTest):
                 # A shell, its pipeline, and what that runs.
                 wait_for(lambda: any(at_work in line for line in session.processes_in_home().values()), at_work)
                 self.assertGreater(len(session.processes_in_home().keys() - others.keys()), 2)
-                end(session)
+                if number:
+                    os.kill(session.program.pid, number)
+                else:
+                    session.open_panel()
+                    session.press("push button", QUIT)
                 self.assertEqual(session.program.wait(5), 0)
                 self.assertLessEqual(session.processes_in_home().keys(), others.keys())
                 session.close()

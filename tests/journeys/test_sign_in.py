@@ -13,7 +13,7 @@ import time
 import urllib.request
 from urllib.parse import parse_qsl, quote, urlencode
 
-from main_window import ANNA, ANNA_ID, fill, quit_program, sign_in
+from main_window import ANNA, ANNA_ID, quit_program, sign_in
 from session import PROGRAM, REPOSITORY, JourneyTest, Session, command_line
 from waiting import stays, wait_for
 
@@ -21,8 +21,6 @@ CHAT = 4242
 SIGN_IN = "Войти в Murmeli"
 ACCOUNT = "аккаунт Murmeli"
 FIELD = "Адрес для входа"
-PASTE = "Войти"
-REFUSED = "Это не адрес для входа. Скопируйте его целиком: он начинается с murmeli:"
 SECRETS = ("access_token", "refresh_token", "email")
 NO_SECRETS = dict.fromkeys(SECRETS)
 
@@ -34,12 +32,10 @@ def address_of(session: Session) -> str:
 
 
 def values_in(address: str) -> dict[str, str]:
-    # What parse_qsl makes of a plus does not matter: in these addresses it is encoded.
     return dict(parse_qsl(address.partition("#")[2]))
 
 
 def stored(session: Session) -> dict[str, str | None]:
-    """What the secret store holds of ours."""
     def value(name: str) -> str | None:
         told = subprocess.run(["secret-tool", "lookup", "server", "Murmeli", "user", f"murmeli_{name}"],
                               env=session.environment, stdin=subprocess.DEVNULL, capture_output=True, timeout=10,
@@ -102,23 +98,8 @@ class SigningIn(JourneyTest):
         self.assertEqual(account_file(session).stat().st_mode & 0o777, 0o600)
         wait_for(lambda: stored(session) == values, "the three secrets")
 
-    def test_by_pasting_the_address(self):
-        session = self.open_session(web=[])
-        session.open_panel()
-        session.press("push button", SIGN_IN)
-        session.press("push button", "Отменить вход")
-        session.tree.wait_gone("text", FIELD)
-        session.press("push button", SIGN_IN)
-        fill(session, FIELD, "https://example.org/#access_token=x")
-        session.press("push button", PASTE)
-        session.tree.wait("status bar", REFUSED)
-        fill(session, FIELD, f"  {address_of(session)} ")
-        session.press("push button", PASTE)
-        session.tree.wait("label", ACCOUNT)
-        wait_signed_in(session)
-
     def test_an_address_that_starts_the_program_changes_nothing(self):
-        """Any web page may send one."""
+        # Any web page may send one.
         session = self.open_session(keyring=True, web=[], program=False)
         session.start_program(address_of(session))
         stays(lambda: not account_file(session).exists() and not session.screen.windows(), "nothing came of it", 0.7)

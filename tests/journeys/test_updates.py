@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import time
 
+from main_window import lines
 from session import JourneyTest, Session
 from waiting import wait_for
 
@@ -21,8 +22,7 @@ def install_updater(session: Session, script=COUNT_ITSELF) -> None:
 
 def runs(session: Session) -> int:
     """How often the updater has been started."""
-    file = session.home / RUNS
-    return len(file.read_text("utf-8").splitlines()) if file.exists() else 0
+    return len(lines(session.home / RUNS))
 
 
 def checks(session: Session) -> int:

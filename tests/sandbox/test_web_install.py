@@ -12,12 +12,12 @@ def steps(lines: list[str], kind: str) -> list[str]:
 
 
 class Installing(SandboxCase):
-    def fetch(self, web: Web, script: str = "install.sh", home=None, ui: str = "1") -> tuple[int, list[str]]:
+    def fetch(self, web: Web, script: str = "install.sh", home=None) -> tuple[int, list[str]]:
         """How the script ended, and the lines that it printed."""
         result = subprocess.run(
             ["bash", "-c", FETCHED, f"{web.ready}/app/{script}"], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT, text=True, timeout=15,
-            env=self.environment(HOME=str(home or self.home), MURMELI_SANDBOX_PACE="0", MURMELI_UI=ui))
+            env=self.environment(HOME=str(home or self.home), MURMELI_SANDBOX_PACE="0", MURMELI_UI="1"))
         return result.returncode, result.stdout.splitlines()
 
     def test_the_whole_installation(self):
@@ -41,8 +41,7 @@ class Installing(SandboxCase):
         self.assertEqual((status, lines[-1], steps(lines, "done")), (1, "@@fail|engine", STEPS[:3]))
         web.control("install", fail_at=None)
         web.control("faults", path="/app/engine/scene.py", fault="cut")
-        status, lines = self.fetch(web, ui="")
-        self.assertEqual((status, [line for line in lines if "@@" in line or "\033" in line]), (1, []))
+        self.assertEqual(self.fetch(web)[0], 1)
         self.assertFalse((self.root / "pipeline/scene.py").exists())
         web.control("faults")
         engine = Engine(self)  # one that runs already is left alone
