@@ -2,6 +2,7 @@
 """Start-up, memory, idle and opening figures of Murmeli beside a minimal Qt Quick tray program, in turn."""
 
 import ctypes
+import json
 import os
 import statistics
 import sys
@@ -15,11 +16,28 @@ sys.path.insert(0, str(ROOT / "tests" / "journeys"))
 
 from main_window import SEARCH, fill, open_meeting, sign_in, summaries, write_library  # noqa: E402
 from session import Session  # noqa: E402
-from test_report import analysis_of  # noqa: E402
-from test_updates import start_with_a_check  # noqa: E402
+from waiting import wait_for  # noqa: E402
 
 ROUNDS = int(os.environ.get("ROUNDS", "7"))
 IDLE_SECONDS = 20
+
+
+def through_setup(session: Session) -> None:
+    last_button = "Всё равно начать"
+    session.start_program("--setup")
+    session.tree.wait("push button", last_button)
+    wait_for(lambda: session.tree.focus_is_on(last_button), "the focus on the last button")
+    session.screen.key("Return")
+    session.wait_open()
+
+
+def analysed(summary: Path) -> bool:
+    """Some of the library's analyses are not what they should be."""
+    try:
+        stored = summary.with_name(summary.name.replace(".protocol.json", ".report.json")).read_text("utf-8")
+        return isinstance(json.loads(stored), dict)
+    except (OSError, ValueError):
+        return False
 
 
 class Attributes(ctypes.Structure):
@@ -120,7 +138,7 @@ def with_every_window():
                  state={"status": "recording", "since": time.time() - 60}) as session:
         write_library(session)
         sign_in(session)
-        start_with_a_check(session)  # the setup, and then the panel
+        through_setup(session)  # and then the panel
         session.press("push button", "Обновить")
         session.tree.wait("status bar", "Доступно обновление")
         session.screen.key("Escape")
@@ -128,7 +146,7 @@ def with_every_window():
         session.open_panel()
         session.press("push button", "Открыть окно")
         session.tree.wait("frame", "Встречи")
-        meeting = next(one for one in summaries(session) if one.members.get("language") == "ru" and analysis_of(one))
+        meeting = next(one for one in summaries(session) if one.members.get("language") == "ru" and analysed(one.path))
         fill(session, SEARCH, meeting.title)
         open_meeting(session, meeting.title)
         session.press("push button", "Разбор встречи")
