@@ -27,7 +27,8 @@ ToastCenter::ToastCenter(QQmlEngine& engine, Scheduler& scheduler, std::function
 
 ToastCenter::~ToastCenter()
 {
-    for (QQuickWindow* window : m_windows)
+    // Taken out first: a window that goes says that it is hidden, and would be looked for.
+    for (QQuickWindow* window : std::exchange(m_windows, {}))
         delete window;
 }
 

@@ -36,7 +36,6 @@ SettingsModel::SettingsModel(const Ground& ground, QObject* parent)
     connect(&ground.state, &AppState::statusRead, this, &SettingsModel::refresh);
     connect(&ground.state, &AppState::changed, this, &SettingsModel::touch);
     connect(&ground.updater, &Updater::changed, this, &SettingsModel::touch);
-    touch();
 }
 
 SettingsModel::~SettingsModel() = default;
@@ -56,6 +55,13 @@ void SettingsModel::opened()
 
 void SettingsModel::touch()
 {
+    m_states.clear(); // made when somebody looks
+    emit changed();
+}
+
+const QVariantMap& SettingsModel::states()
+{
+    if (!m_states.isEmpty()) return m_states;
     for (const SettingSection& section : m_sections) {
         for (const SettingRow& row : section.rows) {
             SettingState state;
@@ -73,7 +79,7 @@ void SettingsModel::touch()
             m_states[row.id] = QVariant::fromValue(state);
         }
     }
-    emit changed();
+    return m_states;
 }
 
 void SettingsModel::refresh()

@@ -51,8 +51,8 @@ public:
     Q_DISABLE_COPY_MOVE(SettingsModel)
 
     [[nodiscard]] const QList<SettingSection>& sections() const { return m_sections; }
-    [[nodiscard]] QVariantMap states() const { return m_states; }
-    [[nodiscard]] SettingState stateOf(const QString& id) const { return m_states[id].value<SettingState>(); }
+    [[nodiscard]] const QVariantMap& states();
+    [[nodiscard]] SettingState stateOf(const QString& id) { return states()[id].value<SettingState>(); }
     [[nodiscard]] bool telegramConnected() const;
     [[nodiscard]] bool hasInstructions() const { return m_instructionsSize.has_value(); }
 
@@ -62,8 +62,7 @@ public:
     /// The settings have been opened: what was said of a file that was chosen earlier is past.
     Q_INVOKABLE void opened();
 
-    /// Stores a value of the row's own type, of a number the nearest within its bounds; anything else is
-    /// refused.
+    /// Stores a preference, of a number the nearest within its bounds; nothing for an action.
     Q_INVOKABLE void set(const QString& id, const QVariant& value);
 
     /// A file dialog stands in front of `window`.
@@ -91,7 +90,7 @@ private:
 
     Ground m_ground;
     QList<SettingSection> m_sections;
-    QVariantMap m_states;
+    QVariantMap m_states; ///< empty until somebody looks
     QJsonObject m_seen;
     std::optional<qint64> m_instructionsSize;                            ///< bytes
     instructionsFile::Loaded m_loaded = instructionsFile::Loaded::Taken; ///< the file chosen last
