@@ -1,6 +1,6 @@
 #include "AccountFile.h"
 
-#include "SignInAddress.h"
+#include "Tokens.h"
 #include "base/Files.h"
 #include "base/Json.h"
 
@@ -51,7 +51,7 @@ std::optional<Session> session(const std::optional<QJsonObject>& file)
 
 bool Session::isUsable() const
 {
-    return signIn::isToken(accessToken) && (refreshToken.isEmpty() || signIn::isToken(refreshToken));
+    return tokens::isSendable(accessToken) && (refreshToken.isEmpty() || tokens::isSendable(refreshToken));
 }
 
 Chat chatIn(const QByteArray& answer)
@@ -70,7 +70,7 @@ QJsonObject content(const std::optional<QJsonObject>& file, const Session& sessi
     const auto token = [&](const QString& key, const QString& ours) {
         const QJsonValue theirs = old.value(key);
         const bool refused =
-            theirs.isString() && !theirs.toString().isEmpty() && !signIn::isToken(theirs.toString());
+            theirs.isString() && !theirs.toString().isEmpty() && !tokens::isSendable(theirs.toString());
         return tokens == Tokens::FromFile && old.contains(key) && !refused ? theirs : QJsonValue{ours};
     };
     return {{u"access_token"_s, token(u"access_token"_s, session.accessToken)},

@@ -1,6 +1,7 @@
 #include "AuthManager.h"
 
 #include "SignInAddress.h"
+#include "Tokens.h"
 #include "base/Background.h"
 #include "base/Scheduler.h"
 #include "base/Text.h"
@@ -164,7 +165,7 @@ void AuthManager::registerDevice()
 void AuthManager::syncAccount()
 {
     QObject* sync = m_sync.renew();
-    const auto accountId = signIn::subject(m_session.accessToken);
+    const auto accountId = tokens::subject(m_session.accessToken);
     if (!accountId) return;
     // A new session reaches the service at once: the answer may take a minute, and the store may be missing.
     if (m_fileIsBehind) writeFile(*accountId, {}, sync);

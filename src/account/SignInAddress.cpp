@@ -1,10 +1,7 @@
 #include "SignInAddress.h"
 
-#include "base/Json.h"
-
 #include <QStringDecoder>
 
-#include <algorithm>
 #include <cctype>
 
 using namespace Qt::StringLiterals;
@@ -51,28 +48,6 @@ std::optional<QHash<QString, QString>> values(const QString& address)
         values.insert(piece.left(equals), unescaped(piece.mid(equals + 1)));
     }
     return values;
-}
-
-bool isToken(const QString& token)
-{
-    return !token.isEmpty() && std::ranges::none_of(token, [](QChar c) {
-        return c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
-               c == QChar::ParagraphSeparator;
-    });
-}
-
-std::optional<QString> subject(const QString& token)
-{
-    const QStringList pieces = token.split(u'.', Qt::SkipEmptyParts);
-    if (pieces.size() < 2) return std::nullopt;
-    QByteArray claims = pieces[1].toUtf8();
-    claims.replace('-', '+').replace('_', '/');
-    while (claims.size() % 4 != 0)
-        claims += '=';
-    const auto decoded = QByteArray::fromBase64Encoding(claims, QByteArray::AbortOnBase64DecodingErrors);
-    if (!decoded) return std::nullopt;
-    const auto object = json::object(*decoded);
-    return object ? json::optionalText(*object, "sub"_L1) : std::nullopt;
 }
 
 } // namespace murmeli::signIn

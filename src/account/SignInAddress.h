@@ -5,7 +5,7 @@
 
 #include <optional>
 
-/// What the account site and its tokens say. Pure functions, any thread.
+/// What the account site says. Pure functions, any thread.
 namespace murmeli::signIn {
 
 /// The scheme of the address with which the account site ends a sign-in.
@@ -15,12 +15,5 @@ extern const QString scheme;
 /// that is not key=value is left out, the last of equal keys holds, and an escape that does not decode leaves
 /// its value as it stands. A plus is a plus.
 std::optional<QHash<QString, QString>> values(const QString& address);
-
-/// Whether `token` may travel in a header: not empty, and without a control character.
-bool isToken(const QString& token);
-
-/// The account identifier in an access token, the claim "sub", read without verifying; nothing when the token
-/// has none.
-std::optional<QString> subject(const QString& token);
 
 } // namespace murmeli::signIn

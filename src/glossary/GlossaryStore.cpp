@@ -1,7 +1,7 @@
 #include "GlossaryStore.h"
 
 #include "account/AuthManager.h"
-#include "account/SignInAddress.h"
+#include "account/Tokens.h"
 #include "base/Http.h"
 #include "base/Json.h"
 #include "base/Scheduler.h"
@@ -71,7 +71,7 @@ GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, Sch
 
 void GlossaryStore::followPerson()
 {
-    const auto person = signIn::subject(m_account.accessToken());
+    const auto person = tokens::subject(m_account.accessToken());
     if (!person) return; // signed out: whose words they are is known only at the next sign-in
     const auto before = std::exchange(m_person, person);
     if (before == person) return;

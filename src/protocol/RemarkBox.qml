@@ -140,11 +140,7 @@ Item {
                         anchors.fill: parent
                         radius: parent.radius
                         opacity: button.ready ? 1 : 0
-                        gradient: Gradient {
-                            orientation: Gradient.Horizontal
-                            GradientStop { position: 0; color: button.hovered ? Theme.primaryHoverFrom : Theme.primaryFrom }
-                            GradientStop { position: 1; color: button.hovered ? Theme.primaryHoverTo : Theme.primaryTo }
-                        }
+                        gradient: PrimaryGradient { hovered: button.hovered }
                         Behavior on opacity { NumberAnimation { duration: Theme.quick } }
                     }
                     FocusRing { shown: button.visualFocus; corner: parent.radius }

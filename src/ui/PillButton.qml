@@ -53,17 +53,7 @@ Button {
             anchors.fill: parent
             radius: parent.radius
             visible: root.primary
-            gradient: Gradient {
-                orientation: Gradient.Horizontal
-                GradientStop {
-                    position: 0
-                    color: root.pressed ? Theme.primaryPressedFrom : root.hovered ? Theme.primaryHoverFrom : Theme.primaryFrom
-                }
-                GradientStop {
-                    position: 1
-                    color: root.pressed ? Theme.primaryPressedTo : root.hovered ? Theme.primaryHoverTo : Theme.primaryTo
-                }
-            }
+            gradient: PrimaryGradient { hovered: root.hovered; pressed: root.pressed }
         }
         FocusRing { shown: root.visualFocus; corner: parent.radius }
     }

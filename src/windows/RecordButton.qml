@@ -45,11 +45,7 @@ Button {
         Rectangle {
             anchors.fill: parent
             radius: Theme.rCard
-            gradient: Gradient {
-                orientation: Gradient.Horizontal
-                GradientStop { position: 0; color: root.hovered ? Theme.primaryHoverFrom : Theme.primaryFrom }
-                GradientStop { position: 1; color: root.hovered ? Theme.primaryHoverTo : Theme.primaryTo }
-            }
+            gradient: PrimaryGradient { hovered: root.hovered }
         }
         Rectangle {
             anchors.fill: parent

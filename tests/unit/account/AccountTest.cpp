@@ -1,6 +1,7 @@
 #include "account/AccountFile.h"
 #include "account/AuthManager.h"
 #include "account/SignInAddress.h"
+#include "account/Tokens.h"
 #include "base/Files.h"
 #include "base/Http.h"
 #include "registeredTests.h"
@@ -98,7 +99,7 @@ private slots:
         };
         for (const auto& [name, token, subject] : cases) {
             CASE(name);
-            QCOMPARE(signIn::subject(token).value_or(QString{}), subject);
+            QCOMPARE(tokens::subject(token).value_or(QString{}), subject);
         }
     }
 
