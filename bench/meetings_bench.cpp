@@ -68,7 +68,7 @@ void row(const char* what, double figure, const char* unit, double ratio, double
 std::vector<QByteArray> summaryNames(const QByteArray& folder)
 {
     std::vector<QByteArray> names;
-    for (const QByteArray& name : files::namesIn(folder)) {
+    for (const QByteArray& name : files::namesIn(folder).value_or(QList<QByteArray>{})) {
         if (name.endsWith(summaryFile::suffix.data())) names.push_back(name);
     }
     return names;

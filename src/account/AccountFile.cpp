@@ -35,6 +35,12 @@ QString knownChat(const QJsonObject& file, const QString& accountId)
 
 } // namespace
 
+bool isOthers(const QString& token, const std::optional<QString>& accountId)
+{
+    const auto person = tokens::subject(token);
+    return person && accountId && person != accountId;
+}
+
 std::optional<QJsonObject> read(const QString& path)
 {
     const auto bytes = files::readWhole(path, sizeLimit);
@@ -67,11 +73,13 @@ QJsonObject content(const std::optional<QJsonObject>& file, const Session& sessi
                     const Chat& chat, Tokens tokens)
 {
     const QJsonObject old = file.value_or(QJsonObject{});
+    const bool others = isOthers(json::text(old, "access_token"_L1), accountId);
     const auto token = [&](const QString& key, const QString& ours) {
         const QJsonValue theirs = old.value(key);
         const bool refused =
             theirs.isString() && !theirs.toString().isEmpty() && !tokens::isSendable(theirs.toString());
-        return tokens == Tokens::FromFile && old.contains(key) && !refused ? theirs : QJsonValue{ours};
+        return tokens == Tokens::FromFile && !others && old.contains(key) && !refused ? theirs
+                                                                                      : QJsonValue{ours};
     };
     return {{u"access_token"_s, token(u"access_token"_s, session.accessToken)},
             {u"refresh_token"_s, token(u"refresh_token"_s, session.refreshToken)},

@@ -35,6 +35,9 @@ std::optional<QJsonObject> read(const QString& path);
 /// The session that the file holds; nothing without a usable one.
 std::optional<Session> session(const std::optional<QJsonObject>& file);
 
+/// Whether `token` names a person, and another one than `accountId`.
+bool isOthers(const QString& token, const std::optional<QString>& accountId);
+
 /// From the backend's list of links: the first one's chat. Anything but a list of objects is not known.
 Chat chatIn(const QByteArray& answer);
 

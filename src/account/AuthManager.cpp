@@ -3,12 +3,14 @@
 #include "SignInAddress.h"
 #include "Tokens.h"
 #include "base/Background.h"
+#include "base/Files.h"
 #include "base/Scheduler.h"
 #include "base/Text.h"
 #include "platform/Desktop.h"
 #include "platform/SecretStore.h"
 
 #include <memory>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -38,6 +40,8 @@ AuthManager::AuthManager(Place place, Backend backend, Http& http, Desktop& desk
       m_scheduler(scheduler)
 {
     m_writer.setMaxThreadCount(1);
+    // A kill while it was written leaves tokens behind.
+    std::ignore = QtConcurrent::run(&m_writer, &files::removeUnfinished, m_place.accountFile);
     m_scheduler.after(0ms, this, [this] { restore(); });
 }
 
@@ -47,9 +51,12 @@ bool AuthManager::takesAddress() const { return signingIn() && m_desktop.signsIn
 
 QString AuthManager::freshToken() const
 {
-    if (m_fileIsBehind) return m_session.accessToken;
+    const bool signedOut = m_decided && !isAuthed();
+    if (m_fileIsBehind || signedOut) return m_session.accessToken;
     const auto session = accountFile::session(accountFile::read(m_place.accountFile));
-    return session ? session->accessToken : m_session.accessToken;
+    const auto person = tokens::subject(m_session.accessToken);
+    return session && !accountFile::isOthers(session->accessToken, person) ? session->accessToken
+                                                                           : m_session.accessToken;
 }
 
 void AuthManager::restore()
@@ -157,9 +164,9 @@ void AuthManager::registerDevice()
 {
     QString name = m_desktop.computerName();
     if (name.isEmpty()) name = u"Mac"_s;
-    m_http.send(m_backend.request("POST", u"/rest/v1/rpc/register_device"_s, m_session.accessToken,
-                                  {{u"p_name"_s, name}}),
-                this, [](const HttpAnswer&) {}); // tried again at the next start
+    m_http.send(
+        m_backend.request("POST", u"/rest/v1/rpc/register_device"_s, freshToken(), {{u"p_name"_s, name}}),
+        this, [](const HttpAnswer&) {}); // tried again at the next start
 }
 
 void AuthManager::syncAccount()
@@ -169,8 +176,8 @@ void AuthManager::syncAccount()
     if (!accountId) return;
     // A new session reaches the service at once: the answer may take a minute, and the store may be missing.
     if (m_fileIsBehind) writeFile(*accountId, {}, sync);
-    m_http.send(m_backend.request("GET", u"/rest/v1/telegram_links?select=chat_id"_s, m_session.accessToken),
-                sync, [this, sync, id = *accountId](const HttpAnswer& answer) {
+    m_http.send(m_backend.request("GET", u"/rest/v1/telegram_links?select=chat_id"_s, freshToken()), sync,
+                [this, sync, id = *accountId](const HttpAnswer& answer) {
                     writeFile(id, accountFile::chatIn(answer.body), sync);
                 });
 }

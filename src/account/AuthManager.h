@@ -49,8 +49,8 @@ public:
 
     /// For requests to the backend; empty when signed out. Never for a log, an argument or an error text.
     [[nodiscard]] QString accessToken() const { return m_session.accessToken; }
-    /// The same, but as account.json has it when it has one: the service may have renewed it there. Until a
-    /// sign-in has reached the file, what stands there may be another person's.
+    /// The same, but as account.json has it when it has the same person's: the service may have renewed it
+    /// there. Until a sign-in has reached the file, what stands there is not asked; nor after signing out.
     [[nodiscard]] QString freshToken() const;
     [[nodiscard]] const Backend& backend() const { return m_backend; }
 

@@ -47,14 +47,26 @@ AppDelegate::AppDelegate(Program& program, Desktop& desktop, Scheduler& schedule
                   .titleKey = u"settings.window.title"_s,
                   .titleStays = true,
                   .size = {560, 640},
-                  .escapeCloses = true}),
+                  .escapeCloses = true,
+                  .placeFile = desktop.stateFolder() + u"/settings.ini"_s,
+                  .quit = [this] { m_program.quitQuestion.ask(); }}),
       m_update(m_engine, program.language,
                {.url = view("Update/UpdateView"),
                 .properties = {{u"updater"_s, QVariant::fromValue(&program.updater)}},
                 .titleKey = u"update.title.available"_s,
                 .size = {520, 560},
                 .resizable = false,
-                .escapeCloses = true})
+                .escapeCloses = true,
+                .placeFile = desktop.stateFolder() + u"/update.ini"_s,
+                .quit = [this] { m_program.quitQuestion.ask(); }}),
+      m_quit(m_engine, program.language,
+             {.url = view("Windows/QuitView"),
+              .properties = {{u"question"_s, QVariant::fromValue(&program.quitQuestion)},
+                             {u"record"_s, QVariant::fromValue(&program.record)}},
+              .titleKey = u"quit.title"_s,
+              .size = {560, 190},
+              .resizable = false,
+              .escapeCloses = true})
 {
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
     program.language.install(m_engine);
@@ -70,11 +82,19 @@ AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::connectTray()
 {
-    connect(&m_face, &TrayFace::trayMissing, &m_panel, &PanelHost::openOrdinary);
+    connect(&m_face, &TrayFace::trayDecided, this, [this](bool there) {
+        m_trayDecided = true;
+        if (!there) {
+            m_panel.openOrdinary();
+        } else if (m_panelWanted && !m_panel.isOpen()) {
+            m_panel.open();
+        }
+    });
     connect(&m_statusItem, &StatusItem::pressed, &m_panel, &PanelHost::toggle);
     connect(&m_statusItem, &StatusItem::openChosen, &m_panel, &PanelHost::open);
     connect(&m_statusItem, &StatusItem::settingsChosen, &m_program.panel, &PanelModel::settingsRequested);
-    connect(&m_statusItem, &StatusItem::quitChosen, &m_program, &Program::quitWanted);
+    connect(&m_statusItem, &StatusItem::windowChosen, &m_program.panel, &PanelModel::mainWindowRequested);
+    connect(&m_statusItem, &StatusItem::quitChosen, &m_program.quitQuestion, &QuitQuestion::ask);
     connect(&m_statusItem, &StatusItem::recordChosen, this, [this] {
         m_program.record.toggle();
         if (m_program.record.refused()) m_panel.open(); // a menu has no place to say so
@@ -88,7 +108,11 @@ void AppDelegate::connectWindows()
                                &PanelModel::settingsRequested, &PanelModel::updateRequested}) {
         connect(panel, request, &m_panel, &PanelHost::close);
     }
-    connect(panel, &PanelModel::mainWindowRequested, this, &AppDelegate::showMain);
+    connect(&m_program, &Program::mainWindowWanted, this, &AppDelegate::showMain);
+    connect(&m_program.quitQuestion, &QuitQuestion::asked, this, [this] {
+        m_panel.close();
+        m_quit.show();
+    });
     connect(panel, &PanelModel::settingsRequested, this, [this] {
         m_program.settings.refresh();
         m_settings.show();
@@ -98,13 +122,15 @@ void AppDelegate::connectWindows()
         m_update.show();
     });
     connect(&m_program, &Program::panelWanted, this, [this] {
-        if (!m_panel.isOpen()) m_panel.open();
+        m_panelWanted = !m_trayDecided && !m_statusItem.hasTray(); // it may come in a moment
+        if (!m_panelWanted && !m_panel.isOpen()) m_panel.open();
     });
     // A second start shows nothing by itself where the icon is there to be pressed.
     connect(&m_program, &Program::somethingWanted, this, [this] {
-        if (m_setup) {
+        if (m_statusItem.hasTray()) return;
+        if (m_setup && m_setup->isVisible()) {
             m_setup->present();
-        } else if (!m_statusItem.hasTray()) {
+        } else {
             m_panel.openOrdinary();
         }
     });
@@ -143,7 +169,8 @@ void AppDelegate::showMain()
                             .titleKey = u"meetings.title"_s,
                             .size = {980, 680},
                             .least = {760, 520},
-                            .placeFile = m_placeFile});
+                            .placeFile = m_placeFile,
+                            .quit = [this] { m_program.quitQuestion.ask(); }});
         connect(m_main.get(), &QWindow::visibleChanged, &model, &MainModel::setOnScreen);
     } else {
         m_program.main().store()->reload();
@@ -160,7 +187,8 @@ void AppDelegate::showSetup()
                                        {u"updater"_s, QVariant::fromValue(&m_program.updater)}},
                         .titleKey = u"setup.title"_s,
                         .size = {560, 720},
-                        .least = {560, 440}});
+                        .least = {560, 440},
+                        .quit = [this] { m_program.quitQuestion.ask(); }});
     m_setup->present();
 }
 
@@ -183,6 +211,7 @@ void AppDelegate::showToast(const ToastText& toast)
 {
     m_look.setCompositing(windowSystem::compositing());
     m_toasts.show(toast);
+    m_panel.raise();
 }
 
 void AppDelegate::translateQt()

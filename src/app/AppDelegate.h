@@ -50,6 +50,9 @@ private:
     PanelHost m_panel;
     OnDemandWindow m_settings;
     OnDemandWindow m_update;
+    OnDemandWindow m_quit;
+    bool m_trayDecided = false; ///< whether there is one
+    bool m_panelWanted = false; ///< before that
     std::unique_ptr<AppWindow> m_main;
     std::unique_ptr<AppWindow> m_setup;
 };

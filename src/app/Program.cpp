@@ -14,7 +14,7 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
                  const AppInfo::Addresses& addresses, QObject* parent)
     : QObject(parent),
       paths(where),
-      prefs(paths.prefsFile),
+      prefs(paths.prefsFile, outside.desktop.stateFolder() + u"/prefs.json"_s),
       language(prefs, [desktop = &outside.desktop] { return desktop->preferredLanguages(); }),
       state(paths, outside.scheduler),
       record(paths, state, outside.scheduler),
@@ -27,7 +27,7 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
                .current = AppInfo::version,
                .installation = installation},
               outside.http, outside.processes, outside.desktop, outside.scheduler,
-              [this] { return state.status(); }),
+              [this] { return !state.isRecording() && !(m_setup && m_setup->runner()->isRunning()); }),
       settings({.paths = paths,
                 .prefs = prefs,
                 .state = state,
@@ -39,6 +39,7 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
       glossary(account, outside.http, prefs, outside.scheduler),
       notifier(paths, prefs, language, outside.scheduler,
                [this](const ToastText& toast) { emit toastWanted(toast); }),
+      quitQuestion(state, record),
       m_outside(outside),
       m_addresses(addresses)
 {
@@ -62,6 +63,13 @@ void Program::connectState()
     // The panel and the settings show some of the same preferences.
     connect(&settings, &SettingsModel::stored, &panel, &PanelModel::readPreferences);
     connect(&panel, &PanelModel::preferencesChanged, &settings, &SettingsModel::refresh);
+    const auto sayWhy = [this] {
+        emit toastWanted({.title = language.t(u"prefs.unsaved"_s),
+                          .message = language.t(u"prefs.unsaved.why"_s),
+                          .symbol = u"exclamationmark.triangle"_s});
+    };
+    connect(&settings, &SettingsModel::notStored, this, sayWhy);
+    connect(&panel, &PanelModel::notStored, this, sayWhy);
 }
 
 void Program::connectPanel()
@@ -70,7 +78,9 @@ void Program::connectPanel()
             [this] { m_outside.desktop.openFolder(paths.vaultDir); });
     connect(&panel, &PanelModel::botRequested, this,
             [this] { m_outside.desktop.openUrl(QUrl{m_addresses.bot}); });
-    connect(&panel, &PanelModel::quitRequested, this, &Program::quitWanted);
+    connect(&panel, &PanelModel::quitRequested, &quitQuestion, &QuitQuestion::ask);
+    connect(&panel, &PanelModel::mainWindowRequested, this, &Program::mainWindowWanted);
+    connect(&quitQuestion, &QuitQuestion::agreed, this, &Program::quitWanted);
 }
 
 void Program::start(bool forceSetup)
@@ -84,7 +94,12 @@ void Program::start(bool forceSetup)
 void Program::told(const QString& line)
 {
     if (account.handle(line)) return;
-    if (line == "activate"_L1) emit somethingWanted();
+    if (line == wish::beSeen) emit somethingWanted();
+    if (line == wish::window) emit mainWindowWanted();
+    if (line == wish::record && !state.isRecording()) {
+        record.toggle();
+        if (record.refused()) emit panelWanted(); // to say so
+    }
 }
 
 MainModel& Program::main()

@@ -15,6 +15,7 @@
 #include "setup/Setup.h"
 #include "update/Updater.h"
 #include "windows/MainModel.h"
+#include "windows/QuitQuestion.h"
 
 #include <QObject>
 
@@ -27,6 +28,13 @@ class Http;
 class Processes;
 class Scheduler;
 class SecretStore;
+
+/// What a start of the program may ask of the one that runs, besides an address of ours.
+namespace wish {
+inline constexpr QLatin1StringView beSeen{"activate"};
+inline constexpr QLatin1StringView window{"window"};
+inline constexpr QLatin1StringView record{"record"};
+} // namespace wish
 
 /// All state objects and every connection between them, without a window: what the program is before anybody
 /// looks at it. Main thread only.
@@ -52,7 +60,7 @@ public:
     /// for it.
     void start(bool forceSetup);
 
-    /// A later start of the program handed over a line: an address of ours, or a wish to be seen.
+    /// What this start or a later one was for: an address of ours, or a wish.
     void told(const QString& line);
 
     /// What the main window shows; made with the first look at it.
@@ -74,10 +82,12 @@ public:
     SettingsModel settings;
     GlossaryStore glossary;
     Notifier notifier;
+    QuitQuestion quitQuestion;
 
 signals:
     void panelWanted();
     void somethingWanted(); ///< a later start wishes to be seen
+    void mainWindowWanted();
     void toastWanted(const murmeli::ToastText& toast);
     void setupWanted();   ///< setup() is there
     void setupEnded();    ///< its installation

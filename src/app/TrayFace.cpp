@@ -43,6 +43,7 @@ TrayFace::TrayFace(StatusItem& statusItem, const AppState& state, const RecordCo
     connect(&language, &Language::changed, this, &TrayFace::updateTexts);
     connect(&record, &RecordControl::pendingChanged, this, &TrayFace::updateTexts);
     connect(&look, &Look::changed, this, &TrayFace::updateIcon);
+    connect(&statusItem, &StatusItem::groundChanged, this, &TrayFace::updateIcon);
 }
 
 TrayFace::~TrayFace() = default;
@@ -53,7 +54,8 @@ void TrayFace::show()
     updateIcon();
     m_statusItem.show();
     m_scheduler.after(trayPatience, this, [this] {
-        if (!m_statusItem.hasTray()) emit trayMissing();
+        updateIcon(); // a tray that came meanwhile may want another ink
+        emit trayDecided(m_statusItem.hasTray());
     });
 }
 
@@ -83,7 +85,11 @@ void TrayFace::updateIcon()
         const bool processing = m_state.isProcessing();
         const QString symbol = processing ? u"gearshape.2.fill"_s : u"waveform.tray"_s;
         look.symbolName = processing ? u"murmeli-processing-symbolic"_s : u"murmeli-idle-symbolic"_s;
-        look.icon = iconOf([&](int side) { return symbols::onBar(symbol, side, m_look.dark()); });
+        const auto ground = m_statusItem.ground();
+        const bool dark =
+            ground == StatusItem::Ground::Dark || (ground != StatusItem::Ground::Light && m_look.dark());
+        const auto draw = ground == StatusItem::Ground::Unknown ? &symbols::onAnyBar : &symbols::onBar;
+        look.icon = iconOf([&](int side) { return draw(symbol, side, dark); });
     }
     m_statusItem.setLook(look);
 }
@@ -94,7 +100,7 @@ void TrayFace::updateTexts()
     m_statusItem.setMenu(
         {m_language.say(m_record.waiting() || m_record.refused() ? m_panel.line() : m_panel.title()),
          m_language.t(m_state.isRecording() ? u"tray.stop"_s : u"tray.start"_s), m_language.t(u"tray.open"_s),
-         m_language.t(u"tray.settings"_s), m_language.t(u"tray.quit"_s)});
+         m_language.t(u"tray.window"_s), m_language.t(u"tray.settings"_s), m_language.t(u"tray.quit"_s)});
 }
 
 } // namespace murmeli

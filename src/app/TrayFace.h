@@ -24,11 +24,11 @@ public:
     ~TrayFace() override;
     Q_DISABLE_COPY_MOVE(TrayFace)
 
-    /// Shows the icon at once. A desktop that has no tray two seconds later is told of by trayMissing().
+    /// Shows the icon at once. Two seconds later it says whether the desktop has a tray.
     void show();
 
 signals:
-    void trayMissing();
+    void trayDecided(bool there);
 
 private:
     void followStatus();

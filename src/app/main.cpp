@@ -17,7 +17,6 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QQuickWindow>
-#include <QStandardPaths>
 
 #include <cstdio>
 #include <cstring>
@@ -27,28 +26,36 @@ using namespace murmeli;
 
 namespace {
 
-/// A private folder that goes with the log-in session; the system makes one where none is named.
-QString runtimeFolder()
-{
-    const QString named = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    return QFileInfo{named}.isDir() ? named
-                                    : QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-}
+constexpr auto usage = R"(Usage: murmeli [OPTION | ADDRESS]
+Records meetings and keeps their protocols; an icon in the tray is the way to all of it.
+
+  --window   open the main window
+  --record   start a recording
+  --setup    open the setup
+  --version  print the version
+  --help     print this text
+)";
 
 struct Start {
     bool forceSetup = false;
-    QString address; ///< of ours, with which a browser starts us; may hold tokens
+    QString wish; ///< of whoever runs already; an address of ours may hold tokens
+    const char* printed = nullptr;
 };
 
 /// Reads the arguments and wipes an address of ours from where the system shows them to others.
 Start startOf(int argc, char** argv)
 {
+    static const QByteArray version = "Murmeli " + AppInfo::version.toUtf8() + '\n';
     Start start;
     for (int i = 1; i < argc; ++i) {
         const QString argument = QString::fromLocal8Bit(argv[i]);
         if (argument == "--setup"_L1) start.forceSetup = true;
+        if (argument == "--window"_L1) start.wish = wish::window;
+        if (argument == "--record"_L1) start.wish = wish::record;
+        if (argument == "--help"_L1) start.printed = usage;
+        if (argument == "--version"_L1) start.printed = version.constData();
         if (!argument.startsWith(signIn::scheme + u':', Qt::CaseInsensitive)) continue;
-        start.address = argument;
+        start.wish = argument;
         std::memset(argv[i], 'x', std::strlen(argv[i]));
     }
     return start;
@@ -58,17 +65,21 @@ Start startOf(int argc, char** argv)
 
 int main(int argc, char* argv[])
 {
+    const Start start = startOf(argc, argv);
+    if (start.printed) {
+        std::fputs(start.printed, stdout);
+        return 0;
+    }
     const QString home = qEnvironmentVariable("HOME");
     if (home.isEmpty() || !QFileInfo{home}.isDir()) {
         std::fputs("murmeli: there is no home folder; HOME must name one\n", stderr);
         return 1;
     }
 
-    const Start start = startOf(argc, argv);
-    SingleInstance instance{runtimeFolder()};
+    SingleInstance instance{SingleInstance::runtimeFolder()};
     if (!instance.isFirst()) {
         const QCoreApplication app{argc, argv};
-        instance.tellFirst(start.address.isEmpty() ? u"activate"_s : start.address);
+        instance.tellFirst(start.wish.isEmpty() ? QString{wish::beSeen} : start.wish);
         return 0;
     }
 
@@ -100,6 +111,7 @@ int main(int argc, char* argv[])
     const auto statusItem = makeStatusItem();
     AppDelegate delegate{program, *desktop, scheduler, look, *statusItem};
     delegate.start(start.forceSetup);
+    if (!start.wish.isEmpty()) scheduler.after({}, &program, [&] { program.told(start.wish); });
 
     // The icon stands; what follows may ask the desktop.
     const auto appearance = makeAppearance();

@@ -19,6 +19,8 @@ namespace {
 
 constexpr qint64 clockTick = 50'000'000; // nanoseconds; well above any file system's tick in use
 
+const QByteArray unfinished = ".murmeli-"; ///< between a file's name and what makes that beside it unique
+
 class Descriptor {
 public:
     // O_NONBLOCK, since opening a pipe would otherwise wait for its other end.
@@ -65,6 +67,13 @@ bool nothingElseThan(const QByteArray& path)
 
 qint64 nanoseconds(const timespec& time) { return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec; }
 
+qint64 kernelNow()
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    return nanoseconds(now);
+}
+
 Identity identityOf(const struct stat& info)
 {
 #ifdef __APPLE__
@@ -107,7 +116,7 @@ public:
     Beside(const QByteArray& target, mode_t mode) : m_target(target)
     {
         for (int tries = 0; m_fd < 0 && tries < 100; ++tries) {
-            m_name = target + '.' + QByteArray::number(QRandomGenerator::global()->generate(), 36);
+            m_name = target + unfinished + QByteArray::number(QRandomGenerator::global()->generate(), 36);
             m_fd = ::open(m_name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
             if (m_fd < 0 && errno != EEXIST) return;
         }
@@ -182,11 +191,11 @@ bool isReadable(const QString& path)
 
 Identity identity(const QString& path) { return identity(encoded(path)); }
 
-QList<QByteArray> namesIn(const QByteArray& nativeFolder)
+std::optional<QList<QByteArray>> namesIn(const QByteArray& nativeFolder)
 {
     QList<QByteArray> names;
     DIR* folder = ::opendir(nativeFolder.constData());
-    if (!folder) return names;
+    if (!folder) return std::nullopt;
     while (const dirent* entry = ::readdir(folder)) {
         if (qstrcmp(entry->d_name, ".") != 0 && qstrcmp(entry->d_name, "..") != 0)
             names.append(entry->d_name);
@@ -201,12 +210,9 @@ Identity identity(const QByteArray& nativePath)
     return info ? identityOf(*info) : Identity{};
 }
 
-qint64 nsSinceChange(const Identity& identity)
-{
-    timespec now{};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    return nanoseconds(now) - identity.changedNs;
-}
+qint64 nsSinceChange(const Identity& identity) { return kernelNow() - identity.changedNs; }
+
+qint64 nsSinceWritten(const Identity& identity) { return kernelNow() - identity.modifiedNs; }
 
 bool isSettled(const Identity& identity) { return std::abs(nsSinceChange(identity)) > clockTick; }
 
@@ -252,6 +258,16 @@ Written writePrivate(const QString& path, const QByteArray& bytes, const std::fu
     if (!file.write(bytes, Durable::Yes)) return Written::Failed;
     if (stillWanted && !stillWanted()) return Written::Overtaken;
     return file.moveOver() ? Written::Yes : Written::Failed;
+}
+
+void removeUnfinished(const QString& path)
+{
+    const QByteArray target = encoded(path);
+    const qsizetype slash = target.lastIndexOf('/') + 1;
+    const QByteArray folder = target.left(slash);
+    for (const QByteArray& name : namesIn(folder).value_or(QList<QByteArray>{})) {
+        if (name.startsWith(target.sliced(slash) + unfinished)) ::unlink((folder + name).constData());
+    }
 }
 
 bool isPrivate(const QString& path)

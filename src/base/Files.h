@@ -33,12 +33,14 @@ Identity identity(const QString& path);
 Identity identity(const QByteArray& nativePath); ///< as the file system spells it
 
 /// The names in a folder as the file system spells and orders them, without those of the folder itself and of
-/// the one above; empty when it cannot be listed.
-QList<QByteArray> namesIn(const QByteArray& nativeFolder);
+/// the one above; nothing when it cannot be listed.
+std::optional<QList<QByteArray>> namesIn(const QByteArray& nativeFolder);
 
 /// How long ago the file was changed, by the clock that file systems stamp with, which nobody can hand in;
 /// negative when that clock was set back meanwhile.
 qint64 nsSinceChange(const Identity& identity);
+/// The same of its content alone, as whoever wrote it may have set it.
+qint64 nsSinceWritten(const Identity& identity);
 
 /// Whether an equal identity means equal content. File systems tell time in ticks, so a file changed a moment
 /// ago may change again without a trace.
@@ -69,6 +71,9 @@ enum class Written { Yes, Overtaken, Failed };
 /// only if `stillWanted`, asked when all but the move is done, agrees; otherwise it is overtaken.
 [[nodiscard]] Written writePrivate(const QString& path, const QByteArray& bytes,
                                    const std::function<bool()>& stillWanted = {});
+
+/// Removes what a kill left of earlier writes to `path` that were not in place.
+void removeUnfinished(const QString& path);
 
 /// Whether a regular file stands at `path` that nobody but its owner may read or write.
 bool isPrivate(const QString& path);

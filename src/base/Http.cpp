@@ -36,6 +36,15 @@ public:
     Q_DISABLE_COPY_MOVE(Exchange)
 
 private:
+    /// Whether the connection broke off, also behind a status that is an error of its own.
+    [[nodiscard]] bool broke(QNetworkReply::NetworkError error) const
+    {
+        if (error > QNetworkReply::NoError && error <= QNetworkReply::UnknownNetworkError) return true;
+        const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
+        return length.isValid() && !m_reply->hasRawHeader("Content-Encoding") &&
+               m_answer.body.size() < length.toLongLong();
+    }
+
     void take()
     {
         m_answer.body += m_reply->readAll();
@@ -63,12 +72,12 @@ private:
                 error == QNetworkReply::TooManyRedirectsError ||
                 (m_answer.status >= 300 && m_answer.status < 400)) {
                 m_answer.failure = HttpAnswer::Failure::Redirect;
-            } else if (m_answer.failure == HttpAnswer::Failure::None && error != QNetworkReply::NoError &&
-                       m_answer.status < 400) {
+            } else if (m_answer.failure == HttpAnswer::Failure::None &&
+                       (broke(error) || (m_answer.status < 400 && error != QNetworkReply::NoError))) {
                 m_answer.failure = HttpAnswer::Failure::Transport;
             }
             if (m_answer.failure == HttpAnswer::Failure::Transport)
-                m_answer.errorText = error == QNetworkReply::ContentReSendError
+                m_answer.errorText = error == QNetworkReply::ContentReSendError || m_answer.status >= 400
                                          ? QCoreApplication::translate("QHttp", "Connection closed")
                                          : m_reply->errorString();
             // What came before the break may look like a whole answer.

@@ -45,7 +45,7 @@ Column {
     Item {
         width: parent.width
         height: title.height + Theme.gapRow
-        Label {
+        SelectableText {
             id: title
             y: Theme.gapRow
             width: Math.min(implicitWidth, parent.width - (pill.visible ? pill.width + Theme.padPanel : 0))
@@ -55,7 +55,8 @@ Column {
         }
         Pill {
             id: pill
-            anchors { left: title.right; leftMargin: Theme.padPanel; verticalCenter: title.verticalCenter }
+            anchors { left: title.right; leftMargin: Theme.padPanel }
+            y: title.y + (Theme.display.line - height) / 2
             visible: root.detail.edited
             symbol: "pencil"
             text: L.t("editor.badge")

@@ -30,6 +30,7 @@ Item {
             root.closed();
             return;
         }
+        root.detail.closeReport();
         root.analysing = false;
         header.focusAnalysis();
     }
@@ -69,35 +70,55 @@ Item {
             id: list
 
             property bool begun: false // the protocol has come, and is shown from its beginning
+            property bool atTop: true
+
+            function step(by: int): void {
+                if (by < 0 && currentIndex <= 0) positionViewAtBeginning(); // the summary has no stop of its own
+                currentIndex = Math.max(0, Math.min(count - 1, currentIndex + by));
+                if (currentIndex > 0) positionViewAtIndex(currentIndex, ListView.Contain);
+            }
 
             anchors { left: parent.left; right: parent.right; top: header.bottom; bottom: remark.top }
             clip: true
             reuseItems: false
             bottomMargin: 36
             boundsBehavior: Flickable.StopAtBounds
-            currentIndex: -1 // the keyboard scrolls the whole, no item has it
+            currentIndex: -1
+            highlightFollowsCurrentItem: false
+            keyNavigationEnabled: false
             activeFocusOnTab: true
             model: root.detail.sections
             Accessible.role: Accessible.List
             Accessible.name: root.detail.title
             ScrollBar.vertical: ScrollThumb { }
-            Keys.onUpPressed: flick(0, 700)
-            Keys.onDownPressed: flick(0, -700)
+            onContentYChanged: atTop = contentY <= originY + 1
+            onOriginYChanged: if (atTop) contentY = originY // the summary has become higher
+            onActiveFocusChanged: if (activeFocus && currentIndex < 0 && count > 0) currentIndex = 0
+            Keys.onUpPressed: step(-1)
+            Keys.onDownPressed: step(1)
+            Keys.onMenuPressed: if (currentIndex >= 0) menu.openAt(currentItem, Qt.point(176, 30), currentIndex, "")
+            Keys.onPressed: event => {
+                if (event.matches(StandardKey.Copy)) {
+                    if (currentIndex >= 0) root.detail.copyItem(currentIndex);
+                    event.accepted = true;
+                } else {
+                    event.accepted = ScrollKeys.take(list, event);
+                }
+            }
             // Bound as a whole, the file could not have its loader below.
             // qmllint disable unqualified
-            header: Label {
+            header: SelectableText {
                 x: Theme.padMain
                 width: Math.min(640, list.width - 2 * Theme.padMain)
                 visible: root.detail.tldr.length > 0
                 bottomPadding: visible ? 20 : 0
-                type: Theme.body
                 color: Theme.text2
-                wrapMode: Text.Wrap
                 text: root.detail.tldr
             }
             delegate: Item {
                 id: place
 
+                required property int index
                 required property string text
                 required property string titleKey
                 required property bool last
@@ -115,10 +136,38 @@ Item {
                     last: place.last
                     before: place.before
                     corrected: place.corrected
+                    current: list.activeFocus && place.index === list.currentIndex
+                    onMenuAsked: (at, selected) => menu.openAt(row, at, place.index, selected)
                 }
             }
             // qmllint enable unqualified
             FocusRing { shown: list.activeFocus; corner: Theme.rSmall; gap: -Theme.focusWidth * 2 }
+        }
+        ContextMenu {
+            id: menu
+
+            property int row: -1
+            property string selected
+
+            function openAt(item: Item, at: point, row: int, selected: string): void {
+                menu.row = row;
+                menu.selected = selected;
+                menu.popup(item, at.x, at.y);
+            }
+
+            Action {
+                text: L.t("detail.copy.selected")
+                enabled: menu.selected.length > 0
+                onTriggered: root.detail.copyText(menu.selected)
+            }
+            Action {
+                text: L.t("detail.copy.item")
+                onTriggered: root.detail.copyItem(menu.row)
+            }
+            Action {
+                text: L.t("detail.copy.all")
+                onTriggered: root.detail.copyProtocol()
+            }
         }
         Rectangle { // the protocol fades out under the remark box
             anchors { left: parent.left; right: parent.right; rightMargin: Theme.gapGroup; bottom: remark.top }
@@ -131,6 +180,7 @@ Item {
         RemarkBox {
             id: remark
             anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+            account: root.detail.account
             editor: root.detail.editor
             glossary: root.detail.glossary
             draft: root.detail.draft
@@ -152,6 +202,7 @@ Item {
         Behavior on presence { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
         onLoaded: (item as ReportPane).focusFirst()
         sourceComponent: ReportPane {
+            account: root.detail.account
             loader: root.detail.report
             meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine
             onBuildAsked: root.detail.buildReport()

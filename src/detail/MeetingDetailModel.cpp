@@ -27,16 +27,12 @@ constexpr qsizetype titleLength = 400; // code units; a title has one line
 
 } // namespace
 
-MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meeting,
-                                       std::shared_ptr<ProtocolFileMaker> files, QObject* parent)
+MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meeting, Work work,
+                                       QObject* parent)
     : QObject(parent),
       m_ground(ground),
       m_meeting(meeting),
-      m_editor({.webOrigin = ground.webOrigin,
-                .python = ground.paths.python,
-                .rebuildScript = ground.paths.rebuildScript},
-               ground.account, ground.http, ground.processes, ground.scheduler, ground.background),
-      m_files(std::move(files)),
+      m_work(std::move(work)),
       m_report({.account = ground.account,
                 .http = ground.http,
                 .language = ground.language,
@@ -57,7 +53,13 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
     connect(&ground.drafts, &Drafts::changed, this, [this](const QString& meeting) {
         if (meeting == m_meeting.id) emit draftChanged();
     });
-    connect(m_files.get(), &ProtocolFileMaker::shared, this, &MeetingDetailModel::built);
+    connect(m_work.files.get(), &ProtocolFileMaker::shared, this, &MeetingDetailModel::built);
+    connect(m_work.editor.get(), &ProtocolEditor::fixed, this, [this] {
+        const ProtocolEditor& editor = *m_work.editor;
+        m_edited = true;
+        load(Correction{editor.section(), editor.index(),
+                        m_sections.textOf(editor.section(), editor.index())});
+    });
 }
 
 MeetingDetailModel::~MeetingDetailModel() = default;
@@ -77,11 +79,15 @@ void MeetingDetailModel::load(const std::optional<Correction>& correction)
     const auto read = [meeting = m_meeting, known = m_file, protocol = m_protocol,
                        protocols = m_ground.store.protocols()] {
         Content content;
+        const auto find = [&] {
+            const auto found = protocols->find(meeting);
+            return found && QFileInfo::exists(*found) ? found : std::nullopt; // it may have gone meanwhile
+        };
         const QByteArray path = QFile::encodeName(meeting.jsonPath);
         content.changed = files::identity(path) != known;
         if (!content.changed) {
             // The service may write the protocol later than its summary.
-            content.protocol = protocol ? protocol : protocols->find(meeting);
+            content.protocol = protocol && QFileInfo::exists(*protocol) ? protocol : find();
             return content;
         }
         files::Identity file;
@@ -92,7 +98,7 @@ void MeetingDetailModel::load(const std::optional<Correction>& correction)
             content.sections = protocolItems::sections(*summary);
             content.edited = protocolItems::isEdited(*summary);
         }
-        content.protocol = protocols->find(meeting);
+        content.protocol = find();
         return content;
     };
     inBackground(this, read, [this, correction](const Content& content) { take(content, correction); });
@@ -109,7 +115,8 @@ void MeetingDetailModel::take(const Content& content, const std::optional<Correc
         m_file = content.file;
         m_loaded = true;
     }
-    m_protocol = content.protocol;
+    const bool moved = std::exchange(m_protocol, content.protocol) != content.protocol;
+    if (m_analysing && (content.changed || moved)) m_report.follow(m_meeting);
     emit changed(); // and the day may have
     if (correction)
         emit corrected(m_sections.markCorrected(correction->section, correction->index, correction->before));
@@ -118,17 +125,7 @@ void MeetingDetailModel::take(const Content& content, const std::optional<Correc
 void MeetingDetailModel::sendRemark()
 {
     const QString remark = draft();
-    if (text::trimmed(remark).isEmpty() || m_editor.outcome() == ProtocolEditor::Outcome::Working) return;
-    const auto done = [this](bool fixed) {
-        if (!fixed) return;
-        m_edited = true;
-        load(Correction{m_editor.section(), m_editor.index(),
-                        m_sections.textOf(m_editor.section(), m_editor.index())});
-    };
-    const auto carriedOut = [drafts = &m_ground.drafts, id = m_meeting.id, remark] {
-        drafts->carryOut(id, remark);
-    };
-    m_editor.apply(remark, m_meeting, done, carriedOut);
+    if (!text::trimmed(remark).isEmpty()) m_work.editor->apply(remark, m_meeting);
 }
 
 void MeetingDetailModel::save(QWindow* window)
@@ -140,10 +137,10 @@ void MeetingDetailModel::save(QWindow* window)
                                      .kind = u"PDF (*.pdf)"_s,
                                      .suffix = u"pdf"_s},
                                     window, this,
-                                    [this](const QString& path) { m_files->save(m_meeting, path); });
+                                    [this](const QString& path) { m_work.files->save(m_meeting, path); });
 }
 
-void MeetingDetailModel::share() { m_files->share(m_meeting); }
+void MeetingDetailModel::share() { m_work.files->share(m_meeting); }
 
 void MeetingDetailModel::offer(const QString& path, QWindow* window, const QPointF& at)
 {
@@ -158,7 +155,26 @@ void MeetingDetailModel::reveal()
     if (m_protocol) m_ground.desktop.reveal(*m_protocol, m_ground.paths.vaultDir);
 }
 
-void MeetingDetailModel::openReport() { m_report.load(m_meeting); }
+void MeetingDetailModel::copyItem(int row) { copyText(m_sections.text(row)); }
+
+void MeetingDetailModel::copyProtocol()
+{
+    QStringList parts{title() + u'\n' + dateLine()};
+    if (!m_meeting.tldr.isEmpty()) parts.append(m_meeting.tldr);
+    parts.append(m_sections.words(m_ground.language.current()));
+    copyText(parts.join(u"\n\n"_s));
+}
+
+void MeetingDetailModel::copyText(const QString& text)
+{
+    if (!text.isEmpty()) m_ground.desktop.copyText(text);
+}
+
+void MeetingDetailModel::openReport()
+{
+    m_analysing = true;
+    m_report.load(m_meeting);
+}
 
 void MeetingDetailModel::buildReport() { m_report.build(m_meeting); }
 

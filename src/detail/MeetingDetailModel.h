@@ -1,5 +1,6 @@
 #pragma once
 
+#include "account/AuthManager.h"
 #include "base/Files.h"
 #include "glossary/GlossaryStore.h"
 #include "meetings/Meeting.h"
@@ -35,6 +36,7 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(QString draft READ draft WRITE setDraft NOTIFY draftChanged FINAL) ///< of a remark
     Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
+    Q_PROPERTY(murmeli::AuthManager* account READ account CONSTANT FINAL)
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::ReportLoader* report READ report CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolFileMaker* files READ files CONSTANT FINAL)
@@ -46,18 +48,21 @@ public:
         MeetingStore& store;
         GlossaryStore& glossary;
         Drafts& drafts;
-        const AuthManager& account;
+        AuthManager& account;
         Http& http;
         Processes& processes;
         Desktop& desktop;
         const Language& language;
         const Scheduler& scheduler;
         QString webOrigin;
-        QObject& background; ///< for as long as it lives, what was begun is carried out
+    };
+    /// What goes on when the meeting is left, and is found again when it comes back.
+    struct Work {
+        std::shared_ptr<ProtocolEditor> editor;
+        std::shared_ptr<ProtocolFileMaker> files;
     };
 
-    MeetingDetailModel(const Ground& ground, const Meeting& meeting, std::shared_ptr<ProtocolFileMaker> files,
-                       QObject* parent = nullptr);
+    MeetingDetailModel(const Ground& ground, const Meeting& meeting, Work work, QObject* parent = nullptr);
     ~MeetingDetailModel() override;
     Q_DISABLE_COPY_MOVE(MeetingDetailModel)
 
@@ -71,10 +76,11 @@ public:
     [[nodiscard]] QString draft() const { return m_ground.drafts.of(m_meeting.id); }
     void setDraft(const QString& draft) { m_ground.drafts.set(m_meeting.id, draft); }
     [[nodiscard]] SectionListModel* sections() { return &m_sections; }
-    [[nodiscard]] ProtocolEditor* editor() { return &m_editor; }
+    [[nodiscard]] ProtocolEditor* editor() { return m_work.editor.get(); }
+    [[nodiscard]] AuthManager* account() { return &m_ground.account; }
     [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] ReportLoader* report() { return &m_report; }
-    [[nodiscard]] ProtocolFileMaker* files() { return m_files.get(); }
+    [[nodiscard]] ProtocolFileMaker* files() { return m_work.files.get(); }
 
     /// Sends the draft. Nothing when it is empty or a remark is on its way.
     Q_INVOKABLE void sendRemark();
@@ -90,8 +96,14 @@ public:
 
     Q_INVOKABLE void reveal();
 
-    /// Reads the analysis that is stored.
+    /// Puts an item of the protocol, all of it, or a part that was selected on the clipboard.
+    Q_INVOKABLE void copyItem(int row);
+    Q_INVOKABLE void copyProtocol();
+    Q_INVOKABLE void copyText(const QString& text);
+
+    /// Reads the analysis that is stored, and again with every change of the meeting until it is closed.
     Q_INVOKABLE void openReport();
+    Q_INVOKABLE void closeReport() { m_analysing = false; }
     /// Asks for an analysis.
     Q_INVOKABLE void buildReport();
 
@@ -123,10 +135,10 @@ private:
     Meeting m_meeting;
     std::optional<files::Identity> m_file; ///< which state of the summary file is shown
     SectionListModel m_sections{nullptr};
-    ProtocolEditor m_editor;
-    std::shared_ptr<ProtocolFileMaker> m_files;
+    Work m_work;
     ReportLoader m_report;
     std::optional<QString> m_protocol;
+    bool m_analysing = false; ///< the analysis is open
     bool m_edited = false;
     bool m_loaded = false;
 };

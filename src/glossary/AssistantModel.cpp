@@ -12,6 +12,8 @@ AssistantModel::AssistantModel(GlossaryStore& store, QObject* parent)
 {
     filter();
     connect(&store, &GlossaryStore::entriesChanged, this, &AssistantModel::follow);
+    // A working copy is its writer's own.
+    connect(&store, &GlossaryStore::personChanged, this, &AssistantModel::revert);
 }
 
 void AssistantModel::follow()
@@ -63,7 +65,8 @@ bool AssistantModel::add(const QString& heard, const QString& correct)
 {
     if (text::trimmed(correct).isEmpty()) return false;
     // As it will be read again: a term that is written with an arrow is a rule.
-    const auto entry = glossaryText::parse(GlossaryEntry{heard, correct}.line()).value_or(GlossaryEntry{});
+    const auto entry =
+        glossaryText::parse(text::oneLine(GlossaryEntry{heard, correct}.line())).value_or(GlossaryEntry{});
     const bool shown = matches(entry);
     if (shown) beginInsertRows({}, 0, 0);
     m_draft.prepend(entry);

@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Controls.Basic
+import Murmeli.Account
 import Murmeli.Glossary
 import Murmeli.Localisation
 import Murmeli.Meetings
@@ -11,6 +12,7 @@ import Murmeli.Ui
 Item {
     id: root
 
+    required property AuthManager account
     required property AssistantModel model
     required property GlossaryStore store
     readonly property bool savedOnce: !isNaN(store.savedAt.getTime())
@@ -127,6 +129,7 @@ Item {
                 ListView.onReused: visible = true
                 current: list.activeFocus && index === list.currentIndex
                 onRemoved: root.model.removeAt(index)
+                onActiveFocusChanged: if (activeFocus) list.currentIndex = index // a screen reader may give it to any
                 Rectangle {
                     width: parent.width
                     height: Theme.hair
@@ -141,14 +144,19 @@ Item {
     EmptyPane {
         anchors.horizontalCenter: parent.horizontalCenter
         y: (adding.y + adding.height + footer.y - height) / 2
-        visible: list.count === 0
+        visible: list.count === 0 && (root.store.known || root.model.total > 0)
         symbol: "brain"
         text: root.model.total === 0 ? L.t("assistant.empty") : L.t("meetings.nothing_found")
+        SignInLink {
+            anchors.horizontalCenter: parent.horizontalCenter
+            visible: !account.isAuthed && root.model.total === 0
+            account: root.account
+        }
     }
     Rectangle {
         id: footer
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
-        height: 58
+        height: Math.max(58, news.height + 16)
         color: Theme.clear
 
         Rectangle {
@@ -162,6 +170,7 @@ Item {
             anchors { right: actions.left; rightMargin: Theme.padCard }
             spacing: Theme.gapRow
             Label {
+                anchors.verticalCenter: parent.verticalCenter
                 type: Theme.sub
                 color: Theme.text3
                 text: L.t("assistant.count", root.model.total)
@@ -177,22 +186,30 @@ Item {
                 name: !root.store.syncError.empty ? "exclamationmark.triangle" : "checkmark.circle.fill"
                 ink: !root.store.syncError.empty ? Theme.inkRed : Theme.inkGreen
             }
-            Label {
-                id: status
-                width: Math.min(implicitWidth, news.width - x)
-                maximumLineCount: 2
-                wrapMode: Text.Wrap
-                elide: Text.ElideRight
-                type: Theme.sub
-                color: !root.store.syncError.empty ? Theme.inkRed : Theme.text2
-                text: root.store.loading ? L.t("assistant.loading") : !root.store.syncError.empty ? L.say(root.store.syncError)
-                    : root.savedOnce && !root.model.dirty ? L.t("assistant.saved") : ""
-                Accessible.role: Accessible.StatusBar
+            Column {
+                anchors.verticalCenter: parent.verticalCenter
+                Label {
+                    id: status
+                    width: Math.min(implicitWidth, news.width - parent.x)
+                    maximumLineCount: 2
+                    wrapMode: Text.Wrap
+                    elide: Text.ElideRight
+                    type: Theme.sub
+                    color: !root.store.syncError.empty ? Theme.inkRed : Theme.text2
+                    text: root.store.loading ? L.t("assistant.loading") : !root.store.syncError.empty ? L.say(root.store.syncError)
+                        : root.savedOnce && !root.model.dirty ? L.t("assistant.saved") : ""
+                    Accessible.role: Accessible.StatusBar
 
-                HoverHandler { id: over }
-                HelpTip {
-                    visible: over.hovered && status.truncated
-                    text: status.text
+                    HoverHandler { id: over }
+                    HelpTip {
+                        visible: over.hovered && status.truncated
+                        text: status.text
+                    }
+                }
+                SignInLink {
+                    x: -leftPadding
+                    visible: !account.isAuthed && !root.store.syncError.empty
+                    account: root.account
                 }
             }
         }

@@ -19,6 +19,8 @@ namespace murmeli {
 
 namespace {
 
+constexpr qint64 mostWords = 8 * 1024 * 1024; // bytes of an answer; 20 000 rules have about one and a half
+
 const QString copyKey = QString::fromLatin1(pref::glossary.name);
 const QString baseKey = QString::fromLatin1(pref::glossaryBase.name);
 const QString personKey = QString::fromLatin1(pref::glossaryPerson.name);
@@ -89,6 +91,7 @@ void GlossaryStore::followPerson()
     m_unsent = !own.isEmpty();
     m_savedAt = {};
     m_syncError = {};
+    emit personChanged();
     setEntries(text);
     // In one write, so that no interruption gives one person's words to another.
     m_prefs.set({{othersKey, others},
@@ -115,13 +118,16 @@ void GlossaryStore::keepCopy(const QString& text, bool sent)
     m_prefs.set(members);
 }
 
+bool GlossaryStore::known() const { return m_loaded || !m_account.isAuthed(); }
+
 void GlossaryStore::reload()
 {
     const QString token = m_account.freshToken();
     if (token.isEmpty() || m_load) return;
     QObject* load = m_load.renew();
     emit changed();
-    const auto request = m_account.backend().request("GET", u"/rest/v1/profiles?select=glossary"_s, token);
+    auto request = m_account.backend().request("GET", u"/rest/v1/profiles?select=glossary"_s, token);
+    request.answerLimit = mostWords;
     m_http.send(request, load, [this](const HttpAnswer& answer) {
         m_load.end();
         loaded(answer);
@@ -201,10 +207,12 @@ void GlossaryStore::finish(bool saved)
 
 QString GlossaryStore::learn(const QString& heard, const QString& correct)
 {
-    const auto entries = glossaryText::learned(m_entries, heard, correct);
+    // A line break would make two rules of it.
+    const GlossaryEntry entry{text::trimmed(text::oneLine(heard)), text::trimmed(text::oneLine(correct))};
+    const auto entries = glossaryText::learned(m_entries, entry.heard, entry.correct);
     if (!entries) return {};
     save(*entries);
-    return GlossaryEntry{text::trimmed(heard), text::trimmed(correct)}.line();
+    return entry.line();
 }
 
 } // namespace murmeli

@@ -28,6 +28,7 @@ class GlossaryStore final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("made once and handed to each view")
     Q_PROPERTY(bool loading READ loading NOTIFY changed FINAL)
+    Q_PROPERTY(bool known READ known NOTIFY changed FINAL) ///< nothing here means that there is nothing
     Q_PROPERTY(murmeli::Message syncError READ syncError NOTIFY changed FINAL) ///< empty when all is well
     Q_PROPERTY(QDateTime savedAt READ savedAt NOTIFY changed FINAL) ///< invalid until a save succeeds
 
@@ -39,6 +40,7 @@ public:
                   QObject* parent = nullptr);
 
     [[nodiscard]] const QList<GlossaryEntry>& entries() const { return m_entries; }
+    [[nodiscard]] bool known() const;
     [[nodiscard]] bool loading() const { return bool(m_load); }
     [[nodiscard]] Message syncError() const { return m_syncError; }
     [[nodiscard]] QDateTime savedAt() const { return m_savedAt; }
@@ -54,6 +56,7 @@ public:
 
 signals:
     void changed();
+    void personChanged(); ///< what stands here from now on is another's
     void entriesChanged();
 
 private:

@@ -59,7 +59,7 @@ Rectangle {
             width: parent.width
             visible: text.length > 0
             type: Theme.sub
-            color: Theme.text3
+            color: root.summaryHit.x >= 0 ? Theme.text1 : Theme.text3 // readable on its mark
             text: root.summary
             hit: root.summaryHit
             Accessible.ignored: true

@@ -36,7 +36,8 @@ void MeetingScanner::look(Look& look) const
     }
     known.identity = identity;
     known.settled = files::isSettled(identity);
-    if (!meeting && known.listed && identity.size >= 0 && files::nsSinceChange(identity) < writingTime) {
+    if (!meeting && known.listed && identity.size >= 0 &&
+        std::abs(files::nsSinceChange(identity)) < writingTime) {
         known.settled = false; // being written: what was known stays until the writer has come to its end
         look.restless = true;
         return;
@@ -51,7 +52,7 @@ MeetingScanner::Result MeetingScanner::scan()
     Result result;
     result.changed = m_scan++ == 0;
     std::vector<Look> looks;
-    for (const QByteArray& name : files::namesIn(m_folder)) {
+    for (const QByteArray& name : files::namesIn(m_folder).value_or(QList<QByteArray>{})) {
         if (!name.endsWith(summaryFile::suffix.data())) continue;
         Known& known = m_known[name.toStdString()];
         known.seen = m_scan;

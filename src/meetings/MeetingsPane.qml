@@ -69,7 +69,11 @@ Item {
         Keys.onPressed: event => {
             if (event.key === Qt.Key_Home) currentIndex = 0;
             else if (event.key === Qt.Key_End) currentIndex = count - 1;
-            else return;
+            else if (event.key === Qt.Key_PageDown || event.key === Qt.Key_PageUp) {
+                ScrollKeys.take(list, event);
+                const at = list.indexAt(0, list.contentY + (event.key === Qt.Key_PageUp ? 40 : list.height - 40));
+                if (at >= 0) currentIndex = at;
+            } else if (!ScrollKeys.take(list, event)) return;
             event.accepted = true;
         }
         onActiveFocusChanged: if (activeFocus && !root.beginning && currentIndex < 0 && count > 0) currentIndex = 0

@@ -20,11 +20,11 @@ std::optional<QString> ProtocolFinder::byTitle(const QString& title)
     if (wanted.isEmpty()) return std::nullopt;
     const QMutexLocker lock{&m_mutex};
     if (!m_names) {
-        if (!QFileInfo{m_folder}.isDir()) return std::nullopt;
-        QStringList names;
-        for (const QByteArray& name : files::namesIn(QFile::encodeName(m_folder)))
-            names.append(QFile::decodeName(name));
-        m_names = names;
+        const auto listed = files::namesIn(QFile::encodeName(m_folder));
+        if (!listed) return std::nullopt;
+        m_names.emplace();
+        for (const QByteArray& name : *listed)
+            m_names->append(QFile::decodeName(name));
     }
     for (const QString& name : *m_names) {
         if (name.toLower().contains(wanted)) return m_folder + u'/' + name;

@@ -25,23 +25,34 @@ struct Said {
     std::optional<QString> startedAt;
 };
 
+/// Of members with one name the last counts, as everywhere else. \return false when it is of another type.
+template <typename Value>
+bool take(const dom::object& object, std::string_view key, Value& value)
+{
+    std::optional<dom::element> found;
+    for (const dom::key_value_pair& pair : object) {
+        if (pair.key == key) found = pair.value;
+    }
+    return found && found->get(value) == simdjson::SUCCESS;
+}
+
 std::optional<QString> text(const dom::object& object, std::string_view key)
 {
     std::string_view value;
-    if (object.at_key(key).get(value) != simdjson::SUCCESS) return std::nullopt;
+    if (!take(object, key, value)) return std::nullopt;
     return QString::fromUtf8(value.data(), qsizetype(value.size()));
 }
 
 std::optional<double> number(const dom::object& object, std::string_view key)
 {
     double value = 0;
-    return object.at_key(key).get(value) == simdjson::SUCCESS ? std::optional{value} : std::nullopt;
+    return take(object, key, value) ? std::optional{value} : std::nullopt;
 }
 
 Said readFast(const dom::object& summary)
 {
     Said said{.title = text(summary, "title"), .tldr = text(summary, "tldr")};
-    if (dom::object meta; summary.at_key("_meta").get(meta) == simdjson::SUCCESS) {
+    if (dom::object meta; take(summary, "_meta", meta)) {
         said.durationMin = number(meta, "duration_min");
         said.protocol = text(meta, "protocol_md");
         said.startedAt = text(meta, "started_at");
@@ -61,8 +72,8 @@ std::optional<Said> read(const QByteArray& bytes)
     const qsizetype begin = json::markLength(bytes);
     const auto error = parser.parse(bytes.constData() + begin, size_t(bytes.size() - begin)).get(summary);
     if (error == simdjson::SUCCESS) return readFast(summary);
-    if (error != simdjson::NUMBER_ERROR) return std::nullopt;
-    // A number of more than 64 bits is none to the fast parser, but JSON all the same.
+    // Some that is none to the fast parser is JSON to the one that decides elsewhere: a number of more than
+    // 64 bits, half a pair of surrogates, a control character.
     const auto object = json::object(bytes);
     if (!object) return std::nullopt;
     const QJsonObject meta = object->value("_meta"_L1).toObject();

@@ -64,30 +64,42 @@ ColumnLayout {
         }
         Rectangle {
             Layout.fillWidth: true
-            visible: root.account.isAuthed
+            visible: whose.visible
             implicitHeight: Theme.hair
             color: Theme.line
         }
         RowLayout {
+            id: whose
             Layout.fillWidth: true
             Layout.leftMargin: Theme.padPanel
             Layout.rightMargin: Theme.gapSmall
-            Layout.preferredHeight: 56
-            visible: root.account.isAuthed
+            Layout.preferredHeight: root.account.isAuthed ? Math.max(56, lines.implicitHeight + 16) : 36
+            visible: root.account.isAuthed || root.appState.telegramConnected
             spacing: 10
             Symbol {
                 Layout.preferredWidth: 18
                 Layout.preferredHeight: 18
+                visible: root.account.isAuthed
                 size: 18
                 name: "person.crop.circle"
                 ink: Theme.text2
             }
             ColumnLayout {
+                id: lines
                 Layout.fillWidth: true
                 spacing: 0
                 Label {
                     Layout.fillWidth: true
+                    visible: root.account.isAuthed
                     text: L.t("panel.account")
+                }
+                Label {
+                    Layout.fillWidth: true
+                    visible: root.account.email.length > 0
+                    type: Theme.caption
+                    color: Theme.text2
+                    elide: Text.ElideMiddle
+                    text: root.account.email
                 }
                 RowLayout {
                     visible: root.appState.telegramConnected
@@ -107,6 +119,7 @@ ColumnLayout {
                 }
             }
             IconButton {
+                visible: root.account.isAuthed
                 symbol: "rectangle.portrait.and.arrow.right"
                 help: L.t("panel.sign_out")
                 onClicked: root.account.logout()

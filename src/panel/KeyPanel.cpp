@@ -6,6 +6,7 @@
 #include "platform/Memory.h"
 #include "platform/WindowSystem.h"
 #include "ui/FocusKeeper.h"
+#include "ui/SymbolImage.h"
 #include "update/Updater.h"
 
 #include <QGuiApplication>
@@ -29,13 +30,14 @@ constexpr int frameHeight = 48; // about what a desktop puts around a window, kn
 } // namespace
 
 KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
-    : QQuickView(&engine, nullptr), m_kind(kind)
+    : QQuickView(&engine, nullptr), m_panel(parts.panel), m_kind(kind)
 {
     const bool floating = kind == Kind::Floating;
     if (floating) {
         setFlags(floatingFlags);
         setColor(Qt::transparent);
     }
+    if (!floating) setIcon(symbols::program());
     new FocusKeeper{this};
     setTitle(u"Murmeli"_s);
     setResizeMode(QQuickView::SizeRootObjectToView);
@@ -76,10 +78,11 @@ void KeyPanel::fitScreen()
     resize(size);
 }
 
-void KeyPanel::openAt(const QRect& place, const QRect& icon)
+void KeyPanel::openAt(const QRect& place, const QRect& icon, bool above)
 {
-    const QObject* root = rootObject();
+    QObject* root = rootObject();
     if (!root) return;
+    root->setProperty("above", above);
     const int side = root->property("sideMargin").toInt();
     const int top = root->property("topMargin").toInt();
     const int bottom = root->property("bottomMargin").toInt();
@@ -129,7 +132,11 @@ void KeyPanel::hideEvent(QHideEvent* event)
 void KeyPanel::keyPressEvent(QKeyEvent* event)
 {
     QQuickView::keyPressEvent(event);
-    if (m_kind == Kind::Floating && !event->isAccepted() && event->key() == Qt::Key_Escape) closePanel();
+    if (event->isAccepted()) return;
+    const bool closes = event->key() == Qt::Key_Escape || event->matches(QKeySequence::Close);
+    if (m_kind == Kind::Floating && closes) closePanel();
+    if (m_kind == Kind::Ordinary && event->matches(QKeySequence::Close)) close();
+    if (event->matches(QKeySequence::Quit)) emit m_panel.quitRequested();
 }
 
 } // namespace murmeli

@@ -42,9 +42,9 @@ public:
     /// Without the shadow around it, in device-independent pixels.
     [[nodiscard]] QSize contentSize() const;
 
-    /// Shows the panel so that its body covers `place`, and leaves the presses on `icon` to the icon; called
-    /// again it moves the panel there.
-    void openAt(const QRect& place, const QRect& icon = {});
+    /// Shows the panel so that its body and arrow cover `place`, below or above the `icon`, to which it
+    /// leaves its presses; called again it moves the panel there.
+    void openAt(const QRect& place, const QRect& icon = {}, bool above = false);
     /// Shows it as an ordinary window, or brings it forward.
     void openOrdinary();
     void closePanel();
@@ -62,6 +62,7 @@ private:
     void fitScreen();
 
     WindowActions m_actions;
+    PanelModel& m_panel;
     Kind m_kind;
     bool m_open = false;
     std::unique_ptr<ClickOutside> m_clickOutside;

@@ -17,6 +17,7 @@ namespace murmeli {
 
 namespace {
 
+constexpr auto trayInterval = 2s;
 constexpr auto samePress = 400ms; ///< in which a press can both close the panel and reach the icon
 
 } // namespace
@@ -79,6 +80,7 @@ void PanelHost::toggle()
     const bool justClosed =
         m_scheduler.now() - m_closedFromOutside < std::chrono::duration<double>(samePress).count();
     if (m_statusItem.geometry().isEmpty() && justClosed) return;
+    if (m_window) m_window->closePanel();
     if (floating()->isOpen()) {
         close();
     } else {
@@ -114,7 +116,7 @@ void PanelHost::place()
     KeyPanel* panel = floating();
     const PanelPlacement place = placePanel(icon, screen->availableGeometry(), panel->contentSize());
     m_parts.state.setArrowX(place.arrowX);
-    panel->openAt(place.panel, icon);
+    panel->openAt(place.panel, icon, place.above);
 }
 
 void PanelHost::close()
@@ -124,8 +126,23 @@ void PanelHost::close()
 
 void PanelHost::openOrdinary()
 {
-    if (!m_window) m_window = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_parts);
+    if (!m_window) {
+        m_window = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_parts);
+        connect(m_window.get(), &QWindow::visibleChanged, this, [this](bool visible) {
+            if (!visible) m_watching.end();
+        });
+    }
     m_window->openOrdinary();
+    m_scheduler.every(trayInterval, m_watching.renew(), [this] {
+        if (!m_statusItem.hasTray()) return;
+        m_window->closePanel();
+        open(); // in its place
+    });
+}
+
+void PanelHost::raise()
+{
+    if (m_floating && m_floating->isOpen()) m_floating->raise();
 }
 
 } // namespace murmeli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KeyPanel.h"
+#include "base/Lease.h"
 
 #include <QObject>
 #include <QPoint>
@@ -30,7 +31,9 @@ public:
     void toggle(); ///< a press on the status item
     void open();
     void close();
+    /// In a window of its own, until there is a tray.
     void openOrdinary();
+    void raise(); ///< over what has come meanwhile
     [[nodiscard]] bool isOpen() const;
 
 signals:
@@ -48,8 +51,9 @@ private:
     StatusItem& m_statusItem;
     KeyPanel::Parts m_parts;
     std::unique_ptr<KeyPanel> m_floating;
-    std::unique_ptr<KeyPanel> m_window;
-    double m_closedFromOutside = 0; ///< when, in seconds since 1970
+    std::unique_ptr<KeyPanel> m_window; ///< where there is no tray
+    Lease m_watching;                   ///< for a tray, while that window is open
+    double m_closedFromOutside = 0;     ///< when, in seconds since 1970
     QPoint m_pressedAt; ///< where the pointer last pressed the icon, on desktops that keep its place to
                         ///< themselves
 };

@@ -156,14 +156,14 @@ QString PanelModel::spokenTime() const
 
 void PanelModel::setFormat(const QString& format)
 {
-    m_prefs.set(pref::protocolFormat, format);
-    if (std::exchange(m_format, format) != format) emit preferencesChanged();
+    if (!m_prefs.set(pref::protocolFormat, format)) emit notStored();
+    readPreferences();
 }
 
 void PanelModel::setAutoRecord(bool on)
 {
-    m_prefs.set(pref::autoRecord, on);
-    if (std::exchange(m_autoRecord, on) != on) emit preferencesChanged();
+    if (!m_prefs.set(pref::autoRecord, on)) emit notStored();
+    readPreferences();
 }
 
 void PanelModel::readPreferences()

@@ -75,6 +75,7 @@ public:
 signals:
     void changed();
     void preferencesChanged();
+    void notStored(); ///< a preference
     void timeChanged();
 
     // What the panel's buttons ask for.

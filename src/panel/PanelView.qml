@@ -20,9 +20,11 @@ Item {
     required property WindowActions actions
     property bool floating: true
     property bool open: false
+    property bool above: false // the status item, which then stands below
 
     // What the panel would like to be; it makes do with less.
-    readonly property size contentSize: Qt.size(Theme.panelWidth, body.y - topMargin + fullHeight)
+    readonly property size contentSize: Qt.size(Theme.panelWidth, arrowRoom + fullHeight)
+    readonly property real arrowRoom: floating ? Theme.arrowHeight - 1 : 0
     readonly property real footerGap: 2
     readonly property real fullHeight: column.implicitHeight + footerGap + footer.implicitHeight + Theme.padPanel
     readonly property int sideMargin: floating ? Theme.shadowExtent : 0
@@ -57,7 +59,7 @@ Item {
             to: "Open"
             ParallelAnimation {
                 NumberAnimation { target: sheet; property: "opacity"; from: 0; to: 1; duration: Theme.quick; easing.type: Easing.OutCubic }
-                NumberAnimation { target: sheet; property: "y"; from: -Theme.drop; to: 0; duration: Theme.quick; easing.type: Easing.OutCubic }
+                NumberAnimation { target: sheet; property: "y"; from: root.above ? Theme.drop : -Theme.drop; to: 0; duration: Theme.quick; easing.type: Easing.OutCubic }
             }
         },
         Transition {
@@ -97,9 +99,9 @@ Item {
         Rectangle {
             id: body
             x: root.sideMargin
-            y: root.topMargin + (root.floating ? Theme.arrowHeight - 1 : 0)
+            y: root.topMargin + (root.above ? 0 : root.arrowRoom)
             width: root.floating ? Theme.panelWidth : root.width
-            height: root.height > 0 ? Math.min(root.fullHeight, root.height - y - root.bottomMargin) : root.fullHeight
+            height: root.height > 0 ? Math.min(root.fullHeight, root.height - y - root.bottomMargin - (root.above ? root.arrowRoom : 0)) : root.fullHeight
             radius: root.floating && Theme.compositing ? Theme.rPanel : 0
             color: Theme.bgPanel
             border.width: root.floating ? Theme.hair : 0
@@ -282,7 +284,8 @@ Item {
         Triangle {
             visible: root.floating
             x: body.x + root.appState.arrowX - width / 2
-            y: body.y - height + 1.5
+            y: root.above ? body.y + body.height - 1.5 : body.y - height + 1.5
+            rotation: root.above ? 180 : 0
         }
     }
 }

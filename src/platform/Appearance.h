@@ -14,6 +14,7 @@ class Appearance : public QObject {
 public:
     [[nodiscard]] bool dark() const { return m_dark; }
     [[nodiscard]] bool reducedMotion() const { return m_reducedMotion; }
+    [[nodiscard]] bool highContrast() const { return m_highContrast; }
 
 signals:
     void changed();
@@ -32,9 +33,17 @@ protected:
         emit changed();
     }
 
+    void setHighContrast(bool high)
+    {
+        if (m_highContrast == high) return;
+        m_highContrast = high;
+        emit changed();
+    }
+
 private:
     bool m_dark = true;
     bool m_reducedMotion = false;
+    bool m_highContrast = false;
 };
 
 std::unique_ptr<Appearance> makeAppearance();

@@ -1,6 +1,7 @@
 #include "PanelPlacement.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace murmeli {
 
@@ -21,7 +22,7 @@ PanelPlacement placePanel(const QRect& icon, const QRect& available, const QSize
     const int wanted = content.height() > leastSeriousHeight ? content.height() : defaultHeight;
     const double middle = icon.x() + icon.width() / 2.0;
 
-    int x = int(middle - width / 2.0);
+    int x = int(std::floor(middle - width / 2.0)); // to the left also on a screen left of the main one
     x = std::max(x, available.x() + screenMargin);
     x = std::min(x, available.x() + available.width() - width - screenMargin); // the right bound wins
 
@@ -32,7 +33,7 @@ PanelPlacement placePanel(const QRect& icon, const QRect& available, const QSize
     const int height = std::min(wanted, over ? roomAbove : roomBelow);
     const int y = over ? icon.y() - gapToIcon - height : below;
     const double arrow = std::min(std::max(middle - x, arrowClearance), width - arrowClearance);
-    return {{x, y, width, height}, arrow};
+    return {{x, y, width, height}, arrow, over};
 }
 
 } // namespace murmeli

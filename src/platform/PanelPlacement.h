@@ -9,7 +9,8 @@ namespace murmeli {
 /// Where the panel stands and where its arrow points, in device-independent pixels.
 struct PanelPlacement {
     QRect panel;
-    double arrowX = 0; ///< from the panel's left edge
+    double arrowX = 0;  ///< from the panel's left edge
+    bool above = false; ///< the icon
     bool operator==(const PanelPlacement&) const = default;
 };
 

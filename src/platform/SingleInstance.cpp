@@ -1,11 +1,15 @@
 #include "SingleInstance.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocalSocket>
+#include <QStandardPaths>
 
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -18,6 +22,28 @@ constexpr int handOverTime = 1000;        // milliseconds
 constexpr qint64 longestLine = 64 * 1024; // bytes
 
 } // namespace
+
+QString SingleInstance::runtimeFolder()
+{
+    constexpr auto variable = "XDG_RUNTIME_DIR";
+    const QString named = qEnvironmentVariable(variable);
+    if (QFileInfo{named}.isDir()) return named;
+#ifdef Q_OS_LINUX
+    // Qt would take such a folder too, but say so on the terminal.
+    const QString session = u"/run/user/%1"_s.arg(::getuid());
+    const QString own = QDir::tempPath() + u"/runtime-"_s + QString::number(::getuid());
+    ::mkdir(QFile::encodeName(own).constData(), 0700);
+    for (const QString& folder : {session, own}) {
+        struct stat info {};
+        const bool there =
+            ::lstat(QFile::encodeName(folder).constData(), &info) == 0 && S_ISDIR(info.st_mode);
+        if (!there || info.st_uid != ::getuid() || (info.st_mode & 077) != 0) continue;
+        qputenv(variable, QFile::encodeName(folder));
+        return folder;
+    }
+#endif
+    return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+}
 
 SingleInstance::SingleInstance(const QString& runtimeFolder, QObject* parent)
     : QObject(parent), m_socket(runtimeFolder + u"/murmeli.socket"_s)

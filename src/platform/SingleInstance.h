@@ -12,6 +12,10 @@ class SingleInstance final : public QObject {
     Q_OBJECT
 
 public:
+    /// The folder that goes with the log-in session, whether the environment names it or not; from then on it
+    /// does.
+    static QString runtimeFolder();
+
     /// Takes the lock; needs no application object. \param runtimeFolder private to the user.
     explicit SingleInstance(const QString& runtimeFolder, QObject* parent = nullptr);
     ~SingleInstance() override;

@@ -24,9 +24,14 @@ public:
         QString state; ///< shown greyed at the top
         QString record;
         QString open;
+        QString window;   ///< the main one
         QString settings; ///< left out when empty
         QString quit;
     };
+
+    /// What the icon will stand on.
+    enum class Ground { OfTheTheme, Dark, Light, Unknown };
+    [[nodiscard]] virtual Ground ground() const { return Ground::OfTheTheme; }
 
     virtual void setLook(const Look& look) = 0;
     virtual void setName(const QString& name) = 0; ///< tool tip and accessible name
@@ -40,9 +45,11 @@ public:
     [[nodiscard]] virtual bool hasTray() const = 0;
 
 signals:
+    void groundChanged();
     void pressed(); ///< once for every press with the main button
     void recordChosen();
     void openChosen();
+    void windowChosen();
     void settingsChosen();
     void quitChosen();
 };

@@ -9,6 +9,7 @@ TrayIcon::TrayIcon()
     m_menu.addSeparator();
     m_record = m_menu.addAction(QString{}, this, &StatusItem::recordChosen);
     m_open = m_menu.addAction(QString{}, this, &StatusItem::openChosen);
+    m_window = m_menu.addAction(QString{}, this, &StatusItem::windowChosen);
     m_settings = m_menu.addAction(QString{}, this, &StatusItem::settingsChosen);
     m_menu.addSeparator();
     m_quit = m_menu.addAction(QString{}, this, &StatusItem::quitChosen);
@@ -31,6 +32,7 @@ void TrayIcon::setMenu(const MenuTexts& texts)
     m_state->setText(texts.state);
     m_record->setText(texts.record);
     m_open->setText(texts.open);
+    m_window->setText(texts.window);
     m_settings->setText(texts.settings);
     m_settings->setVisible(!texts.settings.isEmpty());
     m_quit->setText(texts.quit);

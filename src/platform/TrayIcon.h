@@ -27,6 +27,7 @@ private:
     QAction* m_state;
     QAction* m_record;
     QAction* m_open;
+    QAction* m_window;
     QAction* m_settings;
     QAction* m_quit;
     QSystemTrayIcon m_icon;

@@ -15,7 +15,6 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QPointer>
 
 #include <utility>
 
@@ -27,6 +26,10 @@ namespace murmeli {
 namespace {
 
 using Outcome = ProtocolEditor::Outcome;
+
+// The service may be rewriting the file at the very moment of an answer.
+constexpr auto lookPause = 100ms;
+constexpr int mostLooks = 20;
 
 struct OutcomeLook {
     const char* symbol;
@@ -50,32 +53,6 @@ OutcomeLook lookOf(Outcome outcome)
     return {"", accent::Progress};
 }
 
-/// What has come of a remark.
-struct Result {
-    Outcome outcome = Outcome::NotFound;
-    Message failure = {};
-    QString text = {};
-    QString section = {};
-    qsizetype index = 0;
-};
-
-Result failure(const char* errorKey, const QString& text = {})
-{
-    return {.outcome = Outcome::Failed, .failure = Message::foreignOr(text, errorKey)};
-}
-
-/// One remark on its way. Needs no editor, so that it goes on when its view has been left.
-struct Exchange {
-    ProtocolEditor::Place place;
-    const AuthManager& account;
-    Http& http;
-    Processes& processes;
-    const Scheduler& scheduler;
-    QObject& background;
-    QString file;
-    std::function<void(const Result&)> ended;
-};
-
 QByteArray requestBody(const QString& remark, const QList<ProtocolItem>& items)
 {
     QJsonArray list;
@@ -84,22 +61,6 @@ QByteArray requestBody(const QString& remark, const QList<ProtocolItem>& items)
             QJsonObject{{u"section"_s, item.section}, {u"index"_s, item.index}, {u"text"_s, item.text}});
     return QJsonDocument{QJsonObject{{u"remark"_s, remark}, {u"items"_s, list}}}.toJson(
         QJsonDocument::Compact);
-}
-
-struct Question {
-    std::optional<Result> answered; ///< there is nothing to ask
-    QByteArray summary;
-    QByteArray body;
-};
-
-Question question(const QString& remark, const QString& file)
-{
-    const auto bytes = files::readWhole(file, summaryFile::sizeLimit);
-    const auto summary = bytes ? json::object(*bytes) : std::nullopt;
-    if (!summary) return {.answered = failure("editor.error.read")};
-    const QList<ProtocolItem> items = protocolItems::editable(*summary);
-    if (items.isEmpty()) return {.answered = Result{}};
-    return {.answered = {}, .summary = *bytes, .body = requestBody(remark, items)};
 }
 
 std::optional<QString> itemText(const QByteArray& summary, const QString& section, qsizetype index)
@@ -113,82 +74,91 @@ std::optional<QString> itemText(const QByteArray& summary, const QString& sectio
     return std::nullopt;
 }
 
-/// The file as it is now, when the service has written to it since it was read; as it was when it cannot be
-/// read now; empty when the very item has changed, since the correction was meant for another text.
-QByteArray current(const QString& file, const QByteArray& summary, const QString& section, qsizetype index)
+} // namespace
+
+/// What has come of a remark so far.
+struct ProtocolEditor::Result {
+    Outcome outcome = Outcome::Working;
+    Message failure = {};
+
+    static Result failed(const char* errorKey, const QString& text = {})
+    {
+        return {.outcome = Outcome::Failed, .failure = Message::foreignOr(text, errorKey)};
+    }
+};
+
+/// One remark on its way.
+struct ProtocolEditor::Attempt {
+    QString remark;
+    QString file;
+    QByteArray summary = {}; ///< as it was when it was asked about
+    QByteArray body = {};
+    QString section = {};
+    qsizetype index = 0;
+    QString text = {}; ///< the item's new one
+    int looks = 0;     ///< at the file, to write to it
+
+    Result read();
+    Result take(const HttpAnswer& answer);
+    [[nodiscard]] Result write(double now) const;
+};
+
+ProtocolEditor::Result ProtocolEditor::Attempt::read()
 {
-    const auto now = files::readWhole(file, summaryFile::sizeLimit);
-    if (!now || *now == summary || !json::object(*now)) return summary;
-    return itemText(*now, section, index) == itemText(summary, section, index) ? *now : QByteArray{};
+    const auto bytes = files::readWhole(file, summaryFile::sizeLimit);
+    const auto object = bytes ? json::object(*bytes) : std::nullopt;
+    if (!object) return Result::failed("editor.error.read");
+    const QList<ProtocolItem> items = protocolItems::editable(*object);
+    if (items.isEmpty()) return {.outcome = Outcome::NotFound};
+    summary = *bytes;
+    body = requestBody(remark, items);
+    return {};
 }
 
-Result correct(const HttpAnswer& answer, const QByteArray& summary, const QString& file, double now)
+ProtocolEditor::Result ProtocolEditor::Attempt::take(const HttpAnswer& answer)
 {
     const auto object = answer.failure == HttpAnswer::Failure::None && answer.status == 200
                             ? json::object(answer.body)
                             : std::nullopt;
-    if (!object) return failure("editor.error.server", answer.errorText);
+    if (!object) return Result::failed("editor.error.server", answer.errorText);
     const bool found = json::boolean(*object, "found"_L1).value_or(false);
-    const auto section = json::optionalText(*object, "section"_L1);
-    const auto index = json::integer(*object, "index"_L1);
-    const QString text = text::trimmed(json::text(*object, "text"_L1));
-    if (!found || !section || !index || text.isEmpty()) return {};
-    const auto corrected =
-        protocolItems::corrected(current(file, summary, *section, *index), *section, *index, text, now);
-    if (!corrected) return {};
-    if (!files::writeAtomic(file, *corrected)) return failure("editor.error.save");
-    return {.outcome = Outcome::Fixed, .text = text, .section = *section, .index = *index};
+    const auto foundSection = json::optionalText(*object, "section"_L1);
+    const auto foundIndex = json::integer(*object, "index"_L1);
+    text = text::trimmed(json::text(*object, "text"_L1));
+    if (!found || !foundSection || !foundIndex || text.isEmpty()) return {.outcome = Outcome::NotFound};
+    section = *foundSection;
+    index = *foundIndex;
+    return {};
 }
 
-void rebuild(const Exchange& exchange)
+/// Changes the file as it is now, since the service may have written to it. Still working while the service
+/// is in the middle of that.
+ProtocolEditor::Result ProtocolEditor::Attempt::write(double now) const
 {
-    // Nobody waits for it: the protocol follows when it follows.
-    if (!QFileInfo::exists(exchange.place.python)) return;
-    exchange.processes.run(
-        {.program = exchange.place.python, .arguments = {exchange.place.rebuildScript, exchange.file}},
-        &exchange.background, [](const ProcessResult&) {});
+    const auto bytes = files::readWhole(file, summaryFile::sizeLimit);
+    if (!bytes) return Result::failed("editor.error.save");
+    if (!json::object(*bytes)) return looks < mostLooks ? Result{} : Result::failed("editor.error.save");
+    // The correction was meant for another text.
+    if (*bytes != summary && itemText(*bytes, section, index) != itemText(summary, section, index))
+        return Result::failed("editor.error.changed");
+    const auto corrected = protocolItems::corrected(*bytes, section, index, text, now);
+    if (!corrected) return {.outcome = Outcome::NotFound};
+    if (!files::writeAtomic(file, *corrected)) return Result::failed("editor.error.save");
+    return {.outcome = Outcome::Fixed};
 }
-
-void ask(const Exchange& exchange, const Question& question)
-{
-    const QString token = exchange.account.freshToken();
-    if (question.answered || token.isEmpty()) {
-        exchange.ended(question.answered.value_or(failure("editor.error.auth")));
-        return;
-    }
-    const auto take = [exchange, summary = question.summary](const HttpAnswer& answer) {
-        inBackground(
-            &exchange.background,
-            [answer, summary, file = exchange.file, now = exchange.scheduler.now()] {
-                return correct(answer, summary, file, now);
-            },
-            [exchange](const Result& result) {
-                if (result.outcome == Outcome::Fixed) rebuild(exchange);
-                exchange.ended(result);
-            });
-    };
-    exchange.http.send({.method = "POST",
-                        .url = QUrl{exchange.place.webOrigin + u"/api/assist/edit"_s},
-                        .headers = {{"Content-Type", "application/json"}},
-                        .body = question.body,
-                        .bearer = token.toUtf8(),
-                        .timeout = 120s},
-                       &exchange.background, take);
-}
-
-} // namespace
 
 ProtocolEditor::ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
-                               const Scheduler& scheduler, QObject& background, QObject* parent)
+                               Scheduler& scheduler, QObject* parent)
     : QObject(parent),
       m_place(std::move(place)),
       m_account(account),
       m_http(http),
       m_processes(processes),
-      m_scheduler(scheduler),
-      m_background(background)
+      m_scheduler(scheduler)
 {
 }
+
+ProtocolEditor::~ProtocolEditor() = default;
 
 QString ProtocolEditor::symbol() const { return QString::fromLatin1(lookOf(m_outcome).symbol); }
 
@@ -216,33 +186,70 @@ void ProtocolEditor::reset()
     if (std::exchange(m_outcome, Outcome::Idle) != Outcome::Idle) emit changed();
 }
 
-void ProtocolEditor::apply(const QString& remark, const Meeting& meeting, const Done& done,
-                           const std::function<void()>& carriedOut)
+void ProtocolEditor::apply(const QString& remark, const Meeting& meeting)
 {
+    if (m_outcome == Outcome::Working) return;
     m_outcome = Outcome::Working;
     emit changed();
-    const auto ended = [self = QPointer{this}, done, carriedOut](const Result& result) {
-        if (result.outcome == Outcome::Fixed && carriedOut) carriedOut();
-        if (!self) return;
-        self->m_outcome = result.outcome;
-        self->m_failure = result.failure;
-        self->m_text = result.text;
-        self->m_section = result.section;
-        self->m_index = result.index;
-        emit self->changed();
-        done(result.outcome == Outcome::Fixed);
+    const auto read = [attempt = Attempt{.remark = remark, .file = meeting.jsonPath}]() mutable {
+        const Result result = attempt.read();
+        return std::pair{attempt, result};
     };
-    const Exchange exchange{.place = m_place,
-                            .account = m_account,
-                            .http = m_http,
-                            .processes = m_processes,
-                            .scheduler = m_scheduler,
-                            .background = m_background,
-                            .file = meeting.jsonPath,
-                            .ended = ended};
-    inBackground(
-        &m_background, [remark, file = meeting.jsonPath] { return question(remark, file); },
-        [exchange](const Question& question) { ask(exchange, question); });
+    inBackground(this, read, [this](const auto& prepared) { ask(prepared.first, prepared.second); });
+}
+
+void ProtocolEditor::ask(const Attempt& attempt, const Result& prepared)
+{
+    const QString token = m_account.freshToken();
+    if (prepared.outcome != Outcome::Working || token.isEmpty()) {
+        end(attempt, prepared.outcome != Outcome::Working ? prepared : Result::failed(signInKey));
+        return;
+    }
+    const auto take = [this, asked = attempt](const HttpAnswer& answer) {
+        Attempt attempt = asked;
+        const Result result = attempt.take(answer);
+        if (result.outcome == Outcome::Working) {
+            write(attempt);
+        } else {
+            end(attempt, result);
+        }
+    };
+    m_http.send({.method = "POST",
+                 .url = QUrl{m_place.webOrigin + u"/api/assist/edit"_s},
+                 .headers = {{"Content-Type", "application/json"}},
+                 .body = attempt.body,
+                 .bearer = token.toUtf8(),
+                 .timeout = 120s},
+                this, take);
+}
+
+void ProtocolEditor::write(const Attempt& attempt)
+{
+    const auto written = [attempt, now = m_scheduler.now()] { return attempt.write(now); };
+    inBackground(this, written, [this, attempt](const Result& result) {
+        if (result.outcome != Outcome::Working) {
+            end(attempt, result);
+            return;
+        }
+        Attempt again = attempt;
+        ++again.looks;
+        m_scheduler.after(lookPause, this, [this, again] { write(again); });
+    });
+}
+
+void ProtocolEditor::end(const Attempt& attempt, const Result& result)
+{
+    m_outcome = result.outcome;
+    m_failure = result.failure;
+    m_text = attempt.text;
+    m_section = attempt.section;
+    m_index = attempt.index;
+    emit changed();
+    if (result.outcome != Outcome::Fixed) return;
+    // Nobody waits for it: the protocol follows when it follows, also when we have gone.
+    if (QFileInfo::exists(m_place.python))
+        m_processes.startDetached(m_place.python, {m_place.rebuildScript, attempt.file});
+    emit fixed(attempt.remark);
 }
 
 } // namespace murmeli

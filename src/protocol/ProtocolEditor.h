@@ -6,8 +6,6 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
-#include <functional>
-
 namespace murmeli {
 
 class AuthManager;
@@ -27,6 +25,7 @@ class ProtocolEditor final : public QObject {
     Q_PROPERTY(
         murmeli::Message message READ message NOTIFY changed FINAL) ///< of the outcome; so are its looks
     Q_PROPERTY(QString symbol READ symbol NOTIFY changed FINAL)
+    Q_PROPERTY(bool needsSignIn READ needsSignIn NOTIFY changed FINAL)
     Q_PROPERTY(int accent READ accent NOTIFY changed FINAL) ///< an Accent
 
 public:
@@ -38,36 +37,42 @@ public:
         QString python;
         QString rebuildScript; ///< renders the protocol anew from its summary file
     };
-    /// `changed` tells whether the file was.
-    using Done = std::function<void(bool changed)>;
 
-    /// \param background for as long as it lives, a remark that was sent is carried out, also when the editor
-    /// has gone with its meeting's view.
     ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
-                   const Scheduler& scheduler, QObject& background, QObject* parent = nullptr);
+                   Scheduler& scheduler, QObject* parent = nullptr);
+    ~ProtocolEditor() override;
+    Q_DISABLE_COPY_MOVE(ProtocolEditor)
 
     [[nodiscard]] Outcome outcome() const { return m_outcome; }
     [[nodiscard]] Message message() const;
+    [[nodiscard]] bool needsSignIn() const { return message() == Message::of(signInKey); }
     [[nodiscard]] QString symbol() const; ///< empty while there is nothing to tell
     [[nodiscard]] accent::Accent accent() const;
     [[nodiscard]] QString section() const { return m_section; } ///< of the fixed item
     [[nodiscard]] qsizetype index() const { return m_index; }
 
-    /// \param carriedOut runs after a change of the file, also when the editor has gone.
-    void apply(const QString& remark, const Meeting& meeting, const Done& done,
-               const std::function<void()>& carriedOut = {});
+    /// Sends a remark on `meeting`; nothing while another is on its way.
+    void apply(const QString& remark, const Meeting& meeting);
     Q_INVOKABLE void reset();
 
 signals:
     void changed();
+    void fixed(const QString& remark); ///< the file was changed
 
 private:
+    static constexpr auto signInKey = "editor.error.auth";
+
+    struct Attempt;
+    struct Result;
+    void ask(const Attempt& attempt, const Result& prepared);
+    void write(const Attempt& attempt);
+    void end(const Attempt& attempt, const Result& result);
+
     const Place m_place;
     const AuthManager& m_account;
     Http& m_http;
     Processes& m_processes;
-    const Scheduler& m_scheduler;
-    QObject& m_background;
+    Scheduler& m_scheduler;
     Outcome m_outcome = Outcome::Idle;
     Message m_failure;
     QString m_text; ///< the new one of the fixed item

@@ -44,7 +44,8 @@ ProtocolFileMaker::~ProtocolFileMaker()
 
 QString ProtocolFileMaker::suggestedName(const Meeting& meeting)
 {
-    QString title = text::oneLine(meeting.title.left(longestName)); // a code unit is a byte at least
+    QString title = text::oneLine(meeting.title.left(longestName));        // a code unit is a byte at least
+    if (!title.isEmpty() && title.back().isHighSurrogate()) title.chop(1); // half a character
     title.replace(u'/', u'-').replace(u':', u'-');
     while (title.toUtf8().size() > longestName)
         title.chop(title.back().isLowSurrogate() ? 2 : 1);

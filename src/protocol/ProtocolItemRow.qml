@@ -11,7 +11,10 @@ Item {
     required property bool last
     required property string before // what stood here before a correction
     required property bool corrected
+    property bool current: false // the keyboard is here
     readonly property bool first: titleKey.length > 0
+
+    signal menuAsked(point at, string selected)
 
     implicitHeight: item.y + item.height + (last ? 16 : Theme.gapRow)
 
@@ -55,16 +58,17 @@ Item {
         radius: 2.5
         color: Theme.text4
     }
-    Label {
+    SelectableText {
         id: item
         x: 176
         y: root.first ? 18 : 0
         width: parent.width - x
-        type: Theme.body
-        wrapMode: Text.Wrap
         text: root.text
+        menu: (x, y) => root.menuAsked(item.mapToItem(root, x, y), item.selectedText)
         Accessible.role: Accessible.ListItem
         Accessible.description: root.before.length > 0 ? L.t("detail.before", root.before) : ""
+        Accessible.focusable: true
+        Accessible.focused: root.current
 
         HoverHandler { id: over }
         HelpTip {
@@ -72,4 +76,5 @@ Item {
             text: root.before.length > 0 ? L.t("detail.before", root.before) : ""
         }
     }
+    FocusRing { anchors.fill: ground; shown: root.current; corner: Theme.rSmall }
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -105,7 +106,8 @@ std::optional<QByteArray> corrected(const QByteArray& bytes, const QString& sect
     };
     note(u"edited"_s, true);
     note(u"edited_at"_s, dates::iso8601(now));
-    note(u"edits"_s, json::integer(old, "edits"_L1).value_or(0) + 1);
+    const qint64 edits = json::integer(old, "edits"_L1).value_or(0);
+    note(u"edits"_s, edits < std::numeric_limits<qint64>::max() ? edits + 1 : edits);
     return result;
 }
 

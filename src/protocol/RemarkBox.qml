@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Murmeli.Account
 import Murmeli.Glossary
 import Murmeli.Localisation
 import Murmeli.Protocol
@@ -9,6 +10,7 @@ import Murmeli.Ui
 Item {
     id: root
 
+    required property AuthManager account
     required property ProtocolEditor editor
     required property GlossaryStore glossary
     required property string draft
@@ -97,14 +99,21 @@ Item {
                     font.pointSize: Theme.body.size * Look.pointsPerPixel
                     font.hintingPreference: Font.PreferNoHinting
                     background: null
+                    persistentSelection: true // while its menu is open
+                    Keys.onMenuPressed: EditMenus.open(field, cursorRectangle.x, cursorRectangle.y + cursorRectangle.height)
+                    TapHandler {
+                        acceptedButtons: Qt.RightButton
+                        onTapped: point => EditMenus.open(field, point.position.x, point.position.y)
+                    }
                     KeyNavigation.priority: KeyNavigation.BeforeItem
                     KeyNavigation.tab: button.visible && button.ready ? button : teachLink
                     Accessible.role: Accessible.EditableText
                     Accessible.name: L.t("detail.remark")
                     Component.onCompleted: text = root.draft
                     onTextChanged: {
+                        const typed = text !== root.draft; // else it has just come back with its meeting
                         root.written(text);
-                        if (text.length > 0 && !root.working) root.editor.reset();
+                        if (typed && text.length > 0 && !root.working) root.editor.reset();
                     }
                     Keys.onReturnPressed: event => {
                         if (event.modifiers & Qt.ShiftModifier) event.accepted = false;
@@ -179,15 +188,23 @@ Item {
                 id: outcome
                 y: 11
                 x: glyph.visible ? 23 : 0
-                width: parent.width - x - teachLink.width - Theme.padPanel
+                width: Math.min(implicitWidth, parent.width - x - teachLink.width - Theme.padPanel - (signIn.visible ? signIn.width + Theme.gapRow : 0))
                 type: Theme.sub
                 wrapMode: Text.Wrap
                 maximumLineCount: 2
                 elide: Text.ElideRight
                 color: root.failed ? Theme.inkRed : glyph.visible ? Theme.text2 : Theme.text3
                 text: root.editor.outcome !== ProtocolEditor.Idle ? L.say(root.editor.message)
-                    : root.learned.length > 0 ? L.t("detail.learned", root.learned) : L.t("editor.hint")
+                    : root.learned.length === 0 ? L.t("editor.hint")
+                    : root.account.isAuthed ? L.t("detail.learned", root.learned) : L.t("detail.learned.here", root.learned)
                 Accessible.role: root.failed ? Accessible.AlertMessage : Accessible.StatusBar
+            }
+            SignInLink {
+                id: signIn
+                anchors { left: outcome.right; leftMargin: Theme.gapRow }
+                y: 7
+                visible: !account.isAuthed && (root.editor.needsSignIn || root.editor.outcome === ProtocolEditor.Idle && root.learned.length > 0)
+                account: root.account
             }
             LinkButton {
                 id: teachLink

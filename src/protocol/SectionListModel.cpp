@@ -1,8 +1,11 @@
 #include "SectionListModel.h"
 
 #include "base/Text.h"
+#include "localisation/Language.h"
 
 #include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
@@ -16,16 +19,28 @@ void SectionListModel::setSections(const QList<ProtocolSection>& sections)
                          item.index, item.text});
         }
     }
-    if (rows.size() != m_rows.size()) {
-        beginResetModel();
-        m_rows = rows;
-        endResetModel();
-        return;
+    // Where something came or went there is neither a jump nor another row for what is read just now.
+    const auto same = std::ranges::mismatch(m_rows, rows).in1 - m_rows.begin();
+    qsizetype was = m_rows.size();
+    qsizetype now = rows.size();
+    while (was > same && now > same && m_rows[was - 1] == rows[now - 1]) {
+        --was;
+        --now;
     }
-    for (int i = 0; i < rows.size(); ++i) {
+    const qsizetype changed = std::min(was, now);
+    for (qsizetype i = same; i < changed; ++i) {
         if (m_rows[i] == rows[i]) continue;
         m_rows[i] = rows[i];
-        emit dataChanged(index(i), index(i));
+        emit dataChanged(index(int(i)), index(int(i)));
+    }
+    if (was > now) {
+        beginRemoveRows({}, int(now), int(was) - 1);
+        m_rows.remove(now, was - now);
+        endRemoveRows();
+    } else if (now > was) {
+        beginInsertRows({}, int(was), int(now) - 1);
+        m_rows = rows;
+        endInsertRows();
     }
 }
 
@@ -55,6 +70,18 @@ int SectionListModel::markCorrected(const QString& section, qsizetype index, con
             emit dataChanged(this->index(changed), this->index(changed), {BeforeRole, CorrectedRole});
     }
     return row;
+}
+
+QString SectionListModel::text(int row) const { return m_rows.value(row).text; }
+
+QStringList SectionListModel::words(const QString& language) const
+{
+    QStringList sections;
+    for (const Row& row : m_rows) {
+        if (!row.titleKey.isEmpty()) sections.append(Language::text(language, row.titleKey));
+        sections.last() += u"\n– "_s + row.text;
+    }
+    return sections;
 }
 
 std::optional<SectionListModel::Correction> SectionListModel::correctionOf(const Row& row) const

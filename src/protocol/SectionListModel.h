@@ -29,6 +29,11 @@ public:
     /// The text of an item now; empty when it is not shown.
     [[nodiscard]] QString textOf(const QString& section, qsizetype index) const;
 
+    [[nodiscard]] QString text(int row) const; ///< empty when there is no such row
+
+    /// Every section as text, in `language`: its title, and its items in a list.
+    [[nodiscard]] QStringList words(const QString& language) const;
+
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;

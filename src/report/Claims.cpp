@@ -10,9 +10,12 @@ namespace {
 
 QStringList present(QStringList parts)
 {
-    parts.removeAll(QString{});
+    parts.removeIf([](const QString& part) { return part.trimmed().isEmpty(); });
     return parts;
 }
+
+/// Letters as one sign each, however the model put them together.
+QString composed(const QString& text) { return text.normalized(QString::NormalizationForm_C); }
 
 QString beside(const QStringList& parts) { return present(parts).join(u" · "_s); }
 
@@ -41,7 +44,7 @@ QStringList Insight::words(const QString& /*language*/, Wording wording) const
 
 bool Commitment::isFirm() const
 {
-    const QString lower = firmness.toLower();
+    const QString lower = composed(firmness).toLower();
     return lower.startsWith(u"твёрд"_s) || lower.startsWith(u"тверд"_s);
 }
 
@@ -75,8 +78,8 @@ QStringList Disagreement::words(const QString& language, Wording wording) const
 }
 
 // The service writes these in lower case; another case is another word to it.
-bool AgendaItem::isDone() const { return status.startsWith(u"пройден"_s); }
-bool AgendaItem::isPartial() const { return status.startsWith(u"частич"_s); }
+bool AgendaItem::isDone() const { return composed(status).startsWith(u"пройден"_s); }
+bool AgendaItem::isPartial() const { return composed(status).startsWith(u"частич"_s); }
 
 QStringList AgendaItem::stamps() const { return present({at}); }
 

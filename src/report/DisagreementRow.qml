@@ -25,7 +25,7 @@ ClaimCard {
             spacing: 10
             SelectableText {
                 Layout.topMargin: 8
-                Layout.preferredWidth: 74
+                Layout.preferredWidth: 104 // most names in one piece
                 Layout.alignment: Qt.AlignTop
                 type: Theme.label
                 text: side.modelData.who
@@ -47,22 +47,11 @@ ClaimCard {
             }
         }
     }
-    RowLayout {
+    SelectableText {
         width: root.width
         visible: root.value.outcome.length > 0
-        spacing: Theme.gapSmall
-        Label {
-            Layout.topMargin: 10
-            Layout.alignment: Qt.AlignTop
-            type: Theme.sub
-            color: Theme.text3
-            text: L.t("report.outcome", "").trim()
-        }
-        SelectableText {
-            Layout.topMargin: 10
-            Layout.fillWidth: true
-            type: Theme.sub
-            text: root.value.outcome
-        }
+        topPadding: 10
+        type: Theme.sub
+        text: L.t("report.outcome", root.value.outcome)
     }
 }

@@ -28,14 +28,15 @@ Row {
             width: root.width / 4
             Accessible.role: Accessible.StaticText
             Accessible.name: caption.text + ": " + figure.text
-            Label {
+            SelectableText {
                 id: figure
+                width: parent.width - Theme.gapRow
                 type: Theme.title
                 color: stat.modelData.figure === root.unknown ? Theme.text3 : Theme.text1
                 text: stat.modelData.figure
                 Accessible.ignored: true
             }
-            Label {
+            SelectableText {
                 id: caption
                 width: parent.width - Theme.gapRow
                 type: Theme.caption

@@ -14,7 +14,7 @@ Item {
     Accessible.role: Accessible.ProgressBar
     Accessible.name: title.text + ": " + value.done + " " + L.t("report.metric.name", value.total)
 
-    Label {
+    SelectableText {
         id: title
         anchors { left: parent.left; right: bar.left; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
         text: L.t(root.value.titleKey)
@@ -27,11 +27,11 @@ Item {
         value: root.value.share * root.growth
         Accessible.ignored: true
     }
-    Label {
+    SelectableText {
         id: figure
         anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-        width: 52
-        horizontalAlignment: Text.AlignRight
+        width: Math.max(52, implicitWidth)
+        horizontalAlignment: TextEdit.AlignRight
         type: Theme.link
         text: root.value.done + " / " + root.value.total
         Accessible.ignored: true

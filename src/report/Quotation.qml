@@ -67,12 +67,11 @@ Item {
             y: 10
             width: parent.width - 23
             spacing: 3
-            Label {
+            SelectableText {
                 width: parent.width
                 visible: root.wide && root.before.length > 0
                 type: Theme.quotation
                 color: Theme.text3
-                wrapMode: Text.Wrap
                 text: root.before
             }
             SelectableText {
@@ -83,12 +82,11 @@ Item {
                 Accessible.ignored: true // the name of the whole
                 TapHandler { onTapped: root.toggle() } // the text takes presses before the card does
             }
-            Label {
+            SelectableText {
                 width: parent.width
                 visible: root.wide && root.after.length > 0
                 type: Theme.quotation
                 color: Theme.text3
-                wrapMode: Text.Wrap
                 text: root.after
             }
         }

@@ -17,6 +17,7 @@ public:
     explicit ReportListModel(QObject* parent) : QAbstractListModel(parent) {}
 
     void setRows(const QList<ReportRow>& rows);
+    [[nodiscard]] const QList<ReportRow>& rows() const { return m_rows; }
 
     /// The next row after `row` in the direction of `step` (1, -1) that is a claim; `row` when there is none.
     Q_INVOKABLE [[nodiscard]] int neighbour(int row, int step) const;

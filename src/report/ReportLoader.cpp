@@ -99,15 +99,24 @@ QString ReportLoader::storedFile(const Meeting& meeting)
     return QFileInfo{meeting.jsonPath}.path() + u'/' + meeting.id + u".report.json"_s;
 }
 
-void ReportLoader::show(const std::optional<Analysis>& analysis)
+void ReportLoader::show(const std::optional<Analysis>& analysis, const Transcript& lines)
 {
+    m_lines = lines;
     m_report = analysis ? std::optional{analysis->report} : std::nullopt;
-    m_rows.setRows(analysis ? analysis->rows : QList<ReportRow>{});
+    const QList<ReportRow> rows = analysis ? analysis->rows : QList<ReportRow>{};
+    if (rows != m_rows.rows()) m_rows.setRows(rows);
+    emit openStampChanged(); // what was said there may be known now
+    emit changed();
 }
 
 void ReportLoader::load(const Meeting& meeting)
 {
     unfold({});
+    follow(meeting);
+}
+
+void ReportLoader::follow(const Meeting& meeting)
+{
     struct Content {
         Transcript lines;
         Analysis analysis;
@@ -116,12 +125,10 @@ void ReportLoader::load(const Meeting& meeting)
         return Content{Transcript{transcriptText(meeting, *protocols).value_or(QString{})}, stored(meeting)};
     };
     inBackground(m_load.renew(), read, [this](const Content& content) {
-        m_lines = content.lines;
         const MeetingReport& report = content.analysis.report;
         const bool nothing = report.isEmpty() && report.speakers.isEmpty();
-        show(nothing ? std::nullopt : std::optional{content.analysis});
         m_asked = true;
-        emit changed();
+        show(nothing ? std::nullopt : std::optional{content.analysis}, content.lines);
     });
 }
 
@@ -138,24 +145,25 @@ void ReportLoader::build(const Meeting& meeting)
     if (m_busy) return;
     const QString token = m_ground.account.freshToken();
     if (token.isEmpty()) {
-        fail(Message::of("report.error.auth"));
+        fail(Message::of(signInKey));
         return;
     }
     m_busy = true;
     const auto read = [meeting, protocols = m_ground.protocols] {
         const QString text = transcriptText(meeting, *protocols).value_or(QString{});
-        return text::characterCount(text) < shortestTranscript ? QString{} : text;
+        return std::pair{text, Transcript{text}};
     };
-    inBackground(this, read, [this, meeting, token](const QString& transcript) {
-        if (transcript.isEmpty()) {
+    inBackground(this, read, [this, meeting, token](const std::pair<QString, Transcript>& found) {
+        if (text::characterCount(found.first) < shortestTranscript) {
             fail(Message::of("report.error.no_transcript"));
         } else {
-            ask(meeting, transcript, token);
+            ask(meeting, found.first, found.second, token);
         }
     });
 }
 
-void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const QString& token)
+void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const Transcript& lines,
+                       const QString& token)
 {
     m_loading = true;
     m_error = {};
@@ -172,9 +180,9 @@ void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const 
                         .body = QJsonDocument{body}.toJson(QJsonDocument::Compact),
                         .bearer = token.toUtf8(),
                         .timeout = 330s},
-                       this, [this, meeting](const HttpAnswer& answer) {
+                       this, [this, meeting, lines](const HttpAnswer& answer) {
                            const auto take = [answer, meeting] { return taken(answer, meeting); };
-                           inBackground(this, take, [this, answer](const std::optional<Analysis>& analysis) {
+                           const auto done = [this, answer, lines](const std::optional<Analysis>& analysis) {
                                if (!analysis) {
                                    fail(Message::foreignOr(answer.errorText, "report.error.server"));
                                    return;
@@ -182,9 +190,9 @@ void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const 
                                m_load.end(); // what it would show is older
                                m_busy = false;
                                m_loading = false;
-                               show(analysis);
-                               emit changed();
-                           });
+                               show(analysis, lines);
+                           };
+                           inBackground(this, take, done);
                        });
 }
 

@@ -29,9 +29,10 @@ class ReportLoader final : public QObject {
     QML_UNCREATABLE("made for a meeting and handed to its view")
     Q_PROPERTY(bool loading READ loading NOTIFY changed FINAL)         ///< an analysis is on its way
     Q_PROPERTY(murmeli::Message error READ error NOTIFY changed FINAL) ///< empty when there is none
-    Q_PROPERTY(bool present READ present NOTIFY changed FINAL)         ///< there is a report
-    Q_PROPERTY(bool empty READ empty NOTIFY changed FINAL)             ///< nothing can be shown
-    Q_PROPERTY(bool asked READ asked NOTIFY changed FINAL)             ///< the first load has ended
+    Q_PROPERTY(bool needsSignIn READ needsSignIn NOTIFY changed FINAL)
+    Q_PROPERTY(bool present READ present NOTIFY changed FINAL) ///< there is a report
+    Q_PROPERTY(bool empty READ empty NOTIFY changed FINAL)     ///< nothing can be shown
+    Q_PROPERTY(bool asked READ asked NOTIFY changed FINAL)     ///< the first load has ended
     Q_PROPERTY(murmeli::ReportListModel* rows READ rows CONSTANT FINAL)
     Q_PROPERTY(
         QString openStamp READ openStamp NOTIFY openStampChanged FINAL) ///< whose quotation is unfolded
@@ -58,6 +59,7 @@ public:
     [[nodiscard]] const std::optional<MeetingReport>& report() const { return m_report; }
     [[nodiscard]] bool loading() const { return m_loading; }
     [[nodiscard]] Message error() const { return m_error; }
+    [[nodiscard]] bool needsSignIn() const { return m_error == Message::of(signInKey); }
     [[nodiscard]] bool present() const { return m_report.has_value(); }
     [[nodiscard]] bool empty() const
     {
@@ -68,6 +70,8 @@ public:
 
     /// Reads transcript, stored analysis and figures of the meeting.
     void load(const Meeting& meeting);
+    /// The same for a meeting that is shown and has changed: what is unfolded stays where its analysis does.
+    void follow(const Meeting& meeting);
 
     /// Asks the service for an analysis, unless one is on its way, and stores it.
     void build(const Meeting& meeting);
@@ -93,10 +97,13 @@ signals:
     void openStampChanged();
 
 private:
+    static constexpr auto signInKey = "report.error.auth";
+
     void unfold(const QString& stamp);
-    void show(const std::optional<Analysis>& analysis);
+    void show(const std::optional<Analysis>& analysis, const Transcript& lines);
     void fail(const Message& error);
-    void ask(const Meeting& meeting, const QString& transcript, const QString& token);
+    void ask(const Meeting& meeting, const QString& transcript, const Transcript& lines,
+             const QString& token);
 
     Ground m_ground;
     std::optional<MeetingReport> m_report;

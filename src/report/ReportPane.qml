@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Controls.Basic
+import Murmeli.Account
 import Murmeli.Localisation
 import Murmeli.Report
 import Murmeli.Ui
@@ -10,6 +11,7 @@ import Murmeli.Ui
 Item {
     id: root
 
+    required property AuthManager account
     required property ReportLoader loader
     required property string meetingLine
     readonly property var steps: ({ j: 1, "\u043e": 1, k: -1, "\u043b": -1 }) // keys by their place, whatever the layout
@@ -68,7 +70,7 @@ Item {
         const direction = steps[event.text] ?? 0;
         if (event.matches(StandardKey.Copy) && list.activeFocus) root.loader.copy(list.currentIndex);
         else if (direction !== 0) root.step(direction);
-        else return;
+        else if (!list.visible || !ScrollKeys.take(list, event)) return;
         event.accepted = true;
     }
 
@@ -103,11 +105,17 @@ Item {
                 Label {
                     id: line
                     x: !root.loader.error.empty ? 19 : 0
-                    width: parent.width - x
+                    width: Math.min(implicitWidth, parent.width - x - (signIn.visible ? signIn.width + Theme.gapSmall : 0))
                     type: Theme.sub
                     color: !root.loader.error.empty ? Theme.inkRed : Theme.text3
                     text: root.loader.error.empty ? root.meetingLine : L.say(root.loader.error)
                     Accessible.role: !root.loader.error.empty ? Accessible.AlertMessage : Accessible.StaticText
+                }
+                SignInLink {
+                    id: signIn
+                    anchors { left: line.right; leftMargin: Theme.gapSmall; verticalCenter: line.verticalCenter }
+                    visible: !account.isAuthed && root.loader.needsSignIn
+                    account: root.account
                 }
             }
         }
@@ -229,6 +237,12 @@ Item {
 
             width: list.width
             height: view.implicitHeight
+            // What unfolds is seen to its end, and who pressed for it stays in sight.
+            onHeightChanged: {
+                if (!(over.hovered || activeFocus) || !stamps.includes(root.loader.openStamp)) return;
+                const below = y + height + 8 - list.height;
+                if (list.contentY < below) list.contentY = Math.max(list.contentY, Math.min(below, y - 8));
+            }
             function stops(): var { return view.stops(); }
             function take(): void { view.forceActiveFocus(Qt.TabFocusReason); }
 

@@ -44,6 +44,7 @@ public:
         m_rows.last().last = true;
     }
     void note(const QString& key) { m_rows.append({.value = ReportNote{key}}); }
+    [[nodiscard]] bool isEmpty() const { return m_rows.isEmpty(); }
     [[nodiscard]] QList<ReportRow> all() const { return m_rows; }
 
 private:
@@ -124,6 +125,7 @@ QList<ReportRow> reportRows::of(const MeetingReport& report)
     rows.section(u"report.concepts"_s, report.concepts);
     rows.section(u"report.roles"_s, report.roles);
     if (!report.roles.isEmpty()) rows.note(u"report.roles.note"_s);
+    if (rows.isEmpty() && !report.speakers.isEmpty()) rows.note(u"report.none"_s);
     rows.section(u"report.dynamics"_s, talk(report));
     if (!report.speakers.isEmpty())
         rows.note(report.analyticsExact ? u"report.dynamics.exact"_s : u"report.dynamics.approx"_s);

@@ -118,7 +118,7 @@ Item {
                 id: line
                 x: 2
                 width: Math.min(parent.width, 480)
-                topPadding: root.value === "report.note" ? 18 : 8
+                topPadding: root.value === "report.note" || root.value === "report.none" ? 18 : 8
                 type: Theme.caption
                 color: Theme.text3
                 text: L.t(root.value)

@@ -13,11 +13,12 @@ Item {
     readonly property color ink: inks[value.place] ?? Theme.text4
     readonly property int percent: Math.round(value.share * 100)
 
-    implicitHeight: 28
+    implicitHeight: Math.max(28, name.implicitHeight + 8)
     Accessible.role: Accessible.ProgressBar
     Accessible.name: value.name + ", " + L.spokenDuration(value.seconds) + ", " + L.spokenPercent(percent)
 
-    Label {
+    SelectableText {
+        id: name
         anchors.verticalCenter: parent.verticalCenter
         width: 140 // a first name and a family name
         text: root.value.name
@@ -30,21 +31,21 @@ Item {
         to: root.ink
         Accessible.ignored: true
     }
-    Label {
+    SelectableText {
         id: time
         anchors { right: share.left; verticalCenter: parent.verticalCenter }
         width: 52
-        horizontalAlignment: Text.AlignRight
+        horizontalAlignment: TextEdit.AlignRight
         type: Theme.sub
         color: Theme.text2
         text: root.value.duration
         Accessible.ignored: true
     }
-    Label {
+    SelectableText {
         id: share
         anchors { right: parent.right; verticalCenter: parent.verticalCenter }
         width: 52
-        horizontalAlignment: Text.AlignRight
+        horizontalAlignment: TextEdit.AlignRight
         type: Theme.link
         text: L.percent(root.percent)
         Accessible.ignored: true

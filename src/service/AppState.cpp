@@ -22,6 +22,8 @@ constexpr auto greetingTime = 2600ms;
 constexpr qint64 sizeLimit = 1024 * 1024; // bytes; the service writes a few hundred
 constexpr qsizetype longestText = 300; // characters of the service's own words; there is room for a few lines
 
+constexpr qint64 restlessTime = 2'000'000'000; // nanoseconds
+
 // The service may be rewriting the file at this very moment. It gets these pauses to finish before what
 // stands there counts as damaged; all of them end well before the next poll.
 constexpr std::array rereadPauses = {0ms, 10ms, 40ms, 150ms};
@@ -51,7 +53,8 @@ void AppState::load()
 
 void AppState::read(int rereads)
 {
-    const auto bytes = files::readWhole(m_paths.stateFile, sizeLimit);
+    files::Identity file;
+    const auto bytes = files::readWhole(QFile::encodeName(m_paths.stateFile), sizeLimit, &file);
     const auto object = bytes ? json::object(*bytes) : std::nullopt;
     if (bytes && !object && rereads < int(rereadPauses.size())) {
         m_scheduler.after(rereadPauses.at(size_t(rereads)), m_rereading.renew(),
@@ -60,7 +63,12 @@ void AppState::read(int rereads)
     }
 
     Snapshot snapshot;
-    if (object) {
+    if (bytes && !object && files::nsSinceWritten(file) < restlessTime) {
+        // It is at it all the time: what was known is nearer to the truth than "idle".
+        snapshot = m_shown;
+        snapshot.authTitle = Snapshot{}.authTitle;
+        snapshot.authBody = Snapshot{}.authBody;
+    } else if (object) {
         snapshot.status = json::text(*object, "status"_L1, snapshot.status);
         snapshot.detail = text::shortened(json::text(*object, "detail"_L1), longestText);
         snapshot.telegramConnected = json::flag(*object, "telegram_connected"_L1).value_or(false);

@@ -2,12 +2,23 @@
 
 #include "base/Json.h"
 
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
 #include <tuple>
 #include <utility>
 
 namespace murmeli {
 
-Prefs::Prefs(QString file) : m_file(std::move(file)) {}
+namespace {
+
+// Bytes; a larger file is not written in one go, and whoever kills us then leaves a torn one.
+constexpr qsizetype pageSize = 4096;
+
+} // namespace
+
+Prefs::Prefs(QString file, QString spare) : m_file(std::move(file)), m_spare(std::move(spare)) {}
 
 QByteArray Prefs::readBytes() const
 {
@@ -16,9 +27,10 @@ QByteArray Prefs::readBytes() const
     QByteArray bytes;
     for (int look = 0; look < looks; ++look) {
         bytes = files::readWhole(m_file, sizeLimit).value_or(QByteArray{});
-        if (json::object(bytes)) break;
+        if (json::object(bytes)) return bytes;
     }
-    return bytes;
+    const bool torn = bytes.size() > pageSize && !m_spare.isEmpty();
+    return torn ? files::readWhole(m_spare, sizeLimit).value_or(bytes) : bytes;
 }
 
 const QJsonObject& Prefs::load() const
@@ -43,9 +55,9 @@ bool Prefs::boolean(const QString& key, bool fallback) const
     return value.isBool() ? value.toBool() : fallback;
 }
 
-void Prefs::set(const QJsonObject& members)
+bool Prefs::set(const QJsonObject& members)
 {
-    if (files::identity(m_file).size > sizeLimit) return; // what we cannot read is not ours to replace
+    if (files::identity(m_file).size > sizeLimit) return false; // what we cannot read is not ours to replace
     const QByteArray before = readBytes();
     const QJsonObject known = json::object(before).value_or(QJsonObject{});
     QByteArray bytes = before;
@@ -53,10 +65,13 @@ void Prefs::set(const QJsonObject& members)
         if (!known.contains(member.key()) || known.value(member.key()) != *member)
             bytes = json::withMember(bytes, member.key(), *member);
     }
-    if (bytes == before) return;
-    if (bytes.size() > sizeLimit) return; // nor could it be read again
-    // A failure is silent by design.
-    std::ignore = files::writeInPlace(m_file, bytes);
+    if (bytes == before) return true;
+    if (bytes.size() > sizeLimit) return false; // nor could it be read again
+    if (std::max(before.size(), bytes.size()) > pageSize && !m_spare.isEmpty()) {
+        QDir{}.mkpath(QFileInfo{m_spare}.path());
+        std::ignore = files::writeAtomic(m_spare, bytes, files::Durable::No);
+    }
+    return files::writeInPlace(m_file, bytes);
 }
 
 } // namespace murmeli

@@ -12,7 +12,8 @@ namespace murmeli {
 /// changed and reads it only then, so a change by anyone is seen at once. Main thread only.
 class Prefs {
 public:
-    explicit Prefs(QString file);
+    /// \param spare where the content of a large file is kept aside, in a folder that is made.
+    explicit Prefs(QString file, QString spare = {});
 
     /// The whole object; empty when the file is missing, unreadable, too large, damaged or no object.
     [[nodiscard]] const QJsonObject& load() const;
@@ -30,17 +31,17 @@ public:
         return string(QString::fromLatin1(key.name), QString::fromLatin1(key.fallback));
     }
 
-    void set(const PrefKey<bool>& key, bool value) { set(QString::fromLatin1(key.name), value); }
-    void set(const PrefKey<const char*>& key, const QString& value)
+    bool set(const PrefKey<bool>& key, bool value) { return set(QString::fromLatin1(key.name), value); }
+    bool set(const PrefKey<const char*>& key, const QString& value)
     {
-        set(QString::fromLatin1(key.name), value);
+        return set(QString::fromLatin1(key.name), value);
     }
 
     /// Stores one value in place; members we do not know keep their exact digits and letters. A damaged file
-    /// is replaced. Failures are silent, as the service's choices must never stop the user.
-    void set(const QString& key, const QJsonValue& value) { set({{key, value}}); }
+    /// is replaced. \return false when that failed.
+    bool set(const QString& key, const QJsonValue& value) { return set({{key, value}}); }
     /// The same for several in one write, of which those are left out that stand there already.
-    void set(const QJsonObject& members);
+    bool set(const QJsonObject& members);
 
     static constexpr qint64 sizeLimit = files::largestInPlace; ///< bytes; a larger file is left alone
 
@@ -48,6 +49,7 @@ private:
     [[nodiscard]] QByteArray readBytes() const;
 
     QString m_file;
+    QString m_spare;
     mutable files::Identity m_seen;
     mutable QJsonObject m_object;
 };

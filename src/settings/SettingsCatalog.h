@@ -125,12 +125,14 @@ struct SettingState {
     Q_GADGET
     QML_VALUE_TYPE(settingState)
     Q_PROPERTY(QVariant value MEMBER value FINAL)
+    Q_PROPERTY(QString lead MEMBER lead FINAL)
     Q_PROPERTY(murmeli::Message subtitle MEMBER subtitle FINAL)
     Q_PROPERTY(QString buttonKey MEMBER buttonKey FINAL)
     Q_PROPERTY(bool hidden MEMBER hidden FINAL)
 
 public:
     QVariant value; ///< a boolean, a text or a number; invalid for an action
+    QString lead;   ///< what the subtitle begins with: a version, an address; empty for most
     Message subtitle;
     QString buttonKey; ///< of an action
     bool hidden = false;

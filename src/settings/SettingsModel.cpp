@@ -36,6 +36,7 @@ SettingsModel::SettingsModel(const Ground& ground, QObject* parent)
     connect(&ground.state, &AppState::statusRead, this, &SettingsModel::refresh);
     connect(&ground.state, &AppState::changed, this, &SettingsModel::touch);
     connect(&ground.updater, &Updater::changed, this, &SettingsModel::touch);
+    connect(&ground.account, &AuthManager::changed, this, &SettingsModel::touch);
 }
 
 SettingsModel::~SettingsModel() = default;
@@ -66,6 +67,7 @@ const QVariantMap& SettingsModel::states()
         for (const SettingRow& row : section.rows) {
             SettingState state;
             state.value = value(row);
+            state.lead = lead(row);
             state.subtitle = subtitle(row);
             state.buttonKey = buttonKey(row);
             m_states[row.id] = QVariant::fromValue(state);
@@ -129,7 +131,7 @@ void SettingsModel::set(const QString& id, const QVariant& value)
 
 void SettingsModel::store(const QString& key, const QJsonValue& value)
 {
-    m_ground.prefs.set(key, value);
+    if (!m_ground.prefs.set(key, value)) emit notStored();
     m_seen = m_ground.prefs.load();
     touch();
     emit stored();
@@ -151,9 +153,8 @@ Message SettingsModel::subtitle(const SettingRow& row) const
     case settingAction::ConnectTelegram:
         return Message::of(telegramConnected() ? "telegram.subtitle.on" : "telegram.subtitle.off");
     case settingAction::CheckUpdate:
-        return m_ground.updater.phase() == Updater::Phase::Idle
-                   ? Message::of("version.subtitle.beside", m_ground.updater.current())
-                   : m_ground.updater.subtitle();
+        if (m_ground.updater.phase() != Updater::Phase::Idle) return m_ground.updater.subtitle();
+        break;
     case settingAction::LoadInstructions:
         if (m_loaded == Loaded::NoText) return Message::of("instructions.subtitle.refused");
         if (m_loaded == Loaded::NotSaved) return Message::of("instructions.subtitle.not_saved");
@@ -167,6 +168,14 @@ Message SettingsModel::subtitle(const SettingRow& row) const
         break;
     }
     return {.key = row.id + u".subtitle"_s, .argument = {}, .own = {}};
+}
+
+QString SettingsModel::lead(const SettingRow& row) const
+{
+    const auto* action = std::get_if<ActionSetting>(&row.control);
+    if (!action) return {};
+    if (action->action == settingAction::CheckUpdate) return m_ground.updater.current();
+    return action->action == settingAction::OpenAccount ? m_ground.account.email() : QString{};
 }
 
 QString SettingsModel::buttonKey(const SettingRow& row) const

@@ -76,13 +76,15 @@ public:
 
 signals:
     void changed();
-    void stored(); ///< by us
+    void stored();    ///< by us
+    void notStored(); ///< what was set
 
 private:
     /// The preference, or the default for a missing value, one of another type or one that is no option; of a
     /// number outside of its bounds the nearest bound.
     [[nodiscard]] QVariant value(const SettingRow& row) const;
     [[nodiscard]] Message subtitle(const SettingRow& row) const;
+    [[nodiscard]] QString lead(const SettingRow& row) const;
     [[nodiscard]] QString buttonKey(const SettingRow& row) const;
     void store(const QString& key, const QJsonValue& value);
     void setLaunchAtLogin(bool on);

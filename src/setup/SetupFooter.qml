@@ -12,6 +12,8 @@ Item {
     required property PermissionsModel perms
     required property bool diskImage
 
+    readonly property string startText: start.text
+
     signal done()
 
     readonly property bool failed: !diskImage && !runner.finished && runner.failed

@@ -25,7 +25,8 @@ namespace murmeli {
 namespace {
 
 constexpr auto publishInterval = 16ms;
-constexpr qsizetype tailLength = 90; // characters
+constexpr qsizetype tailLength = 90;          // characters
+constexpr qint64 logLimit = 10 * 1024 * 1024; // bytes, about; enough for any installer that is sound
 const QString marker = u"@@"_s;
 
 std::optional<int> percent(const QString& text)
@@ -54,9 +55,14 @@ bool SetupRunner::needed(const Paths& paths)
     return !QFileInfo::exists(paths.python) || !QFileInfo::exists(paths.modelsMarker);
 }
 
-QString SetupRunner::installCommand(const QString& webOrigin)
+QString SetupRunner::installCommand()
 {
-    return u"set -o pipefail; curl -fsSL %1/app/install.sh | MURMELI_UI=1 bash"_s.arg(webOrigin);
+    // A download that broke off is no success, although the shell ran what it got. But a script may well end
+    // before its last byte has come, and then it is curl that cannot write (23).
+    return uR"sh(curl -fsSL --proto-redir =https "$0" | MURMELI_UI=1 bash
+ends=("${PIPESTATUS[@]}")
+[ "${ends[1]}" -eq 0 ] || exit "${ends[1]}"
+[ "${ends[0]}" -eq 23 ] || exit "${ends[0]}")sh"_s;
 }
 
 QString SetupRunner::strip(const QString& line)
@@ -85,10 +91,11 @@ void SetupRunner::start()
     m_states.fill({});
     std::ignore = QtConcurrent::run(&m_logWriter, [log = m_place.logFile] {
         QDir{}.mkpath(QFileInfo{log}.path());
-        QFile::remove(log);
+        std::ignore = files::writePrivate(log, {}); // what an installer prints is nobody else's
     });
+    m_logRoom = logLimit;
     m_processes.run({.program = u"/bin/bash"_s,
-                     .arguments = {u"-c"_s, installCommand(m_place.webOrigin)},
+                     .arguments = {u"-c"_s, installCommand(), m_place.webOrigin + u"/app/install.sh"_s},
                      .onOutput = [this](const QByteArray& chunk) { read(chunk); }},
                     m_task.renew(), [this](const ProcessResult& result) {
                         if (result.outcome == ProcessResult::Outcome::NotStarted)
@@ -122,8 +129,10 @@ void SetupRunner::read(const QByteArray& chunk)
 {
     // Gigabytes of models are being written meanwhile, so this may take its time. Where it fails, nothing
     // stops.
-    std::ignore =
-        QtConcurrent::run(&m_logWriter, [log = m_place.logFile, chunk] { return files::append(log, chunk); });
+    if (m_logRoom > 0)
+        std::ignore = QtConcurrent::run(&m_logWriter,
+                                        [log = m_place.logFile, chunk] { return files::append(log, chunk); });
+    m_logRoom -= chunk.size();
     QStringDecoder decoder{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
     const QString text = decoder(chunk);
     if (decoder.hasError()) return;

@@ -35,7 +35,7 @@ public:
 
     struct Place {
         QString webOrigin; ///< where the installer is fetched from
-        QString logFile;   ///< holds the whole output of the latest run; its folder is made
+        QString logFile;   ///< holds the output of the latest run, up to some megabytes; its folder is made
     };
 
     SetupRunner(Place place, Processes& processes, Desktop& desktop, Scheduler& scheduler,
@@ -47,7 +47,8 @@ public:
     static bool needed(const Paths& paths);
 
     /// What the shell runs. When fetching the installer fails, so does the whole.
-    static QString installCommand(const QString& webOrigin);
+    /// Fetches the script at the address in $0 and runs it.
+    static QString installCommand();
 
     /// Without terminal codes, carriage returns and white space at both ends.
     static QString strip(const QString& line);
@@ -101,6 +102,7 @@ private:
     QString m_tail;
     Lease m_task; ///< the run under way; the installer ends with it
     bool m_publishing = false;
+    qint64 m_logRoom = 0;    ///< bytes
     QThreadPool m_logWriter; ///< one thread, so that the log is written in order
 };
 

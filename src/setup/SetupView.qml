@@ -90,7 +90,8 @@ Rectangle {
                         type: Theme.lead
                         color: Theme.text2
                         wrapMode: Text.Wrap
-                        text: L.t("setup.subtitle" + root.variant)
+                        text: root.variant === ".done" && Qt.platform.os !== "osx"
+                            ? L.t("setup.subtitle.done.linux", footer.startText) : L.t("setup.subtitle" + root.variant)
                     }
                 }
             }
@@ -139,7 +140,9 @@ Rectangle {
                     anchors { left: parent.left; right: figure.left }
                     type: Theme.caption
                     color: Theme.text3
+                    opacity: root.runner.running ? 1 : 0
                     text: L.t("setup.hint")
+                    Accessible.ignored: !root.runner.running
                 }
                 Label {
                     id: figure

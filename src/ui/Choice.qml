@@ -29,7 +29,10 @@ ComboBox {
     textRole: "text"
     valueRole: "value"
     currentIndex: options.findIndex(option => option.value === current)
-    onActivated: index => root.chosen(options[index].value)
+    onActivated: index => {
+        root.chosen(options[index].value);
+        currentIndex = Qt.binding(() => options.findIndex(option => option.value === current)); // also when it was refused
+    }
 
     Accessible.role: Accessible.ComboBox
     Accessible.name: name + ", " + displayText
@@ -108,6 +111,7 @@ ComboBox {
         width: Math.max(root.width, 170)
         padding: 6
         margins: Theme.gapRow
+        onAboutToShow: root.forceActiveFocus(Qt.PopupFocusReason) // else another control takes the keys
         contentItem: ListView {
             clip: true
             implicitHeight: contentHeight

@@ -25,10 +25,16 @@ TextField {
     font.pointSize: Theme.lead.size * Look.pointsPerPixel
     font.hintingPreference: Font.PreferNoHinting
 
+    persistentSelection: true // while its menu is open
+    Keys.onMenuPressed: EditMenus.open(root, cursorRectangle.x, height)
     Accessible.role: Accessible.EditableText
     Accessible.name: name
     Accessible.editable: true
 
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: point => EditMenus.open(root, point.position.x, point.position.y)
+    }
     background: Rectangle {
         radius: Theme.rField
         color: Theme.bgField

@@ -30,6 +30,7 @@ void Look::follow(const Appearance& appearance)
     const auto take = [this, &appearance] {
         setDark(appearance.dark());
         setReducedMotion(appearance.reducedMotion());
+        setHighContrast(appearance.highContrast());
     };
     connect(&appearance, &Appearance::changed, this, take);
     take();
@@ -43,6 +44,11 @@ void Look::setDark(bool dark)
 void Look::setReducedMotion(bool reduced)
 {
     if (std::exchange(m_reducedMotion, reduced) != reduced) emit changed();
+}
+
+void Look::setHighContrast(bool high)
+{
+    if (std::exchange(m_highContrast, high) != high) emit changed();
 }
 
 void Look::setCompositing(bool compositing)

@@ -17,6 +17,7 @@ class Look final : public QObject {
     QML_SINGLETON
     Q_PROPERTY(bool dark READ dark NOTIFY changed FINAL)
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed FINAL)
+    Q_PROPERTY(bool highContrast READ highContrast NOTIFY changed FINAL)
     Q_PROPERTY(bool compositing READ compositing NOTIFY changed FINAL)
     Q_PROPERTY(double pointsPerPixel READ pointsPerPixel CONSTANT FINAL)
 
@@ -26,6 +27,7 @@ public:
 
     [[nodiscard]] bool dark() const { return m_dark; }
     [[nodiscard]] bool reducedMotion() const { return m_reducedMotion; }
+    [[nodiscard]] bool highContrast() const { return m_highContrast; }
     [[nodiscard]] bool compositing() const { return m_compositing; }
 
     /// For type sizes that are no whole number of device-independent pixels.
@@ -34,6 +36,7 @@ public:
     void follow(const Appearance& appearance);
     void setDark(bool dark);
     void setReducedMotion(bool reduced);
+    void setHighContrast(bool high);
     /// Whether windows may be translucent; without it they have no shadow and square corners.
     void setCompositing(bool compositing);
 
@@ -47,6 +50,7 @@ signals:
 private:
     bool m_dark = true;
     bool m_reducedMotion = false;
+    bool m_highContrast = false;
     bool m_compositing = true;
 };
 

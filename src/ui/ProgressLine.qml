@@ -15,10 +15,10 @@ Rectangle {
     Accessible.role: Accessible.ProgressBar
 
     Rectangle {
-        width: parent.width * Math.max(0, Math.min(1, root.value))
+        width: root.value > 0 ? Math.max(height, parent.width * Math.min(1, root.value)) : 0
         height: parent.height
         radius: parent.radius
-        visible: width >= height
+        visible: root.value > 0
         gradient: Gradient {
             orientation: Gradient.Horizontal
             GradientStop { position: 0; color: root.from }

@@ -6,6 +6,8 @@ TextEdit {
     id: root
 
     property var type: Theme.body
+    property var menu: (x, y) => EditMenus.open(root, x, y)
+    property bool held: false // what is selected, while its menu is open
 
     readOnly: true
     selectByMouse: true
@@ -24,7 +26,13 @@ TextEdit {
     Accessible.name: text
     Accessible.readOnly: true
     Accessible.ignored: !visible || text.length === 0
-    onActiveFocusChanged: if (!activeFocus) deselect()
+    persistentSelection: true
+    onActiveFocusChanged: if (!activeFocus && !held) deselect()
+
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: point => root.menu(point.position.x, point.position.y)
+    }
 
     LineHeight {
         document: root.textDocument

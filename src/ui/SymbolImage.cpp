@@ -56,6 +56,26 @@ QImage onBar(const QString& name, int pixels, bool dark)
     return inked(name, pixels, dark ? QColor{0xff, 0xff, 0xff} : QColor{0x1b, 0x1c, 0x22});
 }
 
+QImage onAnyBar(const QString& name, int pixels, bool dark)
+{
+    const QImage hair = onBar(name, pixels, !dark);
+    QImage image{hair.size(), hair.format()};
+    image.fill(Qt::transparent);
+    QPainter painter{&image};
+    for (const QPoint& aside : {QPoint{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}})
+        painter.drawImage(aside, hair);
+    painter.drawImage(QPoint{}, onBar(name, pixels, dark));
+    return image;
+}
+
+QIcon program()
+{
+    QIcon icon;
+    for (const int side : {16, 24, 32, 48, 64})
+        icon.addPixmap(QPixmap::fromImage(rendered(source(u"murmeli"_s), side)));
+    return icon;
+}
+
 QImage recording(int pixels, bool bright)
 {
     static QHash<std::pair<int, bool>, QImage> cache; // the blink comes back to the same two looks

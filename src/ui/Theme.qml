@@ -9,6 +9,7 @@ QtObject {
 
     readonly property bool dark: Look.dark
     readonly property bool reducedMotion: Look.reducedMotion
+    readonly property bool highContrast: Look.highContrast
     readonly property bool compositing: Look.compositing
 
     // Accents, the same in both themes.
@@ -57,21 +58,20 @@ QtObject {
 
     // Veils and lines.
     readonly property color shade: dark ? white : night
-    readonly property color hover: alpha(shade, dark ? 0.045 : 0.04)
-    readonly property color press: alpha(shade, dark ? 0.08 : 0.075)
-    readonly property color fill: alpha(shade, dark ? 0.075 : 0.06)
-    readonly property color fillHover: alpha(shade, dark ? 0.115 : 0.10)
-    readonly property color line: alpha(shade, dark ? 0.065 : 0.08)
-    readonly property color lineField: alpha(shade, dark ? 0.11 : 0.13)
-    readonly property color lineStrong: alpha(shade, dark ? 0.18 : 0.22)
-    readonly property color track: alpha(shade, 0.09)
-    readonly property color segEdge: dark ? clear : alpha(shade, 0.12)
+    readonly property color hover: veil(dark ? 0.045 : 0.04)
+    readonly property color press: veil(dark ? 0.08 : 0.075)
+    readonly property color fill: veil(dark ? 0.075 : 0.06)
+    readonly property color fillHover: veil(dark ? 0.115 : 0.10)
+    readonly property color line: veil(dark ? 0.065 : 0.08)
+    readonly property color lineField: veil(dark ? 0.11 : 0.13)
+    readonly property color lineStrong: veil(dark ? 0.18 : 0.22)
+    readonly property color track: veil(0.09)
+    readonly property color segEdge: alpha(shade, dark ? 0.40 : 0.52) // 3 : 1 to either side
 
     readonly property color text1: dark ? "#F3F4F8" : "#17181F"
-    readonly property color text2: dark ? "#A9ACBA" : "#565966"
-    readonly property color text3: dark ? "#868997" : "#6A6D7A"
-    readonly property color text4: dark ? "#565966" : "#A6A8B3"
-
+    readonly property color text2: highContrast ? text1 : dark ? "#A9ACBA" : "#565966"
+    readonly property color text3: highContrast ? text1 : dark ? "#868997" : "#6A6D7A"
+    readonly property color text4: highContrast ? text1 : dark ? "#565966" : "#A6A8B3"
 
     // In the order of Accent.
     readonly property var accents: [cyan, green, violet, pink, red]
@@ -79,6 +79,10 @@ QtObject {
 
     function alpha(ink: color, opacity: real): color {
         return Qt.rgba(ink.r, ink.g, ink.b, opacity);
+    }
+    // Of the shade; under high contrast at least so strong that it is 3 : 1 to every surface.
+    function veil(opacity: real): color {
+        return alpha(shade, highContrast ? Math.max(opacity, dark ? 0.36 : 0.47) : opacity);
     }
     function tint(accent: color): color {
         return alpha(accent, dark ? 0.14 : 0.11);

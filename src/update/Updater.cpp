@@ -24,6 +24,18 @@ constexpr auto installTime = 90s;
 constexpr qsizetype longestLabel = 60;     // characters of a version or a day
 constexpr qint64 recordLimit = 256 * 1024; // bytes; a release record has a few thousand
 
+// Runs $1 with its output in $2 or, where that is somebody else's, in $3. The place is one that everybody may
+// write to: another's file there must not stop us, and a link must not lead us to empty what it points at.
+const QString detachedScript = uR"sh(
+log=$2
+[ -e "$log" ] || (umask 077; set -C; : > "$log") 2>/dev/null
+if [ -L "$log" ] || [ ! -f "$log" ] || [ ! -O "$log" ]; then
+    log=$3
+    mkdir -p "$(dirname "$log")"
+fi
+{ : > "$log"; } 2>/dev/null || log=/dev/null
+nohup bash "$1" >"$log" 2>&1 &)sh"_s;
+
 /// The components of a version; what is no whole number counts as 0.
 QList<qint64> components(const QString& version)
 {
@@ -61,14 +73,14 @@ PhaseLook lookOf(Updater::Phase phase)
 } // namespace
 
 Updater::Updater(Place place, Http& http, Processes& processes, Desktop& desktop, Scheduler& scheduler,
-                 StatusProvider status, QObject* parent)
+                 MayInterrupt mayInterrupt, QObject* parent)
     : QObject(parent),
       m_place(std::move(place)),
       m_http(http),
       m_processes(processes),
       m_desktop(desktop),
       m_scheduler(scheduler),
-      m_status(std::move(status))
+      m_mayInterrupt(std::move(mayInterrupt))
 {
 }
 
@@ -135,7 +147,7 @@ void Updater::take(const QByteArray& record)
     m_released = text::shortened(text::oneLine(json::text(*object, "released"_L1)), longestLabel);
     m_lastChecked = m_scheduler.moment();
     setPhase(m_available ? Phase::Available : Phase::UpToDate);
-    if (m_available && replaceable() && m_status() != "recording"_L1) runUpdate();
+    if (m_available && m_mayInterrupt()) runUpdate();
 }
 
 void Updater::runUpdate()
@@ -144,9 +156,8 @@ void Updater::runUpdate()
     m_phase = Phase::Installing;
     m_busy = true;
     // A missing script fails into its log; there is nobody to wait for either way.
-    m_processes.startDetached(
-        u"/bin/bash"_s,
-        {u"-c"_s, u"nohup bash \"%1\" >/tmp/murmeli-update.log 2>&1 &"_s.arg(m_place.script)});
+    m_processes.startDetached(u"/bin/bash"_s, {u"-c"_s, detachedScript, u"murmeli"_s, m_place.script,
+                                               m_place.log, m_desktop.stateFolder() + u"/update.log"_s});
     m_scheduler.after(installTime, this, [this] {
         if (!std::exchange(m_busy, false)) return;
         m_available = false;

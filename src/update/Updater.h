@@ -51,13 +51,13 @@ public:
         QString script;     ///< path of the installer
         QString current;    ///< the running version
         Installation installation;
+        QString log = QStringLiteral("/tmp/murmeli-update.log"); ///< of the installer, unless it is another's
     };
-    /// The service's status at this moment, which may be "recording".
-    using StatusProvider = std::function<QString()>;
+    /// Whether this is a moment to replace the program unasked.
+    using MayInterrupt = std::function<bool()>;
 
-    Updater(
-        Place place, Http& http, Processes& processes, Desktop& desktop, Scheduler& scheduler,
-        StatusProvider status = [] { return QStringLiteral("idle"); }, QObject* parent = nullptr);
+    Updater(Place place, Http& http, Processes& processes, Desktop& desktop, Scheduler& scheduler,
+            MayInterrupt mayInterrupt, QObject* parent = nullptr);
 
     /// Whether `a` is a higher version than `b`: decimal components joined by dots, missing ones count as 0
     /// and so do pieces that are no number.
@@ -109,7 +109,7 @@ private:
     Processes& m_processes;
     Desktop& m_desktop;
     Scheduler& m_scheduler;
-    StatusProvider m_status;
+    MayInterrupt m_mayInterrupt;
     Phase m_phase = Phase::Idle;
     bool m_available = false;
     QString m_latest;

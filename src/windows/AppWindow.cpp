@@ -3,6 +3,7 @@
 #include "localisation/Language.h"
 #include "platform/Memory.h"
 #include "ui/FocusKeeper.h"
+#include "ui/SymbolImage.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -23,11 +24,15 @@ constexpr int titleBar = 40; // about as high as a desktop's is, which is not kn
 } // namespace
 
 AppWindow::AppWindow(QQmlEngine& engine, const Language& language, const View& view)
-    : QQuickView(&engine, nullptr), m_placeFile(view.placeFile), m_escapeCloses(view.escapeCloses)
+    : QQuickView(&engine, nullptr),
+      m_placeFile(view.placeFile),
+      m_quit(view.quit),
+      m_escapeCloses(view.escapeCloses)
 {
     const auto retitle = [this, &language, key = view.titleKey] { setTitle(language.t(key)); };
     if (!view.titleStays) connect(&language, &Language::changed, this, retitle);
     retitle();
+    setIcon(symbols::program());
     setResizeMode(QQuickView::SizeRootObjectToView);
     resize(view.size);
     setMinimumSize(view.least.isValid() ? view.least : view.size);
@@ -87,7 +92,11 @@ void AppWindow::present()
 void AppWindow::keyPressEvent(QKeyEvent* event)
 {
     QQuickView::keyPressEvent(event);
-    if (m_escapeCloses && !event->isAccepted() && event->key() == Qt::Key_Escape) close();
+    if (event->isAccepted()) return;
+    const bool closes =
+        event->matches(QKeySequence::Close) || (m_escapeCloses && event->key() == Qt::Key_Escape);
+    if (closes) close();
+    if (event->matches(QKeySequence::Quit) && m_quit) m_quit();
 }
 
 } // namespace murmeli

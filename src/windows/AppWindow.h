@@ -2,6 +2,8 @@
 
 #include <QQuickView>
 
+#include <functional>
+
 namespace murmeli {
 
 class Language;
@@ -22,6 +24,7 @@ public:
         bool resizable = true;   ///< from `least` upwards
         bool escapeCloses = false;
         QString placeFile = {}; ///< where size and place are remembered, if they are
+        std::function<void()> quit = {};
     };
 
     AppWindow(QQmlEngine& engine, const Language& language, const View& view);
@@ -40,6 +43,7 @@ private:
     void rememberPlace() const;
 
     QString m_placeFile;
+    std::function<void()> m_quit;
     bool m_escapeCloses;
     bool m_placed = false;
 };

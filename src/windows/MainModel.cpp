@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "platform/Desktop.h"
+#include "service/Paths.h"
 
 #include <utility>
 
@@ -33,33 +34,37 @@ void MainModel::open(const QString& id)
         std::make_unique<MeetingDetailModel>(
             MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_drafts, m_ground.account,
                                        m_ground.http, m_ground.processes, m_ground.desktop, m_ground.language,
-                                       m_ground.scheduler, m_ground.webOrigin, m_background},
-            *meeting, filesOf(*meeting)));
+                                       m_ground.scheduler, m_ground.webOrigin},
+            *meeting, workOn(*meeting)));
     emit detailChanged();
     leave(std::move(old));
 }
 
-std::shared_ptr<ProtocolFileMaker> MainModel::filesOf(const Meeting& meeting)
+MeetingDetailModel::Work MainModel::workOn(const Meeting& meeting)
 {
-    std::shared_ptr<ProtocolFileMaker>& files = m_files[meeting.id];
-    if (!files) {
-        files = std::make_shared<ProtocolFileMaker>(m_ground.paths, m_ground.processes, m_ground.desktop);
-        connect(files.get(), &ProtocolFileMaker::saveEnded, this,
-                [this, id = meeting.id, title = meeting.title, made = files.get()] {
-                    const bool seen =
-                        m_onScreen && m_tab == Tab::Meetings && m_detail && m_detail->id() == id;
-                    const bool saved = made->outcome() == ProtocolFileMaker::Outcome::Saved;
-                    if (!seen) emit fileEnded(text::oneLine(title), saved, made->message());
-                });
-    }
-    return files;
+    if (m_work.contains(meeting.id)) return m_work[meeting.id];
+    const MeetingDetailModel::Work work{
+        std::make_shared<ProtocolEditor>(
+            ProtocolEditor::Place{m_ground.webOrigin, m_ground.paths.python, m_ground.paths.rebuildScript},
+            m_ground.account, m_ground.http, m_ground.processes, m_ground.scheduler),
+        std::make_shared<ProtocolFileMaker>(m_ground.paths, m_ground.processes, m_ground.desktop)};
+    connect(work.editor.get(), &ProtocolEditor::fixed, this,
+            [this, id = meeting.id](const QString& remark) { m_drafts.carryOut(id, remark); });
+    connect(work.files.get(), &ProtocolFileMaker::saveEnded, this,
+            [this, id = meeting.id, title = meeting.title, made = work.files.get()] {
+                const bool seen = m_onScreen && m_tab == Tab::Meetings && m_detail && m_detail->id() == id;
+                const bool saved = made->outcome() == ProtocolFileMaker::Outcome::Saved;
+                if (!seen) emit fileEnded(text::oneLine(title), saved, made->message());
+            });
+    return m_work.insert(meeting.id, work).value();
 }
 
 void MainModel::leave(std::unique_ptr<MeetingDetailModel> detail)
 {
     if (!detail) return;
-    // A build goes on without the view that began it.
-    if (detail->files()->outcome() != ProtocolFileMaker::Outcome::Working) m_files.remove(detail->id());
+    if (detail->editor()->outcome() != ProtocolEditor::Outcome::Working &&
+        detail->files()->outcome() != ProtocolFileMaker::Outcome::Working)
+        m_work.remove(detail->id());
     detail.release()->deleteLater(); // its view still reads it
 }
 

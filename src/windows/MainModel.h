@@ -22,6 +22,7 @@ class MainModel final : public QObject {
     Q_PROPERTY(Tab tab READ tab WRITE setTab NOTIFY tabChanged FINAL)
     Q_PROPERTY(murmeli::MeetingDetailModel* detail READ detail NOTIFY detailChanged FINAL) ///< null: the list
     Q_PROPERTY(murmeli::MeetingStore* store READ store CONSTANT FINAL)
+    Q_PROPERTY(murmeli::AuthManager* account READ account CONSTANT FINAL)
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::AssistantModel* assistant READ assistant CONSTANT FINAL)
     Q_PROPERTY(murmeli::SettingsModel* settings READ settings CONSTANT FINAL)
@@ -51,6 +52,7 @@ public:
     void setTab(Tab tab);
     [[nodiscard]] MeetingDetailModel* detail() const { return m_detail.get(); }
     [[nodiscard]] MeetingStore* store() { return &m_store; }
+    [[nodiscard]] AuthManager* account() { return &m_ground.account; }
     [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] AssistantModel* assistant() { return &m_assistant; }
     [[nodiscard]] SettingsModel* settings() { return &m_ground.settings; }
@@ -69,19 +71,17 @@ signals:
     void detailChanged();
 
 private:
-    std::shared_ptr<ProtocolFileMaker> filesOf(const Meeting& meeting);
+    MeetingDetailModel::Work workOn(const Meeting& meeting);
     void leave(std::unique_ptr<MeetingDetailModel> detail);
 
     Ground m_ground;
-    QObject m_background;
     MeetingStore m_store;
     Drafts m_drafts;
     AssistantModel m_assistant;
     Tab m_tab = Tab::Meetings;
     std::unique_ptr<MeetingDetailModel> m_detail;
     bool m_onScreen = false;
-    QHash<QString, std::shared_ptr<ProtocolFileMaker>>
-        m_files; ///< by the meeting: of the open one, and at work
+    QHash<QString, MeetingDetailModel::Work> m_work; ///< by the meeting: of the open one, and what goes on
 };
 
 } // namespace murmeli

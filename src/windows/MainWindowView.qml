@@ -101,6 +101,7 @@ Rectangle {
             id: assistant
             width: parent.width
             height: parent.height
+            account: root.model.account
             model: root.model.assistant
             store: root.model.glossary
             enabled: root.onAssistant

@@ -16,6 +16,10 @@ class Starting(JourneyTest):
         again = session.run_program()
         self.assertEqual((again.returncode, again.stdout, again.stderr), (0, b"", b""))
         stays(lambda: session.program.poll() is None and not session.screen.windows(), "the first one, undisturbed", 1)
+        session.run_program("--window")
+        session.tree.wait("frame", "Встречи")
+        session.screen.key("ctrl+w")
+        session.tree.wait_gone("frame", "Встречи")
         session.open_panel()
 
     def test_without_a_home_it_says_so_in_one_line(self):
@@ -103,13 +107,17 @@ class IconMenu(JourneyTest):
         self.choose(session, "Down", "Return")
         wait_for(lambda: session.status() == "recording", "the service to record")
         wait_for(lambda: tray.is_bright_red(session), "the red icon")
+        self.choose(session, "Up", "Return")  # the last one, which asks first
+        session.press("push button", "Отмена")
+        session.tree.wait_gone("push button", "Отмена")
         self.choose(session, "Down", "Return")
         wait_for(lambda: session.status() == "idle", "the meeting to be done")
         self.assertEqual(len(list(session.logs.glob("*.protocol.json"))), 1)
+        wait_for(lambda: tray.is_template(session), "the icon at rest")
         self.choose(session, "Down", "Down", "Return")
         session.wait_open()
         session.press_icon()
         session.wait_closed()
-        self.choose(session, "Up", "Return")  # the last one
+        self.choose(session, "Up", "Return")
         self.assertEqual(session.program.wait(5), 0)
         wait_for(lambda: not session.screen.icon(), "the icon to go")

@@ -31,6 +31,7 @@ public:
         bus.connect(portalService, portalPath, settingsInterface, u"SettingChanged"_s, this,
                     SLOT(settingChanged(QString, QString, QDBusVariant)));
         ask(u"org.freedesktop.appearance"_s, u"color-scheme"_s);
+        ask(u"org.freedesktop.appearance"_s, u"contrast"_s);
         ask(u"org.freedesktop.appearance"_s, u"reduced-motion"_s);
         ask(u"org.gnome.desktop.interface"_s, u"enable-animations"_s);
         ask(u"org.kde.kdeglobals.KDE"_s, u"AnimationDurationFactor"_s);
@@ -64,6 +65,8 @@ private:
         }
         if (key == "color-scheme"_L1 && space == "org.freedesktop.appearance"_L1) {
             setDark(value.toUInt() != 2); // 0 no preference, 1 dark, 2 light
+        } else if (key == "contrast"_L1) {
+            setHighContrast(value.toUInt() == 1);
         } else if (key == "reduced-motion"_L1) {
             wishLessMotion(Wish::Portal, value.toUInt() == 1);
         } else if (key == "enable-animations"_L1) {

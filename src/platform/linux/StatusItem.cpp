@@ -1,9 +1,11 @@
 #include "TrayIcon.h"
+#include "WindowSystem.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QGuiApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -28,8 +30,17 @@ public:
             const QDBusPendingReply<bool> reply = *watcher;
             m_recolours = !reply.isError() && reply.value();
             watcher->deleteLater();
-            if (m_recolours) setLook(m_look);
+            if (m_recolours) emit groundChanged();
         });
+    }
+
+    [[nodiscard]] Ground ground() const override
+    {
+        if (m_recolours || !qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+            return Ground::OfTheTheme;
+        const auto dark = windowSystem::trayIsDark();
+        if (!dark) return Ground::Unknown;
+        return *dark ? Ground::Dark : Ground::Light;
     }
 
     void setLook(const Look& look) override

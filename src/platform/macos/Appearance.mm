@@ -34,6 +34,7 @@ private:
             bestMatchFromAppearancesWithNames:@[ NSAppearanceNameAqua, NSAppearanceNameDarkAqua ]];
         setDark([name isEqualToString:NSAppearanceNameDarkAqua]);
         setReducedMotion([[NSWorkspace sharedWorkspace] accessibilityDisplayShouldReduceMotion]);
+        setHighContrast([[NSWorkspace sharedWorkspace] accessibilityDisplayShouldIncreaseContrast]);
     }
 
     id m_observer;

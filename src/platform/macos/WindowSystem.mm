@@ -14,6 +14,8 @@ bool drawsInSoftware() { return false; }
 
 bool compositing() { return true; }
 
+std::optional<bool> trayIsDark() { return std::nullopt; } // the menu bar inks template images by itself
+
 void floatEverywhere(QWindow* window)
 {
     NSView* view = reinterpret_cast<NSView*>(window->winId());

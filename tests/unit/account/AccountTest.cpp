@@ -253,6 +253,29 @@ private slots:
         QCOMPARE(done.count(), 0);
     }
 
+    void theFilesTokensWinWhereTheyAreTheSamePersons()
+    {
+        const QString renewed = token(R"({"sub":"anna-id","renewed":1})");
+        const QString other = token(R"({"sub":"other"})");
+        for (const QString& there : {renewed, other}) {
+            CASE(there == renewed ? "renewed" : "another person's");
+            init();
+            const QString leftover = m->file + u".murmeli-1a2b"_s; // of a write that was killed
+            QVERIFY(files::writeAtomic(leftover, "tokens") && files::writeAtomic(m->file + u".bak"_s, "x"));
+            m->secrets.values = {{u"murmeli_access_token"_s, annasToken}};
+            m->write(compact({{u"access_token"_s, there}, {u"refresh_token"_s, u"fr"_s}}));
+            m->server.says(Server::answer(200, "[]"));
+            const auto auth = m->make();
+            m->scheduler.advance(0ms);
+            const QString used = there == renewed ? renewed : annasToken;
+            QTRY_VERIFY(m->written().contains("anna-id"));
+            QVERIFY(m->written().contains("\"" + used.toUtf8() + "\""));
+            for (const Server::Request& request : m->server.requests)
+                QCOMPARE(request.header("Authorization"), "Bearer " + used.toUtf8());
+            QVERIFY(!QFile::exists(leftover) && QFile::exists(m->file + u".bak"_s));
+        }
+    }
+
     void whatIsNoSessionRestoresNone()
     {
         const Cases<QByteArray> cases{
@@ -289,7 +312,11 @@ private slots:
         QTRY_VERIFY(m->written().contains("anna-id"));
         // From then on the service may renew it.
         QTRY_COMPARE((m->write(file(u"renewed"_s)), auth->freshToken()), u"renewed"_s);
+        const QString other = token(R"({"sub":"other"})");
+        m->write(file(other)); // nobody renews a token to another person's
+        QCOMPARE(auth->freshToken(), annasToken);
         auth->logout();
+        QCOMPARE(auth->freshToken(), QString{});
         signInAs(*auth, u"opaque"_s); // never reaches the file
         QCOMPARE(auth->freshToken(), u"opaque"_s);
     }

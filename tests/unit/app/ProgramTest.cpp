@@ -50,7 +50,7 @@ private slots:
     {
         HiddenItem item;
         TrayFace face{item, m->state, m->record, m->panel, m->language, m->look, m->scheduler};
-        QSignalSpy missing{&face, &TrayFace::trayMissing};
+        QSignalSpy decided{&face, &TrayFace::trayDecided};
         face.show();
         QVERIFY(item.look.isTemplate);
         QCOMPARE(item.name, u"Murmeli: Готов к записи"_s);
@@ -78,20 +78,20 @@ private slots:
         QCOMPARE(item.looks, looks); // at rest nothing blinks
         m->look.setDark(false);
         QVERIFY(item.looks > looks);
-        QVERIFY(missing.isEmpty());
+        QCOMPARE(decided, QList<QVariantList>{{true}});
     }
 
     void aDesktopWithoutATrayIsTold()
     {
         HiddenItem item;
         TrayFace face{item, m->state, m->record, m->panel, m->language, m->look, m->scheduler};
-        QSignalSpy missing{&face, &TrayFace::trayMissing};
+        QSignalSpy decided{&face, &TrayFace::trayDecided};
         item.tray = false;
         face.show();
         m->scheduler.advance(1999ms);
-        QVERIFY(missing.isEmpty());
+        QVERIFY(decided.isEmpty());
         m->scheduler.advance(1ms);
-        QCOMPARE(missing.size(), 1);
+        QCOMPARE(decided, QList<QVariantList>{{false}});
     }
 
     void whatTheServiceDoesIsSeen()
@@ -128,8 +128,66 @@ private slots:
         m->program.told(u"murmeli://auth#access_token=a"_s);
         QCOMPARE(panel.size(), 1);
         QVERIFY(m->state.welcome());
-        m->program.told(u"activate"_s);
+        m->program.told(wish::beSeen);
         QCOMPARE(seen.size(), 1);
+    }
+
+    void aLaterStartMayRecordOrOpenTheWindow()
+    {
+        QSignalSpy window{&m->program, &Program::mainWindowWanted};
+        m->program.told(wish::window);
+        QCOMPARE(window.size(), 1);
+        m->serviceSays("recording");
+        m->program.told(wish::record); // it does: nothing is stopped
+        QVERIFY(!QFile::exists(m->paths.commandFile));
+        m->serviceSays("idle");
+        m->program.told(wish::record);
+        QVERIFY(command().contains("start"));
+    }
+
+    void quittingAsksWhileARecordingRuns()
+    {
+        QSignalSpy quit{&m->program, &Program::quitWanted};
+        QSignalSpy asked{&m->program.quitQuestion, &QuitQuestion::asked};
+        m->serviceSays("recording");
+        emit m->panel.quitRequested();
+        QCOMPARE(asked.size(), 1);
+        QVERIFY(quit.isEmpty());
+        QVERIFY(QDir{m->paths.root}.rename(m->paths.root, m->paths.root + u"-away"_s));
+        m->program.quitQuestion.stopAndQuit(); // nobody can be told to stop
+        QVERIFY(quit.isEmpty());
+        QVERIFY(QDir{m->paths.root}.rename(m->paths.root + u"-away"_s, m->paths.root));
+        m->scheduler.advance(12s);
+        m->program.quitQuestion.stopAndQuit();
+        QCOMPARE(quit.size(), 1);
+        QVERIFY(command().contains("stop"));
+    }
+
+    void aChoiceThatIsNotStoredIsTold()
+    {
+        QSignalSpy toast{&m->program, &Program::toastWanted};
+        QVERIFY(QDir{}.mkpath(m->paths.prefsFile)); // which cannot be written
+        m->panel.setAutoRecord(false);
+        QCOMPARE(toast.size(), 1);
+        QVERIFY(m->panel.autoRecord());
+        m->settings.set(u"protocol_format"_s, u"short"_s);
+        QCOMPARE(toast.size(), 2);
+        QCOMPARE(m->settings.stateOf(u"protocol_format"_s).value, u"full"_s);
+    }
+
+    void theSetupIsNotInterruptedByAnUpdate()
+    {
+        m->desktop.states = m->home.filePath(u"state"_s);
+        m->server.reply = [](QTcpSocket* socket, const Server::Request& request) {
+            const bool installer = request.path == "/app/install.sh";
+            socket->write(Server::answer(200, installer ? "sleep 60\n" : R"({"version":"99.0"})"));
+        };
+        m->program.start(true);
+        m->scheduler.advance(0ms);
+        QTRY_VERIFY(m->program.setup()->runner()->isRunning());
+        m->scheduler.advance(30s);
+        QTRY_VERIFY(m->updater.available());
+        QVERIFY(!m->updater.busy());
     }
 
     void buttonsReachTheDesktop()
@@ -187,6 +245,10 @@ private slots:
     }
 
 private:
+    [[nodiscard]] QByteArray command() const
+    {
+        return files::readWhole(m->paths.commandFile, 1000).value_or("");
+    }
     [[nodiscard]] qsizetype lookups() const { return m->server.requestsTo("/rest/v1/telegram_links").size(); }
 
     std::unique_ptr<TestProgram> m;

@@ -73,15 +73,24 @@ private slots:
             connect(socket, &QTcpSocket::disconnected, timer, &QTimer::stop);
             timer->start(pause);
         };
-        const auto breakOff = [&head](QTcpSocket* socket) {
-            socket->write(head + "[]");
+        const auto breakOff = [&head](QTcpSocket* socket, const QByteArray& status = "200",
+                                      const QByteArray& body = "[]") {
+            socket->write(QByteArray{head}.replace("200", status) + body);
+            socket->disconnectFromHost();
+        };
+        const auto breakOffInPieces = [](QTcpSocket* socket) {
+            socket->write("HTTP/1.1 500 X\r\nTransfer-Encoding: chunked\r\n\r\n2\r\n[]\r\n");
             socket->disconnectFromHost();
         };
         const Cases<std::function<void(QTcpSocket*)>, std::chrono::milliseconds, Failure> cases{
             {"never answers", [](QTcpSocket*) {}, 300ms, Failure::Timeout},
             {"a byte now and then", [&](QTcpSocket* s) { feed(s, 1, 20ms); }, 300ms, Failure::Timeout},
             {"without an end", [&](QTcpSocket* s) { feed(s, 65'536, 0ms); }, 20s, Failure::TooLarge},
-            {"breaks off", breakOff, 20s, Failure::Transport},
+            {"breaks off", [&](QTcpSocket* s) { breakOff(s); }, 20s, Failure::Transport},
+            {"breaks off an error", [&](QTcpSocket* s) { breakOff(s, "500"); }, 20s, Failure::Transport},
+            {"breaks off after the head", [&](QTcpSocket* s) { breakOff(s, "404", {}); }, 20s,
+             Failure::Transport},
+            {"breaks off an error in pieces", breakOffInPieces, 20s, Failure::Transport},
             {"hangs up", [](QTcpSocket* s) { s->abort(); }, 20s, Failure::Transport},
             {"nobody is there", {}, 20s, Failure::Transport},
         };

@@ -92,6 +92,61 @@ private slots:
         QVERIFY2(detail.dateLine().contains(u"Mar"_s), qPrintable(detail.dateLine()));
     }
 
+    void aProtocolCanBeTaken()
+    {
+        m->write({u"раз"_s, u"два"_s});
+        MeetingDetailModel& detail = m->open();
+        detail.copyItem(1);
+        QCOMPARE(m->desktop.copiedText, u"два"_s);
+        detail.copyItem(7);
+        QCOMPARE(m->desktop.copiedText, u"два"_s);
+        detail.copyProtocol();
+        QCOMPARE(m->desktop.copiedText, u"План\n"_s + detail.dateLine() + u"\n\nРешения\n– раз\n– два"_s);
+    }
+
+    void whatIsReadStaysWhereItIs()
+    {
+        SectionListModel model{nullptr};
+        model.setSections(sections({u"а"_s, u"б"_s, u"в"_s}));
+        const QPersistentModelIndex read = model.index(1);
+        QSignalSpy reset{&model, &QAbstractItemModel::modelReset};
+        for (const QStringList& now : {QStringList{u"а"_s, u"б"_s, u"в"_s, u"г"_s},
+                                       {u"а"_s, u"б"_s},
+                                       {u"а"_s, u"б"_s, u"д"_s, u"е"_s}}) {
+            model.setSections(sections(now));
+            QCOMPARE(told(model), now.join(u' '));
+            QCOMPARE(read.data(SectionListModel::TextRole), u"б"_s);
+        }
+        model.setSections({});
+        QCOMPARE(model.rowCount(), 0);
+        QVERIFY(reset.isEmpty());
+    }
+
+    void aProtocolThatHasGoneIsNotOffered()
+    {
+        const QString protocol = m->home.filePath(u"план.md"_s);
+        m->TestProgram::write(protocol, "# План");
+        m->write({u"раз"_s}, {{u"protocol_md"_s, protocol}});
+        const MeetingDetailModel& detail = m->open();
+        QVERIFY(detail.hasProtocol());
+        QFile::remove(protocol);
+        m->reload();
+        QVERIFY(!detail.hasProtocol());
+    }
+
+    void theAnalysisFollowsItsMeeting()
+    {
+        m->write({u"раз"_s});
+        MeetingDetailModel& detail = m->open();
+        detail.openReport();
+        QTRY_VERIFY(detail.report()->asked());
+        QVERIFY(detail.report()->empty());
+        const QJsonObject figures{{u"speakers"_s, QJsonArray{QJsonObject{{u"name"_s, u"Анна"_s}}}}};
+        m->write({u"раз"_s}, {{u"analytics"_s, figures}});
+        m->reload();
+        QTRY_VERIFY(!detail.report()->empty());
+    }
+
     void aRemarkIsCarriedOutThoughItsMeetingWasLeft()
     {
         m->write({u"раз"_s});
@@ -104,10 +159,11 @@ private slots:
         m->main->back();
         const MeetingDetailModel& again = m->open();
         QCOMPARE(again.draft(), u"замени"_s); // nobody knows yet what will come of it
+        QCOMPARE(m->main->detail()->editor()->outcome(), ProtocolEditor::Outcome::Working);
         m->server.held[0]->write(
             Server::answer(200, R"({"found":true,"section":"decisions","index":0,"text":"два"})"));
         QTRY_COMPARE(again.draft(), QString{});
-        QTRY_COMPARE(told(*m->main->detail()->sections()), u"два"_s);
+        QTRY_COMPARE(told(*m->main->detail()->sections()), u"два<раз!"_s);
         m->main->back();
         QCOMPARE(m->open().draft(), QString{});
     }

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -60,6 +61,24 @@ private slots:
             const PanelPlacement place = placePanel(at, available, content);
             QCOMPARE(place.panel, panel);
             QCOMPARE(place.arrowX, arrowX);
+            QCOMPARE(place.above, panel.y() < at.y());
+        }
+    }
+
+    void thereIsARuntimeFolderWhateverTheEnvironmentNames()
+    {
+        QTest::failOnWarning(QRegularExpression{u".*"_s}); // the second start is silent
+        const QByteArray named = qgetenv("XDG_RUNTIME_DIR");
+        for (const char* folder : {"", "/no/such/folder"}) {
+            qputenv("XDG_RUNTIME_DIR", folder);
+            const QFileInfo found{SingleInstance::runtimeFolder()};
+            QVERIFY(found.isDir() && found.isWritable());
+            QCOMPARE(qEnvironmentVariable("XDG_RUNTIME_DIR"), found.filePath());
+        }
+        if (named.isEmpty()) {
+            qunsetenv("XDG_RUNTIME_DIR");
+        } else {
+            qputenv("XDG_RUNTIME_DIR", named);
         }
     }
 

@@ -12,9 +12,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <optional>
-
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace murmeli;
 using Outcome = ProtocolEditor::Outcome;
 
@@ -86,42 +85,55 @@ private slots:
                                   {u"edited_at"_s, u"2025-03-04T10:15:30Z"_s},
                                   {u"edits"_s, 2}}));
         }
-        for (const QByteArray& file : {R"({"risks":["a"]})"_ba, R"({"risks":["a"],"_meta":7})"_ba}) {
+        constexpr qint64 most = std::numeric_limits<qint64>::max();
+        for (const auto& [meta, edits] :
+             {std::pair{"{}", qint64(1)}, {"7", 1}, {R"({"edits":9223372036854775807})", most}}) {
+            const QByteArray file = R"({"risks":["a"],"_meta":)" + QByteArray{meta} + '}';
             const auto corrected = protocolItems::corrected(file, u"risks"_s, 0, u"b"_s, 0);
-            QCOMPARE(json::object(*corrected)->value(u"_meta"_s)[u"edits"_s].toInt(), 1);
+            QCOMPARE(json::object(*corrected)->value(u"_meta"_s)[u"edits"_s].toInteger(), edits);
         }
     }
 
     void whatTheServiceWritesMeanwhileStays()
     {
-        const Cases<QByteArray, Outcome, QByteArray> cases{
-            // what stands in the file when the answer comes, and what becomes of its decisions
-            {"nothing new", summary, Outcome::Fixed, R"(["новое"," ",{"text":"два"}])"},
-            {"half of it", "{", Outcome::Fixed, R"(["новое"," ",{"text":"два"}])"},
-            {"another item", R"({"decisions":["раз","иное"]})", Outcome::Fixed, R"(["новое","иное"])"},
-            {"the very item", R"({"decisions":["иное"]})", Outcome::NotFound, R"(["иное"])"},
+        const Message done = Message::of("editor.done", u"новое"_s);
+        const Message unsaved = Message::of("editor.error.save");
+        const QByteArray other = R"({"decisions":["раз","иное"],"delivered":1})";
+        const Cases<QByteArray, QByteArray, Message, QByteArray> cases{
+            // what stands in the file when the answer comes, what once that was seen, and what is left
+            {"nothing new", summary, {}, done, R"("decisions":["новое"," ",{"text":"два"}])"},
+            {"another item", other, {}, done, R"({"decisions":["новое","иное"],"delivered":1)"},
+            {"half of it", "{", other, done, R"({"decisions":["новое","иное"],"delivered":1)"},
+            {"half of it, for good", "{", "{", unsaved, "{"},
+            {"gone", {}, {}, unsaved, {}},
+            {"the very item",
+             R"({"decisions":["иное"]})",
+             {},
+             Message::of("editor.error.changed"),
+             R"({"decisions":["иное"]})"},
         };
         m->signIn();
-        for (const auto& [name, now, outcome, decisions] : cases) {
+        const QSignalSpy fixed{m->editor.get(), &ProtocolEditor::fixed};
+        for (const auto& [name, now, later, message, left] : cases) {
             CASE(name);
             m->write(m->path, summary);
             m->server.reply = [this, now = now](QTcpSocket* socket, const Server::Request&) {
-                m->write(m->path, now);
+                QFile::remove(m->path);
+                if (!now.isEmpty()) m->write(m->path, now);
                 socket->write(Server::answer(200, correction));
             };
-            const bool fixed = outcome == Outcome::Fixed;
-            QCOMPARE(m->apply(), fixed);
-            QCOMPARE(m->editor->outcome(), outcome);
-            QCOMPARE(m->editor->message(),
-                     fixed ? Message::of("editor.done", u"новое"_s) : Message::of("editor.not_found"));
-            QVERIFY2(m->file().contains("\"decisions\":" + decisions), m->file());
+            m->later = later;
+            m->apply();
+            QCOMPARE(m->editor->message(), message);
+            QVERIFY2(m->file().contains(left) && m->file().isEmpty() == left.isEmpty(), m->file());
         }
-        QCOMPARE(m->carriedOut, 3);
+        QCOMPARE(fixed.count(), 3);
     }
 
     void whatIsNoCorrectionChangesNothing()
     {
         m->signIn();
+        const QSignalSpy fixed{m->editor.get(), &ProtocolEditor::fixed};
         QList<Fault> faults = faultsAround(correction);
         faults.append({"created", Server::answer(201, correction)});
         faults.append({"an error with a correction", Server::answer(500, correction)});
@@ -150,7 +162,7 @@ private slots:
             QCOMPARE(m->editor->outcome(), Outcome::NotFound);
             QCOMPARE(m->file(), summary);
         }
-        QCOMPARE(m->carriedOut, 0);
+        QCOMPARE(fixed.count(), 0);
     }
 
     void theRequest()
@@ -185,17 +197,18 @@ private slots:
         QVERIFY(m->edits().isEmpty());
     }
 
-    void aRemarkIsCarriedOutThoughItsViewHasGone()
+    void theProtocolIsRenderedAnewAlsoWhenWeAreGone()
     {
         m->signIn();
-        m->installScript(m->paths.rebuildScript, "echo \"$@\" > '" + m->noted().toUtf8() + "'");
-        m->server.holds("/api/assist/edit");
-        m->editor->apply(u"поправь"_s, m->meeting(), [](bool) { QFAIL("nobody is there to be told"); });
-        QTRY_COMPARE(m->server.held.size(), 1);
+        const QString go = m->home.filePath(u"go"_s);
+        m->installScript(m->paths.rebuildScript, "until [ -e '" + go.toUtf8() +
+                                                     "' ]; do sleep 0.01; done; echo \"$@\" > '" +
+                                                     m->noted().toUtf8() + "'");
+        m->server.says(Server::answer(200, correction));
+        QVERIFY(m->apply());
         m->editor.reset();
-        m->server.held[0]->write(Server::answer(200, correction));
-        QTRY_VERIFY(m->file().contains("новое"));
-        QTRY_COMPARE(m->read(m->noted()), m->path.toUtf8() + '\n'); // the protocol is rendered anew
+        m->write(go, "");
+        QTRY_COMPARE(m->read(m->noted()), m->path.toUtf8() + '\n');
     }
 
     void fileNames()
@@ -205,6 +218,7 @@ private slots:
             {"separators", u"a/b:c"_s, u"a-b-c"_s},
             {"line breaks", u"a\nb\tc"_s, u"a b c"_s},
             {"too long for a file system", QString(1'000'000, u'ж'), QString(90, u'ж')},
+            {"an emoji at the cut", QString(179, u'a') + u"🎉"_s, QString(179, u'a')},
         };
         for (const auto& [name, title, suggested] : cases) {
             CASE(name);
@@ -271,14 +285,14 @@ private:
     struct Fixture : TestProgram {
         QString path = paths.logs + u"/a.protocol.json"_s;
         QString pdf = home.filePath(u"к \"файлу\".pdf"_s);
-        QObject background;
+        ManualScheduler clock; ///< of the editor
         std::unique_ptr<ProtocolEditor> editor = std::make_unique<ProtocolEditor>(
             ProtocolEditor::Place{
                 .webOrigin = server.origin(), .python = paths.python, .rebuildScript = paths.rebuildScript},
-            account, http, processes, scheduler, background);
+            account, http, processes, clock);
         std::unique_ptr<ProtocolFileMaker> files =
             std::make_unique<ProtocolFileMaker>(paths, processes, desktop);
-        int carriedOut = 0; ///< how many remarks changed the file
+        QByteArray later; ///< what the service makes of the file once it has been looked at
 
         Fixture() { write(path, summary); }
         [[nodiscard]] Meeting meeting() const
@@ -290,11 +304,16 @@ private:
         }
         bool apply(const QString& remark = u"поправь"_s)
         {
-            std::optional<bool> done;
-            editor->apply(
-                remark, meeting(), [&](bool changed) { done = changed; }, [this] { ++carriedOut; });
-            [&] { QTRY_VERIFY(done); }();
-            return done.value_or(false);
+            editor->apply(remark, meeting());
+            const auto ended = [this] {
+                if (clock.wakeUpsWithin(1s) > 0) {
+                    write(path, later);
+                    clock.advance(1s);
+                }
+                return editor->outcome() != Outcome::Working;
+            };
+            [&] { QTRY_VERIFY(ended()); }();
+            return editor->outcome() == Outcome::Fixed;
         }
         [[nodiscard]] QList<Server::Request> edits() const { return server.requestsTo("/api/assist/edit"); }
         /// Where a script notes that it ran.

@@ -80,15 +80,12 @@ private slots:
     {
         const Cases<bool, bool, bool> cases{
             // firm, done, partial
-            {"Твёрдое", true, false, false},
-            {"твердо", true, false, false},
-            {"ТВЕРДО", true, false, false},
-            {"не твёрдое", false, false, false},
-            {"пройдена полностью", false, true, false},
-            {"Пройдена", false, false, false},
-            {"частично", false, false, true},
-            {"Частично", false, false, false},
-            {" пройден ", false, true, false},
+            {"Твёрдое", true, false, false},        {"твердо", true, false, false},
+            {"тве\u0308рдое", true, false, false}, // of two signs
+            {"прои\u0306дена", false, true, false}, {"ТВЕРДО", true, false, false},
+            {"не твёрдое", false, false, false},    {"пройдена полностью", false, true, false},
+            {"Пройдена", false, false, false},      {"частично", false, false, true},
+            {"Частично", false, false, false},      {" пройден ", false, true, false},
         };
         for (const auto& [word, firm, done, partial] : cases) {
             CASE(word);
@@ -357,6 +354,18 @@ private slots:
         m->server.says(Server::answer(200, R"({"insights":[{"title":"новое"}]})"));
         m->build(); // not stored, but shown
         QCOMPARE(m->loader.report()->insights[0].title, u"новое"_s);
+    }
+
+    void anOpenedAnalysisFollowsItsMeeting()
+    {
+        m->signIn();
+        m->server.says(Server::answer(200, analysis));
+        m->build();
+        m->loader.toggle(u"[00:00:05]"_s);
+        QCOMPARE(m->loader.quotation().size(), 3); // from the transcript that it was made of
+        m->write(*m->meeting.protocolPath, "## Транскрипт\n\n> [00:00:05] Анна: новое\n");
+        m->loader.follow(m->meeting);
+        QTRY_VERIFY(m->loader.quotation().value(0).contains(u"новое"_s)); // and stays unfolded
     }
 
     void anAnalysisTooLargeToReadAgainIsStoredAsItCame()

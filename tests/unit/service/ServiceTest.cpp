@@ -129,7 +129,12 @@ private slots:
             QCOMPARE(changed.size(), 1);
             QCOMPARE(state.jobs(), 1);
 
-            writeState(torn); // stays so: damaged after all
+            writeState(torn); // whenever one looks, the service is at it
+            m_scheduler->advance(4500ms);
+            QVERIFY(state.isRecording());
+            QFile file{m_paths->stateFile}; // stays so: damaged after all
+            QVERIFY(file.open(QIODevice::ReadWrite) &&
+                    file.setFileTime(QDateTime::currentDateTime().addSecs(-3), QFile::FileModificationTime));
             m_scheduler->advance(2000ms);
             QCOMPARE(state.status(), u"idle"_s);
         }
@@ -245,6 +250,21 @@ private slots:
         QVERIFY(files::writeAtomic(m_paths->prefsFile, R"(["locale"])")); // a damaged file is replaced
         prefs.set(u"auto_record"_s, false);
         QCOMPARE(files::readWhole(m_paths->prefsFile, 100), R"({"auto_record":false})"_ba);
+    }
+
+    // As a kill in the middle of a write leaves it, which beyond one page is not one step.
+    void aTornPreferencesFileIsFoundAside()
+    {
+        const QString spare = m_paths->root + u"/state/murmeli/prefs.json"_s;
+        const QString words = QString(10'000, u'x');
+        Prefs{m_paths->prefsFile, spare}.set(u"glossary"_s, words);
+        QVERIFY(QFile::resize(m_paths->prefsFile, 8192));
+        Prefs prefs{m_paths->prefsFile, spare};
+        QCOMPARE(prefs.string(u"glossary"_s, {}), words);
+        prefs.set(u"auto_record"_s, false);
+        QCOMPARE(Prefs{m_paths->prefsFile}.string(u"glossary"_s, {}), words);
+        QVERIFY(QFile::remove(m_paths->prefsFile)); // by somebody who wants it gone
+        QCOMPARE(prefs.string(u"glossary"_s, {}), QString{});
     }
 
     void aPreferencesFileBeyondReadingIsLeftAlone()

@@ -242,6 +242,17 @@ private slots:
         QCOMPARE(m->desktop.folders, (QStringList{m->paths.recordings, m->paths.logs}));
     }
 
+    void theAccountRowSaysWhose()
+    {
+        const auto lead = [this] { return m->settings.stateOf(u"account"_s).lead; };
+        QCOMPARE(lead(), QString{});
+        m->account.login();
+        m->account.handle(u"murmeli://auth#access_token=a&email=anna%40example.org"_s);
+        QCOMPARE(lead(), u"anna@example.org"_s);
+        m->account.logout();
+        QCOMPARE(lead(), QString{});
+    }
+
     void telegram()
     {
         const SettingRow& row = rowOf(m->settings, u"telegram"_s);
@@ -256,8 +267,11 @@ private slots:
     void theVersionTellsHowTheUpdaterFares()
     {
         const SettingRow& row = rowOf(m->settings, u"version"_s);
-        const auto subtitle = [&] { return m->language.say(m->settings.stateOf(row.id).subtitle); };
-        QCOMPARE(subtitle(), u"0.8.0 · Обновления ставятся сами, проверка — раз в час"_s);
+        const auto subtitle = [&] {
+            const SettingState state = m->settings.stateOf(row.id);
+            return state.lead == m->updater.current() ? m->language.say(state.subtitle) : QString{};
+        };
+        QCOMPARE(subtitle(), u"Обновления ставятся сами, проверка — раз в час"_s);
         const auto says = [](const char* key, const QString& version = {}) {
             return Language::text(u"ru"_s, QString::fromLatin1(key), version);
         };

@@ -106,6 +106,9 @@ private slots:
             {"the step that the script blames", "echo '@@fail|models'; exit 1", false, u"models"_s},
             {"all done and yet no success", forEachStep + "echo \"@@done|$s\"; done; exit 3", false, {}},
             {"killed", "kill -9 $$", false, u"system"_s},
+            {"success before the last byte came", "exit 0\n" + QByteArray(1'000'000, '#'), true, {}},
+            {"failure before the last byte came", "exit 1\n" + QByteArray(1'000'000, '#'), false,
+             u"system"_s},
         };
         for (const auto& [name, script, finished, failedStep] : cases) {
             CASE(name);
@@ -144,6 +147,16 @@ private slots:
         QTRY_COMPARE(m->log(), "1|0\nerr\n"_ba); // both streams, whole
         QCOMPARE(m->server.requests.size(), 1);
         QCOMPARE(m->server.requests[0].path, "/app/install.sh"_ba);
+    }
+
+    void theLogIsPrivateAndHasAnEnd()
+    {
+        m->run("head -c 20000000 /dev/zero | tr '\\0' '\\n'");
+        QVERIFY(m->runner.isFinished());
+        const auto size = [this] { return QFileInfo{m->runner.logFile()}.size(); };
+        QTRY_VERIFY(size() > 10'000'000);
+        QVERIFY(size() < 11'000'000);
+        QVERIFY(files::isPrivate(m->runner.logFile()));
     }
 
     void theTailIsTheLastPlainLine()

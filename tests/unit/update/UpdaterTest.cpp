@@ -5,7 +5,10 @@
 #include "support/Faults.h"
 #include "support/TestProgram.h"
 
+#include <QProcess>
 #include <QTest>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace murmeli;
@@ -118,6 +121,48 @@ private slots:
         QTRY_COMPARE(runs(), "run\nrun\n"_ba);
     }
 
+    void theLogStopsNoUpdateAndEmptiesNoFile()
+    {
+        const Cases<QByteArray, bool> cases{
+            // how the log's place is prepared, and whether it is ours to write to
+            {"nothing there", "true", true},
+            {"our own", "echo old > log", true},
+            {"a link to a precious file", "ln -s precious log", false},
+            {"a link to nothing", "ln -s nothing log", false},
+            {"another's", "echo old > log; chown 12345 log", false},
+            {"a folder", "mkdir log", false},
+            {"a pipe", "mkfifo log", false},
+        };
+        for (const auto& [name, prepare, ours] : cases) {
+            CASE(name);
+            begin(Installation{.bundlePath = u"/opt/murmeli"_s});
+            if (QByteArray{prepare}.contains("chown") && ::geteuid() != 0)
+                continue; // only root gives files away
+            const auto at = [&](const char* file) { return m->home.filePath(QString::fromLatin1(file)); };
+            m->write(at("precious"), "words");
+            QProcess shell;
+            shell.setWorkingDirectory(m->home.path());
+            shell.start(u"/bin/sh"_s, {u"-c"_s, QString::fromLatin1(prepare)});
+            QVERIFY(shell.waitForFinished());
+            m->write(m->paths.updateScript, "echo told; echo run >> '" + at("runs").toUtf8() + "'\n");
+            m->desktop.states = at("state/murmeli");
+            Updater updater{{.script = m->paths.updateScript,
+                             .installation = {.bundlePath = u"/opt/murmeli"_s},
+                             .log = at("log")},
+                            m->http,
+                            m->processes,
+                            m->desktop,
+                            m->scheduler,
+                            [] { return true; }};
+            updater.runUpdate();
+            QTRY_COMPARE(runs(), "run\n"_ba);
+            const QString log = ours ? at("log") : at("state/murmeli/update.log");
+            QTRY_COMPARE(files::readWhole(log, 100).value_or(""), "told\n"_ba);
+            QCOMPARE(files::readWhole(at("precious"), 100), "words"_ba);
+            QVERIFY(!QFile::exists(at("nothing")));
+        }
+    }
+
     void whatIsNotOursToReplaceIsNot()
     {
         const Cases<Installation> cases{
@@ -153,7 +198,7 @@ private slots:
 private:
     void begin(const Installation& installation)
     {
-        m = std::make_unique<TestProgram>(installation, u"a home"_s); // the script's path has a space
+        m = std::make_unique<TestProgram>(installation, u"a $(touch x) \"home"_s); // which nobody may execute
         m->write(m->paths.updateScript, "echo run >> '" + m->home.filePath(u"runs"_s).toUtf8() + "'\n");
     }
     void check(const QByteArray& record)

@@ -36,6 +36,25 @@ ViewCase {
         }
     }
 
+    function test_theKeyboardWalksThroughTheItems() {
+        fixture.writeMeeting("2026-03-04 10-15-00", { title: "План", tldr: "Итог", decisions: Array.from({ length: 40 }, (_, i) => "пункт " + i) }, "# План");
+        fixture.library.store.reload();
+        tryVerify(() => shows("пункт 3"));
+        const list = named("План", Accessible.List);
+        list.forceActiveFocus(Qt.TabFocusReason);
+        compare(list.currentIndex, 0);
+        keyClick(Qt.Key_Down);
+        compare(list.currentIndex, 1);
+        keyClick(Qt.Key_C, Qt.ControlModifier);
+        compare(fixture.clipboard(), "пункт 1");
+        keyClick(Qt.Key_End);
+        verify(list.atYEnd);
+        keyClick(Qt.Key_PageUp);
+        verify(!list.atYEnd);
+        keyClick(Qt.Key_Home);
+        verify(list.atYBeginning);
+    }
+
     function test_aTakenBackDraftLeavesTheField() {
         const field = named("Замечание к протоколу");
         field.text = "замени";

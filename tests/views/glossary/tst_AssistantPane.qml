@@ -14,6 +14,7 @@ ViewCase {
         AssistantPane {
             width: testCase.width
             height: testCase.height
+            account: fixture.account
             model: fixture.library.assistant
             store: fixture.library.glossary
         }
@@ -32,6 +33,9 @@ ViewCase {
         const status = named("Войдите в аккаунт, чтобы сохранить словарь");
         const end = status.mapToItem(view, status.width, 0).x;
         verify(status.width > 100);
+        const way = named("Войти в Murmeli");
+        tryVerify(() => yOf(way) >= yOf(status) + status.height && yOf(way) + way.height <= view.height);
+        verify(way.mapToItem(view, way.width, 0).x < named("Вернуть").mapToItem(view, 0, 0).x);
         verify(end < named("Вернуть").mapToItem(view, 0, 0).x, "the status ends at " + end);
     }
 }

@@ -23,6 +23,7 @@ ViewCase {
         ReportPane {
             width: 750
             height: 680
+            account: fixture.account
             loader: fixture.library.detail.report
             meetingLine: "План"
             onBuildAsked: fixture.library.detail.buildReport()

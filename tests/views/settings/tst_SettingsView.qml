@@ -1,5 +1,6 @@
 import QtQuick
 import Murmeli.Settings
+import Murmeli.Ui
 import ".."
 
 ViewCase {
@@ -89,6 +90,32 @@ ViewCase {
         keyClick(Qt.Key_Escape);
         tryVerify(() => !choice.popup.visible);
         compare(fixture.preferences().protocol_format, "short");
+    }
+
+    function test_anOpenedListTakesTheKeyboard() {
+        named("Язык интерфейса, Русский", Accessible.ComboBox).forceActiveFocus(Qt.TabFocusReason);
+        const choice = named("Формат протокола, Развёрнутый", Accessible.ComboBox);
+        choice.popup.open(); // as a press with the mouse does
+        tryVerify(() => choice.popup.opened);
+        keyClick(Qt.Key_Down);
+        keyClick(Qt.Key_Return);
+        compare(fixture.preferences().protocol_format, "short");
+        compare(fixture.preferences().locale, undefined);
+    }
+
+    Component {
+        id: refused
+        Choice {
+            options: [{ value: "a", text: "А" }, { value: "b", text: "Б" }]
+            current: "a"
+            name: "Выбор"
+        }
+    }
+    function test_whatIsNotStoredIsNotShown() {
+        const choice = createTemporaryObject(refused, testCase);
+        choice.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Down);
+        compare(choice.displayText, "А");
     }
 
     function test_theLanguageRelabelsAllOfIt() {

@@ -1,0 +1,30 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Murmeli.Ui
+
+// A command of a menu; what does not apply is not there.
+MenuItem {
+    id: root
+
+    implicitHeight: visible ? 30 : 0
+    implicitWidth: words.implicitWidth + 24
+    padding: 0
+    visible: enabled
+    Accessible.role: Accessible.MenuItem
+    Accessible.name: text
+    Accessible.onPressAction: root.triggered()
+
+    background: Rectangle {
+        radius: 7
+        color: root.highlighted ? Theme.fillViolet : Theme.clear
+    }
+    contentItem: Label {
+        id: words
+        leftPadding: 12
+        rightPadding: 12
+        verticalAlignment: Text.AlignVCenter
+        color: root.highlighted ? Theme.white : Theme.text1
+        text: root.text
+        Accessible.ignored: true
+    }
+}
