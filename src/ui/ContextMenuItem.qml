@@ -7,7 +7,7 @@ MenuItem {
     id: root
 
     implicitHeight: visible ? 30 : 0
-    implicitWidth: words.implicitWidth + 24
+    implicitWidth: implicitContentWidth
     padding: 0
     visible: enabled
     Accessible.role: Accessible.MenuItem
@@ -19,7 +19,6 @@ MenuItem {
         color: root.highlighted ? Theme.fillViolet : Theme.clear
     }
     contentItem: Label {
-        id: words
         leftPadding: 12
         rightPadding: 12
         verticalAlignment: Text.AlignVCenter

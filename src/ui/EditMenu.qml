@@ -6,7 +6,7 @@ import Murmeli.Ui
 ContextMenu {
     id: root
 
-    required property Item text // an editor or a text to be selected
+    required property var text // an editor or a text to be selected
     readonly property bool selected: text.selectedText.length > 0
 
     function word(key: string): string {

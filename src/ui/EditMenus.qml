@@ -1,6 +1,7 @@
 pragma Singleton
 
 import QtQuick
+import QtQuick.Controls.Basic
 
 // Makes the menu of a text when it is asked for: texts are many, and most are never asked.
 QtObject {
@@ -9,6 +10,7 @@ QtObject {
     function open(text: Item, x: real, y: real): void {
         menu = menu ?? Qt.createComponent("EditMenu.qml");
         text.forceActiveFocus(Qt.PopupFocusReason);
-        menu.createObject(text, { text: text }).popup(text, x, y);
+        const opened = menu.createObject(text, { text: text }) as Menu;
+        opened.popup(text, x, y);
     }
 }
