@@ -14,7 +14,7 @@ double SystemScheduler::now() const
 
 void SystemScheduler::after(Milliseconds delay, QObject* context, std::function<void()> action)
 {
-    QTimer::singleShot(delay, context, std::move(action));
+    QTimer::singleShot(delay, Qt::PreciseTimer, context, std::move(action)); // else seconds may be 5 % off
 }
 
 void SystemScheduler::every(Milliseconds interval, QObject* context, std::function<void()> action)

@@ -116,6 +116,7 @@ Column {
     FileLine {
         width: parent.width
         files: root.detail.files
+        onRebuildAsked: root.detail.shareAnew()
     }
     Item {
         width: 1

@@ -142,6 +142,8 @@ void MeetingDetailModel::save(QWindow* window)
 
 void MeetingDetailModel::share() { m_work.files->share(m_meeting); }
 
+void MeetingDetailModel::shareAnew() { m_work.files->shareAnew(m_meeting); }
+
 void MeetingDetailModel::offer(const QString& path, QWindow* window, const QPointF& at)
 {
     const auto t = [this](const char* key) { return m_ground.language.t(QString::fromLatin1(key)); };

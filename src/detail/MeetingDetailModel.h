@@ -91,6 +91,7 @@ public:
     /// Builds a PDF for passing on, which may take minutes; built() tells where it is. A second press has it
     /// at once.
     Q_INVOKABLE void share();
+    Q_INVOKABLE void shareAnew(); ///< for when that is outdated
     /// Offers what can be done with it, at a place in `window`.
     Q_INVOKABLE void offer(const QString& path, QWindow* window, const QPointF& at);
 

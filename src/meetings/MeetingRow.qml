@@ -49,6 +49,7 @@ Rectangle {
         y: 9
         width: parent.width - x - 44
         HitLabel {
+            id: heading
             width: parent.width
             type: Theme.row
             text: root.title
@@ -73,6 +74,17 @@ Rectangle {
         opacity: area.containsMouse || root.current ? 1 : 0
         Behavior on opacity { NumberAnimation { duration: Theme.quick } }
     }
+    // Loaders take no bound components yet.
+    // qmllint disable unqualified
+    Loader { // most titles are seen whole
+        anchors.fill: parent
+        active: area.containsMouse && heading.truncated
+        sourceComponent: HelpTip {
+            visible: area.containsMouse
+            text: root.title
+        }
+    }
+    // qmllint enable unqualified
     FocusRing {
         shown: root.current
         corner: Theme.rRow

@@ -22,6 +22,7 @@ namespace murmeli {
 namespace {
 
 constexpr auto answerTime = 30s;          // for a question that no person has to answer
+constexpr auto decisionTime = 10min;      // for one that a person may have to think over
 constexpr qint64 sizeLimit = 1024 * 1024; // bytes of the state file
 constexpr qint64 answerLimit = 64 * 1024; // bytes
 
@@ -91,7 +92,7 @@ void PermissionsModel::run(const QString& flag, bool userDecides, std::function<
     }
     m_processes.run({.program = m_python,
                      .arguments = {m_script, flag},
-                     .timeout = userDecides ? 0s : answerTime,
+                     .timeout = userDecides ? std::chrono::seconds{decisionTime} : answerTime,
                      .outputLimit = answerLimit},
                     &m_background,
                     [self = QPointer{this}, done = std::move(done)](const ProcessResult& result) {

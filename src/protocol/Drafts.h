@@ -1,17 +1,26 @@
 #pragma once
 
+#include "base/Lease.h"
+
 #include <QHash>
 #include <QObject>
 #include <QString>
+#include <QThreadPool>
 
 namespace murmeli {
 
-/// The remarks that were written and not carried out yet, by the meeting. Main thread only.
+class Scheduler;
+
+/// The remarks that were written and not carried out yet, by the meeting. They outlive the program in a file.
+/// Main thread only.
 class Drafts final : public QObject {
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    /// \param file of their own, in a folder that is made.
+    Drafts(QString file, Scheduler& scheduler, QObject* parent = nullptr);
+    ~Drafts() override;
+    Q_DISABLE_COPY_MOVE(Drafts)
 
     [[nodiscard]] QString of(const QString& meeting) const { return m_drafts.value(meeting); }
 
@@ -25,7 +34,13 @@ signals:
     void carriedOut();
 
 private:
+    void write();
+
+    QString m_file;
+    Scheduler& m_scheduler;
     QHash<QString, QString> m_drafts;
+    Lease m_waiting;      ///< to be written, once the typing pauses
+    QThreadPool m_writer; ///< one thread, so that the latest state is the last one
 };
 
 } // namespace murmeli

@@ -8,8 +8,12 @@ Item {
     id: root
 
     required property ProtocolFileMaker files
+    readonly property bool outdated: files.outcome === ProtocolFileMaker.Outdated
     readonly property bool working: files.outcome === ProtocolFileMaker.Working
     readonly property bool failed: files.outcome === ProtocolFileMaker.Failed
+
+    signal rebuildAsked()
+
     property real unfolded: files.outcome === ProtocolFileMaker.Idle ? 0 : 1
 
     implicitHeight: 28 * Theme.unfolded(unfolded)
@@ -30,18 +34,26 @@ Item {
         y: 8
         visible: !root.working
         size: Theme.symbolText
-        name: root.failed ? "exclamationmark.triangle" : "checkmark.circle.fill"
-        ink: root.failed ? Theme.inkRed : Theme.inkGreen
+        name: root.failed || root.outdated ? "exclamationmark.triangle" : "checkmark.circle.fill"
+        ink: root.failed ? Theme.inkRed : root.outdated ? Theme.inkPink : Theme.inkGreen
     }
     Label {
         id: line
         x: 23
         y: 8
-        width: parent.width - x
+        width: Math.min(implicitWidth, parent.width - x - (anew.visible ? anew.width + Theme.gapSmall : 0))
         type: Theme.sub
         color: root.failed ? Theme.inkRed : Theme.text2
         elide: Text.ElideMiddle
         text: L.say(root.files.message)
         Accessible.ignored: true
+    }
+    LinkButton {
+        id: anew
+        anchors { left: line.right; leftMargin: Theme.gapSmall; verticalCenter: line.verticalCenter }
+        visible: root.outdated
+        symbol: "arrow.counterclockwise"
+        text: L.t("file.anew")
+        onClicked: root.rebuildAsked()
     }
 }

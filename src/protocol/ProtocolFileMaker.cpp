@@ -1,6 +1,5 @@
 #include "ProtocolFileMaker.h"
 
-#include "base/Files.h"
 #include "base/Processes.h"
 #include "base/Text.h"
 #include "meetings/Meeting.h"
@@ -66,6 +65,8 @@ Message ProtocolFileMaker::message() const
         return Message::of("file.working");
     case Outcome::Saved:
         return Message::of("file.saved", m_saved);
+    case Outcome::Outdated:
+        return Message::of("file.outdated");
     case Outcome::Failed:
         return Message::of("file.error");
     case Outcome::Idle:
@@ -87,19 +88,22 @@ void ProtocolFileMaker::build(const Meeting& meeting, const QString& destination
     const QString beside =
         QFileInfo{destination}.absolutePath() + u"/.murmeli-"_s + QUuid::createUuid().toString(QUuid::Id128);
     m_unfinished = beside + u".pdf"_s;
-    m_processes.run(
-        {.program = m_python, .arguments = {m_script, meeting.jsonPath, m_unfinished}}, this,
-        [this, done = std::move(done), destination, source = meeting.jsonPath](const ProcessResult& result) {
-            const QString made = std::exchange(m_unfinished, {});
-            const bool built = result.ok() && QFileInfo::exists(made) && files::moveOver(made, destination);
-            if (built) {
-                m_lastSource = source;
-                m_lastBuilt = destination;
-            } else {
-                QFile::remove(made);
-            }
-            done(built);
-        });
+    const files::Identity state = files::identity(meeting.jsonPath);
+    m_processes.run({.program = m_python, .arguments = {m_script, meeting.jsonPath, m_unfinished}}, this,
+                    [this, done = std::move(done), destination, source = meeting.jsonPath,
+                     state](const ProcessResult& result) {
+                        const QString made = std::exchange(m_unfinished, {});
+                        const bool built =
+                            result.ok() && QFileInfo::exists(made) && files::moveOver(made, destination);
+                        if (built) {
+                            m_lastSource = source;
+                            m_lastState = state;
+                            m_lastBuilt = destination;
+                        } else {
+                            QFile::remove(made);
+                        }
+                        done(built);
+                    });
 }
 
 void ProtocolFileMaker::save(const Meeting& meeting, const QString& destination)
@@ -122,9 +126,16 @@ void ProtocolFileMaker::share(const Meeting& meeting)
 {
     if (m_outcome == Outcome::Working) return;
     if (m_lastSource == meeting.jsonPath && QFileInfo::exists(m_lastBuilt)) {
+        end(files::identity(meeting.jsonPath) == m_lastState ? Outcome::Idle : Outcome::Outdated);
         emit shared(m_lastBuilt);
         return;
     }
+    shareAnew(meeting);
+}
+
+void ProtocolFileMaker::shareAnew(const Meeting& meeting)
+{
+    if (m_outcome == Outcome::Working) return;
     if (!m_shareFolder) m_shareFolder = std::make_unique<QTemporaryDir>();
     m_shareFolder->setAutoRemove(false); // who got the file may still be reading it when we are gone
     end(Outcome::Working);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Files.h"
 #include "localisation/Message.h"
 
 #include <QObject>
@@ -28,7 +29,7 @@ class ProtocolFileMaker final : public QObject {
     Q_PROPERTY(murmeli::Message message READ message NOTIFY changed FINAL) ///< of the outcome
 
 public:
-    enum class Outcome { Idle, Working, Saved, Failed };
+    enum class Outcome { Idle, Working, Saved, Outdated, Failed };
     Q_ENUM(Outcome)
 
     ProtocolFileMaker(const Paths& paths, Processes& processes, Desktop& desktop, QObject* parent = nullptr);
@@ -44,8 +45,10 @@ public:
     /// Builds at `destination`, which the user has chosen, and puts the file on the clipboard.
     void save(const Meeting& meeting, const QString& destination);
 
-    /// Builds for passing on, or takes what was built for that before; then shared() tells where.
+    /// Builds for passing on, or takes what was built before; then shared() tells where. What was built
+    /// before the summary's latest change is Outdated.
     void share(const Meeting& meeting);
+    void shareAnew(const Meeting& meeting);
 
     Q_INVOKABLE void reset();
 
@@ -66,6 +69,7 @@ private:
     QString m_saved;      ///< the file's name
     QString m_unfinished; ///< what the script is writing, beside its destination
     QString m_lastSource;
+    files::Identity m_lastState; ///< of the source, when it was built from
     QString m_lastBuilt;
     std::unique_ptr<QTemporaryDir> m_shareFolder;
 };

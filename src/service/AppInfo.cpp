@@ -11,10 +11,13 @@ namespace {
 QString address([[maybe_unused]] const char* variable, const QString& built)
 {
 #if MURMELI_DEVELOPER
-    return qEnvironmentVariable(variable, built);
+    QString address = qEnvironmentVariable(variable, built);
 #else
-    return built;
+    QString address = built;
 #endif
+    while (address.endsWith(u'/')) // paths are put behind it
+        address.chop(1);
+    return address;
 }
 
 } // namespace

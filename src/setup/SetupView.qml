@@ -17,7 +17,7 @@ Rectangle {
     readonly property PermissionsModel perms: setup.permissions
     readonly property bool diskImage: updater.runningFromDiskImage
     readonly property string variant: diskImage ? ".dmg" : runner.finished ? ".done" : runner.failed ? ".failed" : ""
-    readonly property int percent: Math.round(runner.overallPercent * 100)
+    readonly property int percent: Math.max(0, Math.round(runner.overallPercent * 100))
 
     color: Theme.bgWindow
     Component.onCompleted: footer.focusFirst()

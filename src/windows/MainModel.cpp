@@ -6,12 +6,15 @@
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace murmeli {
 
 MainModel::MainModel(const Ground& ground, QObject* parent)
     : QObject(parent),
       m_ground(ground),
       m_store(ground.paths, ground.language, ground.scheduler),
+      m_drafts(ground.desktop.stateFolder() + u"/drafts.json"_s, ground.scheduler),
       m_assistant(ground.glossary)
 {
     ground.glossary.reload();

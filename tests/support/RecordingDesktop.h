@@ -9,6 +9,8 @@ namespace murmeli {
 /// A desktop that does nothing and remembers what it was asked for.
 class RecordingDesktop : public Desktop {
 public:
+    explicit RecordingDesktop(QString stateFolder = {}) : states(std::move(stateFolder)) {}
+
     QList<QUrl> opened;
     QStringList folders;
     QStringList revealed;

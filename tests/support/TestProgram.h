@@ -100,7 +100,7 @@ struct TestProgram {
     Look look{nullptr};
     NetworkHttp http;
     SystemProcesses processes;
-    RecordingDesktop desktop;
+    RecordingDesktop desktop{home.filePath(QStringLiteral("state/murmeli"))};
     MemorySecrets secrets;
     Program program;
     Prefs& prefs = program.prefs;

@@ -128,8 +128,14 @@ QString LinuxDesktop::computerName() const
         constexpr auto key = "PRETTY_HOSTNAME=";
         if (!line.startsWith(key)) continue;
         QByteArray name = line.mid(qsizetype(qstrlen(key))).trimmed();
-        if (name.size() > 1 && name.startsWith('"') && name.endsWith('"'))
+        const bool quoted = name.size() > 1 && name.front() == name.back();
+        if (quoted && (name.front() == '"' || name.front() == '\'')) {
+            const bool escapes = name.front() == '"';
             name = name.sliced(1, name.size() - 2);
+            for (const char c : {'"', '$', '`', '\\'}) {
+                if (escapes) name.replace(QByteArray{"\\"} + c, QByteArray{1, c});
+            }
+        }
         if (!name.isEmpty()) return QString::fromUtf8(name);
     }
     return QSysInfo::machineHostName();

@@ -177,7 +177,6 @@ private slots:
 
     void theSetupIsNotInterruptedByAnUpdate()
     {
-        m->desktop.states = m->home.filePath(u"state"_s);
         m->server.reply = [](QTcpSocket* socket, const Server::Request& request) {
             const bool installer = request.path == "/app/install.sh";
             socket->write(Server::answer(200, installer ? "sleep 60\n" : R"({"version":"99.0"})"));
@@ -203,7 +202,6 @@ private slots:
 
     void theSetupComesWhereTheEngineIsMissing()
     {
-        m->desktop.states = m->home.filePath(u"state"_s);
         m->server.reply = [](QTcpSocket* socket, const Server::Request& request) {
             socket->write(Server::answer(200, request.path == "/app/install.sh" ? "true\n" : "[]"));
         };

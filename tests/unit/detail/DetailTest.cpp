@@ -9,6 +9,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace murmeli;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -166,6 +167,20 @@ private slots:
         QTRY_COMPARE(told(*m->main->detail()->sections()), u"два<раз!"_s);
         m->main->back();
         QCOMPARE(m->open().draft(), QString{});
+    }
+
+    void aDraftOutlivesTheProgram()
+    {
+        m->write({u"раз"_s});
+        const QString file = m->desktop.states + u"/drafts.json"_s;
+        m->open().setDraft(u"слова"_s);
+        m->main.reset();
+        QVERIFY(files::isPrivate(file));
+        MeetingDetailModel& again = m->open();
+        QTRY_COMPARE(again.draft(), u"слова"_s);
+        again.setDraft({});
+        m->scheduler.advance(1s);
+        QTRY_VERIFY(!QFile::exists(file));
     }
 
     void aFileIsMadeThoughItsMeetingWasLeft()

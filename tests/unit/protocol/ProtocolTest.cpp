@@ -273,11 +273,20 @@ private slots:
         QCOMPARE(shared.count(), 2);
         QCOMPARE(shared[0], shared[1]);
         QCOMPARE(m->read(m->noted()), "x\n"_ba);
+        QCOMPARE(m->files->outcome(), ProtocolFileMaker::Outcome::Idle);
+        m->write(m->path, summary + ' '); // as a correction does
+        m->files->share(m->meeting());
+        QCOMPARE(shared.count(), 3);
+        QCOMPARE(m->files->outcome(), ProtocolFileMaker::Outcome::Outdated);
+        m->files->shareAnew(m->meeting());
+        QVERIFY(shared.wait());
+        QCOMPARE(m->read(m->noted()), "x\nx\n"_ba);
+        QCOMPARE(m->files->outcome(), ProtocolFileMaker::Outcome::Idle);
         const QString file = shared[0][0].toString();
         QFile::remove(file);
         m->files->share(m->meeting());
         QVERIFY(shared.wait());
-        QCOMPARE(m->read(m->noted()), "x\nx\n"_ba);
+        QCOMPARE(m->read(m->noted()), "x\nx\nx\n"_ba);
         QDir{QFileInfo{file}.path()}.removeRecursively();
     }
 
