@@ -157,7 +157,9 @@ void measureReport(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
     View view{engine,
               window,
               u"Report/ReportPane.qml"_s,
-              {{u"loader"_s, QVariant::fromValue(&loader)}, {u"meetingLine"_s, u"План"_s}}};
+              {{u"account"_s, QVariant::fromValue(&m.account)},
+               {u"loader"_s, QVariant::fromValue(&loader)},
+               {u"meetingLine"_s, u"План"_s}}};
     row("opening it, to the first picture", view.opening(), "ms", 50);
     row("rows alive", countWith(view.item(), "edge"), "", 2 * 680 / 78.0);
     int second = 0;

@@ -71,6 +71,8 @@ Item {
 
             property bool begun: false // the protocol has come, and is shown from its beginning
             property bool atTop: true
+            // Whoever presses a text to select in it is not led by the keyboard.
+            readonly property bool led: activeFocus && root.Window.activeFocusItem === list
 
             function step(by: int): void {
                 if (by < 0 && currentIndex <= 0) positionViewAtBeginning(); // the summary has no stop of its own
@@ -99,7 +101,7 @@ Item {
             Keys.onMenuPressed: if (currentIndex >= 0) menu.openAt(currentItem, Qt.point(176, 30), currentIndex, "")
             Keys.onPressed: event => {
                 if (event.matches(StandardKey.Copy)) {
-                    if (currentIndex >= 0) root.detail.copyItem(currentIndex);
+                    root.detail.copyItem(currentIndex);
                     event.accepted = true;
                 } else {
                     event.accepted = ScrollKeys.take(list, event);
@@ -136,12 +138,13 @@ Item {
                     last: place.last
                     before: place.before
                     corrected: place.corrected
-                    current: list.activeFocus && place.index === list.currentIndex
+                    current: list.led && place.index === list.currentIndex
+                    onTaken: list.currentIndex = place.index
                     onMenuAsked: (at, selected) => menu.openAt(row, at, place.index, selected)
                 }
             }
             // qmllint enable unqualified
-            FocusRing { shown: list.activeFocus; corner: Theme.rSmall; gap: -Theme.focusWidth * 2 }
+            FocusRing { shown: list.led && list.count === 0; corner: Theme.rSmall; gap: -Theme.focusWidth * 2 }
         }
         ContextMenu {
             id: menu

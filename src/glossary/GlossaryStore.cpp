@@ -68,6 +68,7 @@ GlossaryStore::GlossaryStore(AuthManager& account, Http& http, Prefs& prefs, Sch
         finish(false);
         followPerson();
         reload();
+        emit changed();
     });
 }
 

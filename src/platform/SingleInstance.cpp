@@ -32,9 +32,9 @@ QString SingleInstance::runtimeFolder()
     // Qt would take such a folder too, but say so on the terminal.
     const QString session = u"/run/user/%1"_s.arg(::getuid());
     const QString own = QDir::tempPath() + u"/runtime-"_s + QString::number(::getuid());
-    ::mkdir(QFile::encodeName(own).constData(), 0700);
     for (const QString& folder : {session, own}) {
         struct stat info {};
+        if (folder == own) ::mkdir(QFile::encodeName(own).constData(), 0700);
         const bool there =
             ::lstat(QFile::encodeName(folder).constData(), &info) == 0 && S_ISDIR(info.st_mode);
         if (!there || info.st_uid != ::getuid() || (info.st_mode & 077) != 0) continue;

@@ -126,7 +126,7 @@ void ProtocolFileMaker::share(const Meeting& meeting)
 {
     if (m_outcome == Outcome::Working) return;
     if (m_lastSource == meeting.jsonPath && QFileInfo::exists(m_lastBuilt)) {
-        end(files::identity(meeting.jsonPath) == m_lastState ? Outcome::Idle : Outcome::Outdated);
+        if (files::identity(meeting.jsonPath) != m_lastState) end(Outcome::Outdated);
         emit shared(m_lastBuilt);
         return;
     }

@@ -14,6 +14,7 @@ Item {
     property bool current: false // the keyboard is here
     readonly property bool first: titleKey.length > 0
 
+    signal taken() // by a press on its text
     signal menuAsked(point at, string selected)
 
     implicitHeight: item.y + item.height + (last ? 16 : Theme.gapRow)
@@ -64,6 +65,7 @@ Item {
         y: root.first ? 18 : 0
         width: parent.width - x
         text: root.text
+        onActiveFocusChanged: if (activeFocus) root.taken()
         menu: (x, y) => root.menuAsked(item.mapToItem(root, x, y), item.selectedText)
         Accessible.role: Accessible.ListItem
         Accessible.description: root.before.length > 0 ? L.t("detail.before", root.before) : ""

@@ -73,6 +73,7 @@ Item {
                 type: Theme.quotation
                 color: Theme.text3
                 text: root.before
+                TapHandler { onTapped: root.toggle() }
             }
             SelectableText {
                 id: middle
@@ -88,6 +89,7 @@ Item {
                 type: Theme.quotation
                 color: Theme.text3
                 text: root.after
+                TapHandler { onTapped: root.toggle() }
             }
         }
     }

@@ -101,11 +101,12 @@ QString ReportLoader::storedFile(const Meeting& meeting)
 
 void ReportLoader::show(const std::optional<Analysis>& analysis, const Transcript& lines)
 {
+    const QStringList said = quotation();
     m_lines = lines;
     m_report = analysis ? std::optional{analysis->report} : std::nullopt;
     const QList<ReportRow> rows = analysis ? analysis->rows : QList<ReportRow>{};
     if (rows != m_rows.rows()) m_rows.setRows(rows);
-    emit openStampChanged(); // what was said there may be known now
+    if (quotation() != said) emit openStampChanged(); // it may be known only now
     emit changed();
 }
 

@@ -11,13 +11,19 @@ namespace {
 QString address([[maybe_unused]] const char* variable, const QString& built)
 {
 #if MURMELI_DEVELOPER
-    QString address = qEnvironmentVariable(variable, built);
+    return qEnvironmentVariable(variable, built);
 #else
-    QString address = built;
+    return built;
 #endif
-    while (address.endsWith(u'/')) // paths are put behind it
-        address.chop(1);
-    return address;
+}
+
+/// One that paths are put behind.
+QString origin(const char* variable, const QString& built)
+{
+    QString origin = address(variable, built);
+    while (origin.endsWith(u'/'))
+        origin.chop(1);
+    return origin;
 }
 
 } // namespace
@@ -26,9 +32,9 @@ const QString version = QStringLiteral(MURMELI_VERSION);
 
 Addresses addresses()
 {
-    return {.web = address("MURMELI_WEB_ORIGIN", QStringLiteral(MURMELI_WEB_ORIGIN)),
+    return {.web = origin("MURMELI_WEB_ORIGIN", QStringLiteral(MURMELI_WEB_ORIGIN)),
             .accountSite = address("MURMELI_ACCOUNT_SITE", QStringLiteral(MURMELI_ACCOUNT_SITE)),
-            .backend = address("MURMELI_BACKEND", QStringLiteral(MURMELI_BACKEND)),
+            .backend = origin("MURMELI_BACKEND", QStringLiteral(MURMELI_BACKEND)),
             .backendKey = QByteArrayLiteral(MURMELI_BACKEND_KEY),
             .bot = address("MURMELI_BOT_LINK", QStringLiteral(MURMELI_BOT_LINK))};
 }

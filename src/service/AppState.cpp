@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <array>
+#include <cstdlib>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -63,7 +64,7 @@ void AppState::read(int rereads)
     }
 
     Snapshot snapshot;
-    if (bytes && !object && files::nsSinceWritten(file) < restlessTime) {
+    if (bytes && !object && std::abs(files::nsSinceWritten(file)) < restlessTime) {
         // It is at it all the time: what was known is nearer to the truth than "idle".
         snapshot = m_shown;
         snapshot.authTitle = Snapshot{}.authTitle;

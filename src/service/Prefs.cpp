@@ -20,24 +20,25 @@ constexpr qsizetype pageSize = 4096;
 
 Prefs::Prefs(QString file, QString spare) : m_file(std::move(file)), m_spare(std::move(spare)) {}
 
-QByteArray Prefs::readBytes() const
+Prefs::Content Prefs::read() const
 {
     // Someone may be writing at this very moment; what does not parse gets a few more looks.
     constexpr int looks = 4;
     QByteArray bytes;
     for (int look = 0; look < looks; ++look) {
         bytes = files::readWhole(m_file, sizeLimit).value_or(QByteArray{});
-        if (json::object(bytes)) return bytes;
+        if (json::object(bytes)) return {bytes};
     }
-    const bool torn = bytes.size() > pageSize && !m_spare.isEmpty();
-    return torn ? files::readWhole(m_spare, sizeLimit).value_or(bytes) : bytes;
+    if (bytes.size() <= pageSize || m_spare.isEmpty()) return {bytes};
+    const auto spare = files::readWhole(m_spare, sizeLimit);
+    return spare ? Content{*spare, true} : Content{bytes};
 }
 
 const QJsonObject& Prefs::load() const
 {
     const files::Identity now = files::identity(m_file);
     if (now != m_seen || !files::isSettled(now)) {
-        m_object = json::object(readBytes()).value_or(QJsonObject{});
+        m_object = json::object(read().bytes).value_or(QJsonObject{});
         m_seen = now;
     }
     return m_object;
@@ -58,14 +59,14 @@ bool Prefs::boolean(const QString& key, bool fallback) const
 bool Prefs::set(const QJsonObject& members)
 {
     if (files::identity(m_file).size > sizeLimit) return false; // what we cannot read is not ours to replace
-    const QByteArray before = readBytes();
+    const auto [before, torn] = read();
     const QJsonObject known = json::object(before).value_or(QJsonObject{});
     QByteArray bytes = before;
     for (auto member = members.begin(); member != members.end(); ++member) {
         if (!known.contains(member.key()) || known.value(member.key()) != *member)
             bytes = json::withMember(bytes, member.key(), *member);
     }
-    if (bytes == before) return true;
+    if (bytes == before && !torn) return true;  // a torn file is made whole for the service too
     if (bytes.size() > sizeLimit) return false; // nor could it be read again
     if (std::max(before.size(), bytes.size()) > pageSize && !m_spare.isEmpty()) {
         QDir{}.mkpath(QFileInfo{m_spare}.path());

@@ -46,7 +46,11 @@ public:
     static constexpr qint64 sizeLimit = files::largestInPlace; ///< bytes; a larger file is left alone
 
 private:
-    [[nodiscard]] QByteArray readBytes() const;
+    struct Content {
+        QByteArray bytes;
+        bool torn = false; ///< the file is; these are the bytes kept aside
+    };
+    [[nodiscard]] Content read() const;
 
     QString m_file;
     QString m_spare;

@@ -7,7 +7,8 @@ import QtQuick.Controls.Basic
 QtObject {
     property Component menu: null
 
-    function open(text: Item, x: real, y: real): void {
+    function open(text: var, x: real, y: real): void {
+        if (text.length === 0 && (text.readOnly || !text.canPaste)) return; // nothing applies
         menu = menu ?? Qt.createComponent("EditMenu.qml");
         text.forceActiveFocus(Qt.PopupFocusReason);
         const opened = menu.createObject(text, { text: text }) as Menu;

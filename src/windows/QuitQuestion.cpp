@@ -21,8 +21,11 @@ void QuitQuestion::ask()
 
 void QuitQuestion::stopAndQuit()
 {
-    if (m_state.isRecording()) m_record.toggle();
-    if (!m_record.refused()) emit agreed();
+    if (m_state.isRecording()) {
+        m_record.toggle();
+        if (m_record.refused()) return;
+    }
+    emit agreed();
 }
 
 } // namespace murmeli
