@@ -10,7 +10,6 @@
 #include "platform/SecretStore.h"
 
 #include <memory>
-#include <tuple>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -41,7 +40,7 @@ AuthManager::AuthManager(Place place, Backend backend, Http& http, Desktop& desk
 {
     m_writer.setMaxThreadCount(1);
     // A kill while it was written leaves tokens behind.
-    std::ignore = QtConcurrent::run(&m_writer, &files::removeUnfinished, m_place.accountFile);
+    startOn(m_writer, [file = m_place.accountFile] { files::removeUnfinished(file); });
     m_scheduler.after(0ms, this, [this] { restore(); });
 }
 
@@ -194,7 +193,7 @@ void AuthManager::writeFile(const QString& accountId, const accountFile::Chat& c
     const auto write = [=, path = m_place.accountFile, session = m_session] {
         return accountFile::update(path, session, accountId, chat, tokens);
     };
-    whenFinished(QtConcurrent::run(&m_writer, write), sync, [this](bool written) {
+    whenFinished(startOn(m_writer, write), sync, [this](bool written) {
         if (written) m_fileIsBehind = false;
     });
 }

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Controls.Basic
 import QtQuick.Window
 import Murmeli.Detail
 import Murmeli.Localisation
@@ -28,8 +29,35 @@ Column {
         target: root.detail
         // It may have taken minutes, and the user be elsewhere by now.
         function onBuilt(path: string) {
-            if (sharing.visible && root.Window.window.visible)
-                root.detail.offer(path, root.Window.window, sharing.mapToItem(null, 0, sharing.height + Theme.gapSmall));
+            const below = sharing.height + Theme.gapSmall;
+            if (!sharing.visible || !root.Window.window.visible
+                || root.detail.offer(path, root.Window.window, sharing.mapToItem(null, 0, below))) return;
+            ways.path = path;
+            ways.popup(sharing, 0, below);
+        }
+    }
+    ContextMenu {
+        id: ways
+
+        property string path
+
+        name: sharing.text
+
+        Action {
+            text: L.t("file.share.mail")
+            onTriggered: root.detail.passOn(ways.path, MeetingDetailModel.Mail)
+        }
+        Action {
+            text: L.t("file.share.open")
+            onTriggered: root.detail.passOn(ways.path, MeetingDetailModel.Open)
+        }
+        Action {
+            text: L.t("file.share.folder")
+            onTriggered: root.detail.passOn(ways.path, MeetingDetailModel.Folder)
+        }
+        Action {
+            text: L.t("file.share.copy")
+            onTriggered: root.detail.passOn(ways.path, MeetingDetailModel.Copy)
         }
     }
     LinkButton {

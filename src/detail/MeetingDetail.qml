@@ -149,6 +149,8 @@ Item {
         ContextMenu {
             id: menu
 
+            name: root.detail.title
+
             property int row: -1
             property string selected
 

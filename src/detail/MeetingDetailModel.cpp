@@ -144,12 +144,23 @@ void MeetingDetailModel::share() { m_work.files->share(m_meeting); }
 
 void MeetingDetailModel::shareAnew() { m_work.files->shareAnew(m_meeting); }
 
-void MeetingDetailModel::offer(const QString& path, QWindow* window, const QPointF& at)
+bool MeetingDetailModel::offer(const QString& path, QWindow* window, const QPointF& at)
 {
-    const auto t = [this](const char* key) { return m_ground.language.t(QString::fromLatin1(key)); };
-    m_ground.desktop.share(
-        path, {t("file.share.mail"), t("file.share.open"), t("file.share.folder"), t("file.share.copy")},
-        window, at.toPoint());
+    return m_ground.desktop.share(path, window, at.toPoint());
+}
+
+void MeetingDetailModel::passOn(const QString& path, Way way)
+{
+    switch (way) {
+    case Mail:
+        return m_ground.desktop.mail(path);
+    case Open:
+        return m_ground.desktop.openUrl(QUrl::fromLocalFile(path));
+    case Folder:
+        return m_ground.desktop.reveal(path, {});
+    case Copy:
+        return m_ground.desktop.copyFile(path);
+    }
 }
 
 void MeetingDetailModel::reveal()

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "account/AuthManager.h"
+#include "base/Drafts.h"
 #include "base/Files.h"
 #include "glossary/GlossaryStore.h"
 #include "meetings/Meeting.h"
-#include "protocol/Drafts.h"
 #include "protocol/ProtocolEditor.h"
 #include "protocol/ProtocolFileMaker.h"
 #include "protocol/SectionListModel.h"
@@ -92,8 +92,12 @@ public:
     /// at once.
     Q_INVOKABLE void share();
     Q_INVOKABLE void shareAnew(); ///< for when that is outdated
-    /// Offers what can be done with it, at a place in `window`.
-    Q_INVOKABLE void offer(const QString& path, QWindow* window, const QPointF& at);
+    /// Lets the desktop offer its ways to pass it on, at a place in `window`. \return false where it has
+    /// none; then ours are left.
+    Q_INVOKABLE bool offer(const QString& path, QWindow* window, const QPointF& at);
+    enum Way { Mail, Open, Folder, Copy };
+    Q_ENUM(Way)
+    Q_INVOKABLE void passOn(const QString& path, murmeli::MeetingDetailModel::Way way);
 
     Q_INVOKABLE void reveal();
 

@@ -1,19 +1,71 @@
 #include "AssistantModel.h"
 
 #include "GlossaryStore.h"
+#include "base/Drafts.h"
+#include "base/Json.h"
 #include "base/Text.h"
+
+#include <QJsonDocument>
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace murmeli {
 
-AssistantModel::AssistantModel(GlossaryStore& store, QObject* parent)
-    : QAbstractListModel(parent), m_store(store), m_base(store.entries()), m_draft(store.entries())
+AssistantModel::AssistantModel(GlossaryStore& store, Drafts& drafts, QObject* parent)
+    : QAbstractListModel(parent),
+      m_store(store),
+      m_drafts(drafts),
+      m_base(store.entries()),
+      m_draft(store.entries())
 {
     filter();
     connect(&store, &GlossaryStore::entriesChanged, this, &AssistantModel::follow);
-    // A working copy is its writer's own.
-    connect(&store, &GlossaryStore::personChanged, this, &AssistantModel::revert);
+    // A working copy is its writer's own, and waits for him.
+    connect(&store, &GlossaryStore::personChanged, this, [this] {
+        m_dirty = false;
+        follow();
+        recall();
+        emit changed();
+    });
+    connect(&drafts, &Drafts::changed, this, [this](const QString& about) {
+        if (about == draftName()) recall();
+    });
+    recall();
+}
+
+QString AssistantModel::draftName() const { return u"glossary of "_s + m_store.person(); }
+
+void AssistantModel::recall()
+{
+    const auto kept = json::object(m_drafts.of(draftName()).toUtf8());
+    if (m_dirty || !kept) return;
+    m_dirty = true;
+    show(glossaryText::merged(glossaryText::parseAll(json::text(*kept, "base"_L1)),
+                              glossaryText::parseAll(json::text(*kept, "text"_L1)), m_store.entries()));
+}
+
+void AssistantModel::setDirty(bool dirty)
+{
+    m_dirty = dirty;
+    QByteArray kept;
+    if (dirty) {
+        const QJsonObject draft{{u"base"_s, glossaryText::serialised(m_base)},
+                                {u"text"_s, glossaryText::serialised(m_draft)}};
+        kept = QJsonDocument{draft}.toJson(QJsonDocument::Compact);
+    }
+    m_drafts.set(draftName(), QString::fromUtf8(kept));
+}
+
+void AssistantModel::show(const QList<GlossaryEntry>& draft)
+{
+    if (m_draft == draft) return;
+    beginResetModel();
+    m_draft = draft;
+    filter();
+    endResetModel();
+    emit changed();
 }
 
 void AssistantModel::follow()
@@ -21,12 +73,7 @@ void AssistantModel::follow()
     // A working copy keeps its changes and takes in what has come meanwhile.
     const auto next = m_dirty ? glossaryText::merged(m_base, m_draft, m_store.entries()) : m_store.entries();
     m_base = m_store.entries();
-    if (m_draft == next) return;
-    beginResetModel();
-    m_draft = next;
-    filter();
-    endResetModel();
-    emit changed();
+    show(next);
 }
 
 bool AssistantModel::matches(const GlossaryEntry& entry) const
@@ -57,7 +104,7 @@ void AssistantModel::setQuery(const QString& query)
 void AssistantModel::touch()
 {
     ++m_edits;
-    m_dirty = true;
+    setDirty(true);
     emit changed();
 }
 
@@ -99,7 +146,7 @@ void AssistantModel::save()
     m_store.save(m_draft, [this, edits = m_edits](bool saved) {
         m_saving = false;
         if (saved && edits == m_edits) {
-            m_dirty = false;
+            setDirty(false);
             follow(); // the saved list is the same but for its spaces
         }
         emit changed();
@@ -109,7 +156,7 @@ void AssistantModel::save()
 void AssistantModel::revert()
 {
     if (!m_dirty) return;
-    m_dirty = false;
+    setDirty(false);
     follow();
     emit changed();
 }

@@ -7,10 +7,11 @@
 
 namespace murmeli {
 
+class Drafts;
 class GlossaryStore;
 
-/// The glossary as it is being edited: a working copy that follows the store until something is changed. Its
-/// rows are those entries that match the search. Main thread only.
+/// The glossary as it is being edited: a working copy that follows the store until something is changed, and
+/// then outlives the program as a draft. Its rows are those entries that match the search. Main thread only.
 class AssistantModel final : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -23,7 +24,7 @@ class AssistantModel final : public QAbstractListModel {
 public:
     enum Role { HeardRole = Qt::UserRole, CorrectRole, LineRole };
 
-    explicit AssistantModel(GlossaryStore& store, QObject* parent = nullptr);
+    AssistantModel(GlossaryStore& store, Drafts& drafts, QObject* parent = nullptr);
 
     [[nodiscard]] bool dirty() const { return m_dirty; }
     [[nodiscard]] bool saving() const { return m_saving; }
@@ -45,12 +46,17 @@ signals:
     void changed();
 
 private:
+    [[nodiscard]] QString draftName() const;
     void follow();
+    void recall(); ///< what was left unsaved when the program ended
+    void show(const QList<GlossaryEntry>& draft);
+    void setDirty(bool dirty);
     void filter();
     [[nodiscard]] bool matches(const GlossaryEntry& entry) const;
     void touch();
 
     GlossaryStore& m_store;
+    Drafts& m_drafts;
     QList<GlossaryEntry> m_base; ///< what the working copy began with
     QList<GlossaryEntry> m_draft;
     QList<int> m_visible; ///< positions in the draft

@@ -202,7 +202,7 @@ Item {
 
                     HoverHandler { id: over }
                     HelpTip {
-                        visible: over.hovered && status.truncated
+                        wanted: over.hovered && status.truncated
                         text: status.text
                     }
                 }

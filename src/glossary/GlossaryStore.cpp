@@ -92,8 +92,8 @@ void GlossaryStore::followPerson()
     m_unsent = !own.isEmpty();
     m_savedAt = {};
     m_syncError = {};
-    emit personChanged();
     setEntries(text);
+    emit personChanged();
     // In one write, so that no interruption gives one person's words to another.
     m_prefs.set({{othersKey, others},
                  {baseKey, m_unsent ? QJsonValue{m_base} : QJsonValue{}},

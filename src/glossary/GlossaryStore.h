@@ -41,6 +41,10 @@ public:
 
     [[nodiscard]] const QList<GlossaryEntry>& entries() const { return m_entries; }
     [[nodiscard]] bool known() const;
+    [[nodiscard]] QString person() const
+    {
+        return m_person.value_or(QString{});
+    } ///< whose it is; empty: unknown
     [[nodiscard]] bool loading() const { return bool(m_load); }
     [[nodiscard]] Message syncError() const { return m_syncError; }
     [[nodiscard]] QDateTime savedAt() const { return m_savedAt; }
@@ -56,7 +60,7 @@ public:
 
 signals:
     void changed();
-    void personChanged(); ///< what stands here from now on is another's
+    void personChanged(); ///< what stands here now is another's
     void entriesChanged();
 
 private:

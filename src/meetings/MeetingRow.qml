@@ -2,8 +2,9 @@ import QtQuick
 import Murmeli.Meetings
 import Murmeli.Ui
 
-// A meeting in the list.
-Rectangle {
+// A meeting in the list, below its day's heading when it is the day's first. The heading is not the list's own:
+// an assistive program would be told it after the meeting.
+Item {
     id: root
 
     required property string time
@@ -12,82 +13,102 @@ Rectangle {
     required property point titleHit
     required property point summaryHit
     property string dayText
+    property bool first: false // of its day
     property bool current: false
 
     signal opened()
 
-    implicitHeight: texts.height + 18
-    radius: Theme.rRow
-    color: area.pressed ? Theme.press : area.containsMouse ? Theme.hover : Theme.clear
+    implicitHeight: row.y + row.height
 
-    Accessible.role: Accessible.ListItem
-    Accessible.name: title + ", " + dayText.toLowerCase() + ", " + time
-    Accessible.description: summary
-    Accessible.focusable: true
-    Accessible.focused: current
-    Accessible.onPressAction: root.opened()
-
-    MouseArea {
-        id: area
-        anchors.fill: parent
-        hoverEnabled: true
-        Accessible.ignored: true
-        onClicked: root.opened()
-    }
     Label {
-        x: Theme.padPanel
-        y: 9
-        width: 92
-        type: Theme.time
+        id: day
+        leftPadding: Theme.padMain
+        topPadding: 18
+        bottomPadding: 7
+        visible: root.first
+        type: Theme.heading
         color: Theme.text2
-        text: root.time
-        Accessible.ignored: true
+        text: root.dayText
+        Accessible.role: Accessible.Heading
     }
-    Column {
-        id: texts
-        x: 122
-        y: 9
-        width: parent.width - x - 44
-        HitLabel {
-            id: heading
-            width: parent.width
-            type: Theme.row
-            text: root.title
-            hit: root.titleHit
+    Rectangle {
+        id: row
+        x: 20
+        y: root.first ? day.height : 0
+        width: parent.width - 40
+        height: texts.height + 18
+        radius: Theme.rRow
+        color: area.pressed ? Theme.press : area.containsMouse ? Theme.hover : Theme.clear
+
+        Accessible.role: Accessible.ListItem
+        Accessible.name: root.title + ", " + root.dayText.toLowerCase() + ", " + root.time
+        Accessible.description: root.summary
+        Accessible.focusable: true
+        Accessible.focused: root.current
+        Accessible.onPressAction: root.opened()
+
+        MouseArea {
+            id: area
+            anchors.fill: parent
+            hoverEnabled: true
+            Accessible.ignored: true
+            onClicked: root.opened()
+        }
+        Label {
+            x: Theme.padPanel
+            y: 9
+            width: 92
+            type: Theme.time
+            color: Theme.text2
+            text: root.time
             Accessible.ignored: true
         }
-        HitLabel {
-            width: parent.width
-            visible: text.length > 0
-            type: Theme.sub
-            color: root.summaryHit.x >= 0 ? Theme.text1 : Theme.text3 // readable on its mark
-            text: root.summary
-            hit: root.summaryHit
-            Accessible.ignored: true
+        Column {
+            id: texts
+            x: 122
+            y: 9
+            width: parent.width - x - 44
+            HitLabel {
+                id: heading
+                width: parent.width
+                type: Theme.row
+                text: root.title
+                hit: root.titleHit
+                Accessible.ignored: true
+            }
+            HitLabel {
+                width: parent.width
+                visible: text.length > 0
+                type: Theme.sub
+                color: root.summaryHit.x >= 0 ? Theme.text1 : Theme.text3 // readable on its mark
+                text: root.summary
+                hit: root.summaryHit
+                Accessible.ignored: true
+            }
         }
-    }
-    Symbol {
-        anchors { right: parent.right; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
-        size: Theme.symbolText
-        name: "chevron.right"
-        ink: Theme.text3
-        opacity: area.containsMouse || root.current ? 1 : 0
-        Behavior on opacity { NumberAnimation { duration: Theme.quick } }
-    }
-    // Loaders take no bound components yet.
-    // qmllint disable unqualified
-    Loader { // most titles are seen whole
-        anchors.fill: parent
-        active: area.containsMouse && heading.truncated
-        sourceComponent: HelpTip {
-            visible: area.containsMouse
-            text: root.title
+        Symbol {
+            anchors { right: parent.right; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
+            size: Theme.symbolText
+            name: "chevron.right"
+            ink: Theme.text3
+            opacity: area.containsMouse || root.current ? 1 : 0
+            Behavior on opacity { NumberAnimation { duration: Theme.quick } }
         }
-    }
-    // qmllint enable unqualified
-    FocusRing {
-        shown: root.current
-        corner: Theme.rRow
-        gap: -Theme.focusWidth
+        // Loaders take no bound components yet.
+        // qmllint disable unqualified
+        Loader { // most titles are seen whole
+            anchors.fill: parent
+            active: area.containsMouse && heading.truncated
+            sourceComponent: HelpTip {
+                wanted: area.containsMouse
+                text: root.title
+            }
+        }
+        // qmllint enable unqualified
+        FocusRing {
+            shown: root.current
+            corner: Theme.rRow
+            gap: -Theme.focusWidth
+        }
     }
 }

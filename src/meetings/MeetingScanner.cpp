@@ -1,6 +1,7 @@
 #include "MeetingScanner.h"
 
 #include "SummaryFile.h"
+#include "base/HandOver.h"
 
 #include <QFile>
 #include <QtConcurrentMap>
@@ -59,7 +60,14 @@ MeetingScanner::Result MeetingScanner::scan()
         known.position = looks.size();
         looks.push_back({name, &known});
     }
-    QtConcurrent::blockingMap(looks, [this](Look& one) { look(one); });
+    const HandOver handOver;
+    handOver.give();
+    QtConcurrent::blockingMap(looks, [this, &handOver](Look& one) {
+        handOver.take();
+        look(one);
+        handOver.give();
+    });
+    handOver.take();
     for (const Look& one : looks) {
         result.changed = one.changed || result.changed;
         result.restless = one.restless || result.restless;

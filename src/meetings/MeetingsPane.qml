@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Localisation
@@ -76,38 +78,25 @@ Item {
             } else if (!ScrollKeys.take(list, event)) return;
             event.accepted = true;
         }
-        onActiveFocusChanged: if (activeFocus && !root.beginning && currentIndex < 0 && count > 0) currentIndex = 0
+        onActiveFocusChanged: if (activeFocus && Look.typing && !root.beginning && currentIndex < 0 && count > 0) currentIndex = 0
 
-        // Bound components would be cleaner, but the section headings of this Qt version refuse them.
-        // qmllint disable unqualified
         section.property: "day"
-        section.delegate: Label {
-            required property string section
-            leftPadding: Theme.padMain
-            topPadding: 18
-            bottomPadding: 7
-            type: Theme.heading
-            color: Theme.text2
-            text: root.store.list.today && root.store.list.dayTitle(section, L.language)
-            Accessible.role: Accessible.Heading
-        }
         delegate: MeetingRow {
             required property int index
             required property string meetingId
             required property string day
 
-            x: 20
-            width: list.width - 40
+            width: list.width
             ListView.onPooled: visible = false // else it is told of as if it were still there
             ListView.onReused: visible = true
             dayText: root.store.list.today && root.store.list.dayTitle(day, L.language)
+            first: ListView.section !== ListView.previousSection
             current: list.activeFocus && index === list.currentIndex
             onOpened: {
                 list.currentIndex = index;
                 root.opened(meetingId);
             }
         }
-        // qmllint enable unqualified
         add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.base } }
         displaced: Transition { enabled: Theme.motion; NumberAnimation { property: "y"; duration: Theme.base; easing.type: Easing.OutCubic } }
     }

@@ -219,6 +219,12 @@ Item {
                                 color: root.panel.lineKind === PanelModel.Refused ? Theme.inkRed
                                     : root.panel.lineKind !== PanelModel.Invitation ? Theme.text2
                                     : root.panel.face === PanelModel.Recording ? Theme.inkRed : Theme.inkViolet
+
+                                HoverHandler { id: over }
+                                HelpTip {
+                                    wanted: over.hovered && line.truncated
+                                    text: line.text
+                                }
                             }
                         }
                         Rectangle {
@@ -236,7 +242,7 @@ Item {
                                 spacing: 6
                                 ProcessingSpinner {
                                     anchors.verticalCenter: parent.verticalCenter
-                                    size: Theme.symbolSmall
+                                    size: Theme.jobs.size
                                     moving: root.onScreen
                                 }
                                 Label {

@@ -26,12 +26,6 @@ public:
         QString kind;        ///< as "PDF (*.pdf)"
         QString suffix = {}; ///< the ending of a file to save, as "pdf"
     };
-    struct ShareTexts {
-        QString mail;
-        QString open;
-        QString folder;
-        QString copy;
-    };
 
     virtual ~Desktop() = default;
 
@@ -56,8 +50,12 @@ public:
     virtual void askWhereToSave(const FileQuestion& question, QWindow* window, QObject* context,
                                 Chosen chosen) = 0;
 
-    /// Offers what can be done with a file, at a place in `window`.
-    virtual void share(const QString& path, const ShareTexts& texts, QWindow* window, const QPoint& at) = 0;
+    /// Offers the system's own ways to pass a file on, at a place in `window`. \return false where it has
+    /// none.
+    virtual bool share(const QString& path, QWindow* window, const QPoint& at) = 0;
+
+    /// Begins a letter with the file, in the default mail program. For desktops that do not share.
+    virtual void mail(const QString& path) = 0;
 
     /// Shows the desktop's own page for a permission. \return false where the desktop has no such page.
     virtual bool openSettings(SettingsPage page) = 0;

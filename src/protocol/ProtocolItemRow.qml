@@ -74,7 +74,7 @@ Item {
 
         HoverHandler { id: over }
         HelpTip {
-            visible: over.hovered && root.before.length > 0
+            wanted: over.hovered && root.before.length > 0
             text: root.before.length > 0 ? L.t("detail.before", root.before) : ""
         }
     }

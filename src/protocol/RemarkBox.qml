@@ -78,10 +78,13 @@ Item {
                 color: Theme.alpha(Theme.violet, 0.26)
                 visible: field.activeFocus
             }
-            ScrollView {
+            Flickable {
                 anchors.fill: parent
                 anchors.rightMargin: 46
-                TextArea {
+                boundsBehavior: Flickable.StopAtBounds
+                clip: true
+                ScrollBar.vertical: ScrollThumb { }
+                TextArea.flickable: TextArea {
                     id: field
                     leftPadding: 16
                     topPadding: 11

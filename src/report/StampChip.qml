@@ -56,7 +56,7 @@ Button {
         anchors.fill: parent
         active: root.hovered
         sourceComponent: HelpTip {
-            visible: root.hovered && !root.pressed
+            wanted: root.hovered && !root.pressed
             text: L.t("report.stamp.help")
         }
     }

@@ -1,5 +1,6 @@
 #include "SetupRunner.h"
 
+#include "base/Background.h"
 #include "base/Files.h"
 #include "base/Processes.h"
 #include "base/Scheduler.h"
@@ -11,7 +12,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QStringDecoder>
-#include <QtConcurrentRun>
 
 #include <algorithm>
 #include <tuple>
@@ -89,7 +89,7 @@ void SetupRunner::start()
     m_failed = false;
     m_failedStep.reset();
     m_states.fill({});
-    std::ignore = QtConcurrent::run(&m_logWriter, [log = m_place.logFile] {
+    startOn(m_logWriter, [log = m_place.logFile] {
         QDir{}.mkpath(QFileInfo{log}.path());
         std::ignore = files::writePrivate(log, {}); // what an installer prints is nobody else's
     });
@@ -130,8 +130,7 @@ void SetupRunner::read(const QByteArray& chunk)
     // Gigabytes of models are being written meanwhile, so this may take its time. Where it fails, nothing
     // stops.
     if (m_logRoom > 0)
-        std::ignore = QtConcurrent::run(&m_logWriter,
-                                        [log = m_place.logFile, chunk] { return files::append(log, chunk); });
+        startOn(m_logWriter, [log = m_place.logFile, chunk] { return files::append(log, chunk); });
     m_logRoom -= chunk.size();
     QStringDecoder decoder{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
     const QString text = decoder(chunk);

@@ -6,9 +6,25 @@ import Murmeli.Ui
 Menu {
     id: root
 
+    required property string name // of what it is for
+    property Item before: null // had the keyboard, and gets it back
+
     padding: 6
     margins: Theme.gapRow
     delegate: ContextMenuItem { }
+    contentItem: ListView {
+        implicitHeight: contentHeight
+        interactive: contentHeight > height
+        clip: interactive
+        model: root.contentModel
+        currentIndex: root.currentIndex
+    }
+    onAboutToShow: {
+        before = parent.Window.activeFocusItem;
+        contentItem.parent.Accessible.name = name;
+    }
+    onClosed: if (before) before.forceActiveFocus(Look.typing ? Qt.TabFocusReason : Qt.PopupFocusReason)
+    onOpened: currentIndex = Look.typing ? 0 : -1 // who opened it by key goes on by key
     background: Rectangle {
         implicitWidth: 200
         radius: Theme.rCard

@@ -6,13 +6,20 @@ import Murmeli.Ui
 MenuItem {
     id: root
 
+    function choose(): void {
+        root.menu.dismiss();
+        root.action.trigger();
+    }
+
     implicitHeight: visible ? 30 : 0
     implicitWidth: implicitContentWidth
     padding: 0
     visible: enabled
     Accessible.role: Accessible.MenuItem
     Accessible.name: text
-    Accessible.onPressAction: root.triggered()
+    Accessible.onPressAction: root.choose()
+    Keys.onReturnPressed: root.choose()
+    Keys.onEnterPressed: root.choose()
 
     background: Rectangle {
         radius: 7

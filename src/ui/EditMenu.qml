@@ -7,6 +7,7 @@ ContextMenu {
     id: root
 
     required property var text // an editor or a text to be selected
+    name: text.Accessible.name
     readonly property bool selected: text.selectedText.length > 0
 
     function word(key: string): string {

@@ -6,6 +6,9 @@ import Murmeli.Ui
 ToolTip {
     id: root
 
+    property bool wanted: false // the pointer rests there; whoever scrolls by key does not ask for it
+
+    visible: wanted && !Look.typing
     delay: Theme.helpDelay
     margins: Theme.shadowExtent + Theme.gapRow // the shadow around a panel is part of its window
     horizontalPadding: Theme.gapGroup

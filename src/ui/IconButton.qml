@@ -48,7 +48,7 @@ Button {
         anchors.fill: parent
         active: root.hovered
         sourceComponent: HelpTip {
-            visible: root.hovered && !root.pressed
+            wanted: root.hovered && !root.pressed
             text: root.help
         }
     }

@@ -3,6 +3,8 @@
 #include "ShadowImages.h"
 #include "platform/Appearance.h"
 
+#include <QEvent>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QQmlEngine>
 #include <QScreen>
@@ -17,7 +19,30 @@ namespace {
 
 constexpr auto engineProperty = "murmeliLook";
 
+QString familyOr(const QString& wanted, QFontDatabase::SystemFont other)
+{
+    return QFontDatabase::hasFamily(wanted) ? wanted : QFontDatabase::systemFont(other).family();
+}
+
 } // namespace
+
+Look::Look(QObject* parent) : QObject(parent)
+{
+    if (qGuiApp) qGuiApp->installEventFilter(this);
+}
+
+bool Look::eventFilter(QObject*, QEvent* event)
+{
+    const auto type = event->type();
+    const bool typing = type == QEvent::KeyPress;
+    if ((typing || type == QEvent::MouseMove) && std::exchange(m_typing, typing) != typing)
+        emit typingChanged();
+    return false;
+}
+
+QString Look::family() { return familyOr(u"Inter"_s, QFontDatabase::GeneralFont); }
+
+QString Look::fixedFamily() { return familyOr(u"DejaVu Sans Mono"_s, QFontDatabase::FixedFont); }
 
 double Look::pointsPerPixel()
 {

@@ -19,16 +19,25 @@ class Look final : public QObject {
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed FINAL)
     Q_PROPERTY(bool highContrast READ highContrast NOTIFY changed FINAL)
     Q_PROPERTY(bool compositing READ compositing NOTIFY changed FINAL)
+    Q_PROPERTY(
+        bool typing READ typing NOTIFY typingChanged FINAL) ///< no pointer has moved since the last key
+    Q_PROPERTY(QString family READ family CONSTANT FINAL)
+    Q_PROPERTY(QString fixedFamily READ fixedFamily CONSTANT FINAL) ///< all letters as wide
     Q_PROPERTY(double pointsPerPixel READ pointsPerPixel CONSTANT FINAL)
 
 public:
     // No default for the parent: a singleton that can be made without arguments is made anew by every engine.
-    explicit Look(QObject* parent) : QObject(parent) {}
+    explicit Look(QObject* parent);
 
     [[nodiscard]] bool dark() const { return m_dark; }
     [[nodiscard]] bool reducedMotion() const { return m_reducedMotion; }
     [[nodiscard]] bool highContrast() const { return m_highContrast; }
     [[nodiscard]] bool compositing() const { return m_compositing; }
+    [[nodiscard]] bool typing() const { return m_typing; }
+
+    /// Of the type that the views are drawn for, else the desktop's own.
+    [[nodiscard]] static QString family();
+    [[nodiscard]] static QString fixedFamily();
 
     /// For type sizes that are no whole number of device-independent pixels.
     [[nodiscard]] static double pointsPerPixel();
@@ -46,12 +55,17 @@ public:
 
 signals:
     void changed();
+    void typingChanged();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     bool m_dark = true;
     bool m_reducedMotion = false;
     bool m_highContrast = false;
     bool m_compositing = true;
+    bool m_typing = false;
 };
 
 } // namespace murmeli

@@ -10,6 +10,7 @@ ScrollBar {
     policy: ScrollBar.AsNeeded
     minimumSize: 0.08
     visible: size < 1
+    Accessible.ignored: true // the keys scroll
 
     contentItem: Rectangle {
         implicitWidth: Theme.scrollThumb

@@ -107,7 +107,7 @@ QtObject {
     }
 
     // Type: size and line in pixels, tracking in pixels.
-    readonly property string family: "Inter"
+    readonly property string family: Look.family
     readonly property var panelTitle: ({ size: 18, line: 24, weight: Font.DemiBold, tracking: -0.3 })
     readonly property var display: ({ size: 24, line: 30, weight: Font.DemiBold, tracking: -0.5 })
     readonly property var row: ({ size: 14, line: 20, weight: Font.Medium, tracking: -0.1 })
@@ -125,7 +125,7 @@ QtObject {
     readonly property var lead: ({ size: 13, line: 18, weight: Font.Normal, tracking: -0.07 })
     readonly property var subLoose: ({ size: 12.5, line: 18, weight: Font.Normal, tracking: 0 })
     readonly property var granted: ({ size: 12.5, line: 17, weight: Font.Medium, tracking: 0 })
-    readonly property var fixedPitch: ({ size: 11, line: 14, weight: Font.Normal, tracking: 0, family: "DejaVu Sans Mono" })
+    readonly property var fixedPitch: ({ size: 11, line: 14, weight: Font.Normal, tracking: 0, family: Look.fixedFamily })
     readonly property var timer: ({ size: 22, line: 26, weight: Font.DemiBold, tracking: -0.2 })
     readonly property var toastTitle: ({ size: 14, line: 19, weight: Font.DemiBold, tracking: -0.15 })
     readonly property var label: ({ size: 13, line: 18, weight: Font.Medium, tracking: -0.07 })

@@ -15,7 +15,7 @@ MainModel::MainModel(const Ground& ground, QObject* parent)
       m_ground(ground),
       m_store(ground.paths, ground.language, ground.scheduler),
       m_drafts(ground.desktop.stateFolder() + u"/drafts.json"_s, ground.scheduler),
-      m_assistant(ground.glossary)
+      m_assistant(ground.glossary, m_drafts)
 {
     ground.glossary.reload();
     connect(&m_drafts, &Drafts::carriedOut, &m_store, &MeetingStore::reload);

@@ -19,7 +19,6 @@ MEETINGS, ASSISTANT = "Встречи", "Помощник"
 BACK = "К списку встреч"
 SEARCH = "Поиск встреч"
 QUIT = "Выйти из Murmeli (снова открыть — через меню приложений)"
-MAIL, OPEN, FOLDER, COPY = range(4)  # the entries of the share menu
 
 
 @dataclass(frozen=True)
@@ -149,17 +148,6 @@ def answer_dialog(session: Session, dialog: str, file: Path) -> None:
     paste(session, str(file))
     session.screen.key("Return")
     session.tree.wait_gone("dialog", dialog)
-
-
-def wait_menu(session: Session, before: list[Rectangle]) -> Rectangle:
-    """The share menu, which has come up beside the windows that were there before."""
-    return wait_for(lambda: [one for one in session.screen.windows() if one not in before], "the menu", 20)[0]
-
-
-def pick(session: Session, menu: Rectangle, entry: int) -> None:
-    session.screen.click(menu.middle[0], menu.y + menu.height * (2 * entry + 1) // 8)
-    wait_for(lambda: menu not in session.screen.windows(), "the menu to close")
-    session.look_away()
 
 
 def lines(path: Path) -> list[str]:

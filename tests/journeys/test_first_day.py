@@ -7,8 +7,7 @@ import re
 from datetime import date, timedelta
 from functools import cache
 
-from main_window import (COPY, answer_dialog, fill, glossary, paste, pick, summaries, wait_menu,
-                         write_library)
+from main_window import answer_dialog, fill, glossary, paste, summaries, write_library
 from session import REPOSITORY, JourneyTest, Session
 from test_sign_in import address_of, wait_signed_in
 from test_updates import install_updater, runs
@@ -52,9 +51,9 @@ class Mouse:
     def remove(self, _row: str, button: str) -> None:
         self.press("push button", button)
 
-    def pick(self, entry: int, before) -> None:
-        """From the menu that has just come up."""
-        pick(self.session, wait_menu(self.session, before), entry)
+    def pick(self, entry: str) -> None:
+        """The last one of the menu that has just come up."""
+        self.press("menu item", entry)
 
 
 class Keyboard(Mouse):
@@ -86,9 +85,9 @@ class Keyboard(Mouse):
         steps = rows.index(row) - rows.index(self.session.tree.focused().name)
         self.session.screen.key(*["Down"] * steps, "Delete")
 
-    def pick(self, entry: int, before) -> None:
-        wait_menu(self.session, before)
-        self.session.screen.key(*["Down"] * (entry + 1), "Return")
+    def pick(self, entry: str) -> None:
+        self.session.tree.wait("menu item", entry)
+        self.session.screen.key("Down", "Down", "Down", "Return")
 
 
 class Assistive(Keyboard):
@@ -216,9 +215,8 @@ class FirstDay(JourneyTest):
         answer_dialog(self.session, self.t("file.dialog"), target)
         self.wait("file.saved", target.name, "status bar", 30)
         self.assertTrue(target.read_bytes().startswith(b"%PDF-"))
-        before = self.session.screen.windows()
         self.press("file.share")
-        self.hands.pick(COPY, before)
+        self.hands.pick(self.t("file.share.copy"))
         wait_for(lambda: self.session.clipboard("text/uri-list").split() == [target.as_uri()], "the copied file")
 
     def analyse(self) -> None:

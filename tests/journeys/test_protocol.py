@@ -9,12 +9,12 @@ from urllib.parse import unquote, urlsplit
 
 from gi.repository import Gio
 
-from main_window import (COPY, FOLDER, MAIL, OPEN, lines, open_meeting, open_window, pick, quit_program,
-                         wait_dialog, wait_list, wait_menu, write_meeting)
+from main_window import lines, open_meeting, open_window, quit_program, wait_dialog, wait_list, write_meeting
 from session import PYTHON, REPOSITORY, JourneyTest, Session
 from waiting import wait_for
 
 SAVE, SHARE, REVEAL = "Сохранить PDF", "Поделиться", "Показать в папке"
+MAIL, OPEN, FOLDER, COPY = "Отправить по почте", "Открыть", REVEAL, "Скопировать"
 DIALOG = "Сохранить протокол"
 TITLE, DECISION = "Итоги", "Красим лодки в зелёный."
 NAME = f"2026-03-03 {TITLE}.pdf"
@@ -49,10 +49,10 @@ class Protocol(JourneyTest):
         session.press("push button", SAVE)
         wait_dialog(session, DIALOG)
 
-    def choose(self, session: Session, entry: int) -> None:
-        before = session.screen.windows()
+    def choose(self, session: Session, entry: str) -> None:
         session.press("push button", SHARE)
-        pick(session, wait_menu(session, before), entry)
+        session.press("menu item", entry)
+        session.tree.wait_gone("menu item", entry)
 
     def test_saved_from_the_dialog_to_the_clipboard(self):
         session, _ = self.open_protocol()

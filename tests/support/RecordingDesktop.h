@@ -18,7 +18,9 @@ public:
     QString copiedText;
     QList<FileQuestion> questions;
     QString answer; ///< to the next question; empty: the user cancels
+    bool shares = true;
     QStringList shared;
+    QStringList mailed;
     QList<SettingsPage> pages;
     bool hasPages = true;
     bool throughBrowser = true;
@@ -42,10 +44,12 @@ public:
     {
         askForFile(question, window, context, std::move(chosen));
     }
-    void share(const QString& path, const ShareTexts&, QWindow*, const QPoint&) override
+    bool share(const QString& path, QWindow*, const QPoint&) override
     {
-        shared.append(path);
+        if (shares) shared.append(path);
+        return shares;
     }
+    void mail(const QString& path) override { mailed.append(path); }
     bool openSettings(SettingsPage page) override
     {
         if (hasPages) pages.append(page);

@@ -21,7 +21,7 @@ inline const QByteArray english =
     R"("blockers":["The first nine minutes went into waiting for the build report.","The channel for nightly builds came up three times and stayed open."],)"
     R"("numbers":[{"metric":"Nightly build time","value":"68 min","at":"[00:32:14]","note":"41 min a month ago"},{"metric":"Pilot teams","value":"3","at":"[00:41:50]"}],)"
     R"("insights":[{"kind":"risk","title":"The release date hangs on one person","detail":"Copy, change list and setup check all land on Anna on one day; nobody was named to step in.","at":["[00:12:31]","[00:31:07]"]},{"kind":"promise","title":"The customer has been given a date","detail":"Olga mentioned in passing that North Wind was told 28 November.","at":["[00:38:40]"]}],)"
-    R"("agenda_coverage":[{"topic":"Release date","status":"пройдена","at":"[00:09:12]"},{"topic":"Setup screen","status":"пройдена полностью","at":"[00:13:20]"},{"topic":"Nightly builds","status":"частично","at":"[00:33:02]"},{"topic":"After the release","status":"not discussed","at":"[00:46:30]"}],)"
+    R"("agenda_coverage":[{"topic":"Nightly builds","status":"moved to Thursday","at":"[00:33:02]"},{"topic":"After the release","status":"not discussed","at":"[00:46:30]"}],)"
     R"("concepts":[{"idea":"A channel of its own for nightly builds","pros":["Pilot teams get fixes sooner","Faults show before the release"],"cons":["Two update streams cost more to keep"],"at":"[00:34:26]"}],)"
     R"("roles":[{"who":"Olga","role":"keeps the frame","evidence":"Brought the talk back to the release date three times.","at":"[00:18:33]"},{"who":"Ilya","role":"tests for strength","evidence":"Named what will break before he agreed.","at":"[00:27:55]"}]})";
 

@@ -8,11 +8,9 @@
 #include <QDBusPendingReply>
 #include <QDir>
 #include <QFileInfo>
-#include <QMenu>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QSysInfo>
-#include <QWindow>
 
 #include <tuple>
 
@@ -53,7 +51,8 @@ public:
     explicit LinuxDesktop(QString home) : m_home(std::move(home)) {}
 
     void reveal(const QString& path, const QString& root) override;
-    void share(const QString& path, const ShareTexts& texts, QWindow* window, const QPoint& at) override;
+    bool share(const QString&, QWindow*, const QPoint&) override { return false; }
+    void mail(const QString& path) override;
     bool openSettings(SettingsPage page) override;
     void setLoginItem(bool on) override;
     // The browser starts the handler of the scheme: us, as a second instance.
@@ -81,17 +80,9 @@ void LinuxDesktop::reveal(const QString& path, const QString&)
     });
 }
 
-void LinuxDesktop::share(const QString& path, const ShareTexts& texts, QWindow* window, const QPoint& at)
+void LinuxDesktop::mail(const QString& path)
 {
-    auto* menu = new QMenu;
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(texts.mail, [path] { QProcess::startDetached(u"xdg-email"_s, {u"--attach"_s, path}); });
-    menu->addAction(texts.open, [this, path] { openUrl(QUrl::fromLocalFile(path)); });
-    menu->addAction(texts.folder, [this, path] { reveal(path, {}); });
-    menu->addAction(texts.copy, [this, path] { copyFile(path); });
-    menu->winId(); // makes its window
-    if (menu->windowHandle()) menu->windowHandle()->setTransientParent(window);
-    menu->popup(window ? window->mapToGlobal(at) : at);
+    QProcess::startDetached(u"xdg-email"_s, {u"--attach"_s, path});
 }
 
 bool LinuxDesktop::openSettings(SettingsPage page)

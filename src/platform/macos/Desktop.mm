@@ -33,15 +33,17 @@ public:
         [[NSWorkspace sharedWorkspace] selectFile:path.toNSString() inFileViewerRootedAtPath:root.toNSString()];
     }
 
-    void share(const QString& path, const ShareTexts&, QWindow* window, const QPoint& at) override
+    bool share(const QString& path, QWindow* window, const QPoint& at) override
     {
-        if (!window) return;
+        if (!window) return false;
         NSView* view = (__bridge NSView*)reinterpret_cast<void*>(window->winId());
         NSURL* file = [NSURL fileURLWithPath:path.toNSString()];
         NSSharingServicePicker* picker = [[NSSharingServicePicker alloc] initWithItems:@[ file ]];
         const NSRect place = NSMakeRect(at.x(), at.y(), 1, 1);
         [picker showRelativeToRect:place ofView:view preferredEdge:NSRectEdgeMinY];
+        return true;
     }
+    void mail(const QString&) override {}
 
     bool openSettings(SettingsPage page) override
     {

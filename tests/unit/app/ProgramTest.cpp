@@ -55,6 +55,10 @@ private slots:
         QVERIFY(item.look.isTemplate);
         QCOMPARE(item.name, u"Murmeli: Готов к записи"_s);
         QCOMPARE(item.menu.record, u"Начать запись"_s);
+        QCOMPARE(
+            (QStringList{item.menu.open, item.menu.window, item.menu.settings, item.menu.quit}),
+            (QStringList{u"Открыть панель"_s, u"Открыть окно"_s, u"Настройки"_s, u"Выйти из Murmeli"_s}));
+        QCOMPARE(item.look.symbolName, u"murmeli-idle-symbolic"_s);
 
         m->record.toggle();
         QCOMPARE(item.menu.state, u"Запускаем запись…"_s);
@@ -63,7 +67,9 @@ private slots:
         QCOMPARE(item.menu.state, u"Идёт запись"_s);
         QCOMPARE(item.menu.record, u"Остановить запись"_s);
         const QImage bright = item.look.icon.pixmap(22).toImage();
-        m->scheduler.advance(700ms);
+        m->scheduler.advance(699ms);
+        QCOMPARE(item.look.icon.pixmap(22).toImage(), bright);
+        m->scheduler.advance(1ms);
         QVERIFY(item.look.icon.pixmap(22).toImage() != bright);
         m->scheduler.advance(700ms);
         QCOMPARE(item.look.icon.pixmap(22).toImage(), bright);

@@ -1,4 +1,5 @@
 #include "account/AuthManager.h"
+#include "base/Drafts.h"
 #include "base/Files.h"
 #include "base/Http.h"
 #include "glossary/AssistantModel.h"
@@ -197,7 +198,7 @@ private slots:
 
     void aNewPersonIsNotServedTheLastOnesWords()
     {
-        QVERIFY(files::writeAtomic(m->paths.accountFile, R"({"access_token":"eva"})"));
+        QVERIFY(files::writeInPlace(m->paths.accountFile, R"({"access_token":"eva"})"));
         m->server.holds("/rest/v1/profiles");
         const auto store = m->makeStore();
         const auto& held = m->server.held;
@@ -265,7 +266,8 @@ private slots:
     {
         m->prefs.set(u"glossary"_s, u"Квен → Qwen\nOKR"_s);
         const auto store = m->makeStore();
-        AssistantModel model{*store};
+        Drafts drafts{m->home.filePath(u"drafts.json"_s), m->scheduler};
+        AssistantModel model{*store, drafts};
         const QAbstractItemModelTester tester{&model};
         const auto rows = [&] {
             QStringList lines;
@@ -286,9 +288,12 @@ private slots:
         model.add({}, u"Лаптева"_s);
         model.setQuery({});
         QCOMPARE(rows(), u"Лаптева|кубер → Kubernetes|OKR"_s);
+        QCOMPARE((AssistantModel{*store, drafts}.total()),
+                 3); // as it comes back when the program starts again
         store->save(glossaryText::parseAll(u"со стороны"_s)); // a working copy is kept
         QCOMPARE(model.total(), 3);
         model.revert();
+        QVERIFY((!AssistantModel{*store, drafts}.dirty()));
         QCOMPARE(rows(), u"со стороны"_s);
         QVERIFY(!model.dirty());
 

@@ -212,6 +212,9 @@ private slots:
             const QString log = toast.isEmpty() ? reason : u"показано: "_s + toast;
             QCOMPARE(files::readWhole(m->paths.notificationsLog, 1000).value_or(""),
                      log.isEmpty() ? QByteArray{} : "2024-11-15T17:00:00Z " + log.toUtf8() + '\n');
+            QVERIFY(QDir{m->paths.logs}.removeRecursively());
+            notifier.recordingChanged(from, to);
+            QVERIFY(!QFile::exists(m->paths.logs)); // that folder is the service's to make
         }
     }
 

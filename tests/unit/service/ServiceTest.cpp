@@ -33,6 +33,29 @@ private slots:
         m_scheduler = std::make_unique<ManualScheduler>();
     }
 
+    // Agreed with the service, which is a program of its own.
+    void everythingIsWhereTheServiceLooksForIt()
+    {
+        const Paths p{u"/h"_s};
+        QCOMPARE((QStringList{p.recordings, p.logs, p.inbox, p.userInstructions, p.vaultDir, p.modelsMarker}),
+                 (QStringList{u"/h/MeetingNotes/done"_s, u"/h/MeetingNotes/logs"_s,
+                              u"/h/MeetingNotes/inbox"_s, u"/h/MeetingNotes/my_instructions.md"_s,
+                              u"/h/Documents/Vexlor/Vexlor/Meetings"_s, u"/h/.cache/huggingface/hub"_s}));
+        QCOMPARE((QStringList{p.stateFile, p.commandFile, p.authFlagFile, p.prefsFile, p.accountFile}),
+                 (QStringList{u"/h/MeetingNotes/state.json"_s, u"/h/MeetingNotes/command.json"_s,
+                              u"/h/MeetingNotes/auth_required.flag"_s, u"/h/MeetingNotes/prefs.json"_s,
+                              u"/h/MeetingNotes/account.json"_s}));
+        QCOMPARE((QStringList{p.updateScript, p.python, p.pdfScript, p.rebuildScript, p.recorderScript}),
+                 (QStringList{u"/h/MeetingNotes/update.sh"_s, u"/h/MeetingNotes/.venv/bin/python"_s,
+                              u"/h/MeetingNotes/pipeline/protocol_pdf.py"_s,
+                              u"/h/MeetingNotes/pipeline/reprotocol.py"_s,
+                              u"/h/MeetingNotes/pipeline/native_rec.py"_s}));
+        QCOMPARE(
+            (QStringList{p.notificationsLog, p.appAgentFile, p.agentLoader}),
+            (QStringList{u"/h/MeetingNotes/logs/notifications.log"_s,
+                         u"/h/Library/LaunchAgents/com.valdor.quillet.app.plist"_s, u"/bin/launchctl"_s}));
+    }
+
     void decodesTheStateFile()
     {
         const Cases<QByteArray, QString> cases{
@@ -144,6 +167,8 @@ private slots:
     {
         AppState state{*m_paths, *m_scheduler};
         QSignalSpy required{&state, &AppState::authRequired};
+        qsizetype requiredBefore = 0; // the status is told of: a panel that opens is not covered by a toast
+        connect(&state, &AppState::statusRead, this, [&] { requiredBefore = required.size(); });
         m_scheduler->advance(0ms);
         QVERIFY(!state.authFlag());
 
@@ -151,7 +176,10 @@ private slots:
         m_scheduler->advance(4500ms);
         QVERIFY(state.authFlag());
         QCOMPARE(required.size(), 1);
-        QCOMPARE(state.authBody(), AppState::defaultAuthBody);
+        QCOMPARE(requiredBefore, 1);
+        QCOMPARE(state.authTitle(), u"Не найден пользователь — авторизуйтесь"_s);
+        QCOMPARE(state.authBody(), u"Хотел доставить протокол встречи, но не смог найти твой аккаунт. "
+                                   u"Войди в Murmeli — и всё автоматически доставится."_s);
 
         QVERIFY(files::writeAtomic(m_paths->authFlagFile, R"({"title":"","body":"Текст"})"));
         m_scheduler->advance(1500ms);
@@ -204,6 +232,11 @@ private slots:
             QCOMPARE(commandFile::text(commandFile::Action::Stop, seconds),
                      "{\"action\":\"stop\",\"ts\":" + ts + "}");
         }
+        QVERIFY(commandFile::write(m_paths->commandFile, commandFile::Action::Start, 1));
+        QFile open{m_paths->commandFile};
+        QVERIFY(open.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+        QVERIFY(commandFile::write(m_paths->commandFile, commandFile::Action::Stop, 2));
+        QVERIFY(open.readAll().contains("start")); // whoever reads one never gets half of another
     }
 
     void preferencesAreSeenAtOnceWhoeverWritesThem()
@@ -211,7 +244,11 @@ private slots:
         Prefs prefs{m_paths->prefsFile};
         Prefs other{m_paths->prefsFile};
         QVERIFY(prefs.boolean(u"auto_record"_s, true));
+        other.set(u"x"_s, u"a"_s);
+        QFile open{m_paths->prefsFile}; // as the service may hold it
+        QVERIFY(open.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
         other.set(u"x"_s, u"in place"_s);
+        QVERIFY(open.readAll().contains("in place"));
         QCOMPARE(prefs.string(u"x"_s, {}), u"in place"_s);
         QVERIFY(files::writeAtomic(m_paths->prefsFile, R"({"x":"by rename"})"));
         QCOMPARE(prefs.string(u"x"_s, {}), u"by rename"_s);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Lease.h"
+#include "Lease.h"
 
 #include <QHash>
 #include <QObject>
@@ -11,8 +11,8 @@ namespace murmeli {
 
 class Scheduler;
 
-/// The remarks that were written and not carried out yet, by the meeting. They outlive the program in a file.
-/// Main thread only.
+/// What was written and not carried out yet, by what it is about, such as a meeting. It outlives the program
+/// in a file. Main thread only.
 class Drafts final : public QObject {
     Q_OBJECT
 
@@ -22,15 +22,15 @@ public:
     ~Drafts() override;
     Q_DISABLE_COPY_MOVE(Drafts)
 
-    [[nodiscard]] QString of(const QString& meeting) const { return m_drafts.value(meeting); }
+    [[nodiscard]] QString of(const QString& about) const { return m_drafts.value(about); }
 
-    void set(const QString& meeting, const QString& draft);
+    void set(const QString& about, const QString& draft);
 
-    /// The words of a remark that was are wanted no more, unless others have come in their place.
-    void carryOut(const QString& meeting, const QString& remark);
+    /// The words of one that was are wanted no more, unless others have come in their place.
+    void carryOut(const QString& about, const QString& draft);
 
 signals:
-    void changed(const QString& meeting);
+    void changed(const QString& about);
     void carriedOut();
 
 private:

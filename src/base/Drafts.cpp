@@ -1,9 +1,9 @@
 #include "Drafts.h"
 
-#include "base/Background.h"
-#include "base/Files.h"
-#include "base/Json.h"
-#include "base/Scheduler.h"
+#include "Background.h"
+#include "Files.h"
+#include "Json.h"
+#include "Scheduler.h"
 
 #include <QDir>
 #include <QFile>
@@ -53,7 +53,7 @@ void Drafts::write()
     QJsonObject kept;
     for (auto draft = m_drafts.cbegin(); draft != m_drafts.cend(); ++draft)
         kept[draft.key()] = *draft;
-    std::ignore = QtConcurrent::run(&m_writer, [kept, file = m_file] {
+    startOn(m_writer, [kept, file = m_file] {
         if (kept.isEmpty()) {
             QFile::remove(file);
             return;
@@ -63,21 +63,21 @@ void Drafts::write()
     });
 }
 
-void Drafts::set(const QString& meeting, const QString& draft)
+void Drafts::set(const QString& about, const QString& draft)
 {
-    if (of(meeting) == draft) return;
+    if (of(about) == draft) return;
     if (draft.isEmpty()) {
-        m_drafts.remove(meeting);
+        m_drafts.remove(about);
     } else {
-        m_drafts[meeting] = draft;
+        m_drafts[about] = draft;
     }
     m_scheduler.after(pauseInTyping, m_waiting.renew(), [this] { write(); });
-    emit changed(meeting);
+    emit changed(about);
 }
 
-void Drafts::carryOut(const QString& meeting, const QString& remark)
+void Drafts::carryOut(const QString& about, const QString& draft)
 {
-    if (of(meeting) == remark) set(meeting, {});
+    if (of(about) == draft) set(about, {});
     emit carriedOut();
 }
 
