@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 
+#include <QSet>
 #include <QStringList>
 
 #include <algorithm>
@@ -24,6 +25,11 @@ QString GlossaryEntry::line() const
 {
     const QString written = text::trimmed(correct);
     return isRule() ? text::trimmed(heard) + u' ' + arrow + u' ' + written : written;
+}
+
+std::size_t qHash(const GlossaryEntry& entry, std::size_t seed)
+{
+    return qHashMulti(seed, entry.heard, entry.correct);
 }
 
 namespace glossaryText {
@@ -78,25 +84,26 @@ std::optional<QList<GlossaryEntry>> learned(QList<GlossaryEntry> entries, const 
 QList<GlossaryEntry> merged(const QList<GlossaryEntry>& base, const QList<GlossaryEntry>& mine,
                             const QList<GlossaryEntry>& theirs)
 {
-    QList<GlossaryEntry> result;
+    const QSet<GlossaryEntry> inBase{base.begin(), base.end()};
+    const QSet<GlossaryEntry> inMine{mine.begin(), mine.end()};
+    QList<GlossaryEntry> kept;
     for (const GlossaryEntry& entry : theirs) {
-        if (!base.contains(entry) || mine.contains(entry)) result.append(entry);
+        if (!inBase.contains(entry) || inMine.contains(entry)) kept.append(entry);
     }
-    qsizetype top = 0;
+    QSet<GlossaryEntry> known{kept.begin(), kept.end()};
+    QList<GlossaryEntry> top;
     // New entries before those that were there stand at the top.
-    bool atTop = std::ranges::any_of(mine, [&](const GlossaryEntry& entry) { return base.contains(entry); });
+    bool atTop =
+        std::ranges::any_of(mine, [&](const GlossaryEntry& entry) { return inBase.contains(entry); });
     for (const GlossaryEntry& entry : mine) {
-        if (base.contains(entry)) {
+        if (inBase.contains(entry)) {
             atTop = false;
-        } else if (!result.contains(entry)) {
-            if (atTop) {
-                result.insert(top++, entry);
-            } else {
-                result.append(entry);
-            }
+        } else if (!known.contains(entry)) {
+            known.insert(entry);
+            (atTop ? top : kept).append(entry);
         }
     }
-    return result;
+    return top + kept;
 }
 
 } // namespace glossaryText

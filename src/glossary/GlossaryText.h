@@ -17,6 +17,7 @@ struct GlossaryEntry {
     [[nodiscard]] QString line() const;
     bool operator==(const GlossaryEntry&) const = default;
 };
+std::size_t qHash(const GlossaryEntry& entry, std::size_t seed = 0);
 
 /// The glossary as one text, a line an entry. Pure functions, any thread.
 namespace glossaryText {
