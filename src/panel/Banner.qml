@@ -65,7 +65,7 @@ Item {
                 width: parent.width
                 type: root.prominent ? Theme.labelStrong : Theme.label
                 wrapMode: Text.Wrap
-                maximumLineCount: 2
+                maximumLineCount: 3
                 elide: Text.ElideRight
                 text: root.title
                 Accessible.ignored: true

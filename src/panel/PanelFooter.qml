@@ -25,6 +25,8 @@ RowLayout {
         Layout.fillWidth: true
         Layout.rightMargin: Theme.gapSmall
         horizontalAlignment: Text.AlignRight
+        fontSizeMode: Text.HorizontalFit // in a wider type than the buttons are drawn for
+        minimumPointSize: 6
         type: Theme.caption
         color: Theme.text3
         text: root.panel.version

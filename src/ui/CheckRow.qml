@@ -54,6 +54,7 @@ CheckBox {
             spacing: 2
             Label {
                 Layout.fillWidth: true
+                wrapMode: Text.Wrap
                 text: root.text
                 Accessible.ignored: true
             }

@@ -36,7 +36,7 @@ Rectangle {
     Item {
         id: header
         anchors { left: parent.left; right: parent.right; top: parent.top; margins: Theme.padUpdate }
-        height: 46
+        height: Math.max(46, said.height)
 
         Rectangle {
             id: tile
@@ -62,6 +62,7 @@ Rectangle {
             }
         }
         Column {
+            id: said
             anchors { left: tile.right; leftMargin: Theme.padCard; right: parent.right; rightMargin: close.width + Theme.gapSmall }
             spacing: 2
             Label {
@@ -74,6 +75,7 @@ Rectangle {
                 width: parent.width
                 type: Theme.sub
                 color: Theme.text2
+                wrapMode: Text.Wrap
                 text: L.say(root.updater.subtitle)
             }
         }

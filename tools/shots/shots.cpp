@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QQuickItem>
 #include <QQuickWindow>
 
 #include <cstdio>
@@ -38,10 +39,22 @@ void await(const std::function<bool()>& done)
     }
 }
 
+/// Says which texts do not fit, for looks in other types and languages.
+static void nameCutTexts(const QQuickItem& item, const QString& picture)
+{
+    if (!item.isVisible()) return;
+    if (item.property("truncated").toBool()) {
+        std::fprintf(stderr, "%s: cut: %s\n", qPrintable(picture), qPrintable(item.property("text").toString()));
+    }
+    for (const QQuickItem* child : item.childItems())
+        nameCutTexts(*child, picture);
+}
+
 bool save(QQuickWindow& window, const Frame& frame, const QString& name)
 {
     const QString file = frame.folder + name + u".png"_s;
     std::printf("%s\n", qPrintable(file));
+    nameCutTexts(*window.contentItem(), file);
     return window.grabWindow().save(file);
 }
 
