@@ -24,7 +24,11 @@ Menu {
         contentItem.parent.Accessible.name = name;
     }
     onClosed: if (before) before.forceActiveFocus(Look.typing ? Qt.TabFocusReason : Qt.PopupFocusReason)
-    onOpened: currentIndex = Look.typing ? 0 : -1 // who opened it by key goes on by key
+    onVisibleChanged: if (visible) {
+        let first = 0;
+        while (first < count - 1 && !itemAt(first).enabled) ++first;
+        currentIndex = Look.typing ? first : -1; // who opened it by key goes on by key
+    }
     background: Rectangle {
         implicitWidth: 200
         radius: Theme.rCard

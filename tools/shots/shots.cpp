@@ -44,7 +44,8 @@ static void nameCutTexts(const QQuickItem& item, const QString& picture)
 {
     if (!item.isVisible()) return;
     if (item.property("truncated").toBool()) {
-        std::fprintf(stderr, "%s: cut: %s\n", qPrintable(picture), qPrintable(item.property("text").toString()));
+        std::fprintf(stderr, "%s: cut: %s\n", qPrintable(picture),
+                     qPrintable(item.property("text").toString()));
     }
     for (const QQuickItem* child : item.childItems())
         nameCutTexts(*child, picture);

@@ -47,6 +47,12 @@ ViewCase {
         compare(list.currentIndex, 1);
         keyClick(Qt.Key_C, Qt.ControlModifier);
         compare(fixture.clipboard(), "пункт 1");
+        keyClick(Qt.Key_Down);
+        keyClick(Qt.Key_Menu);
+        tryVerify(() => !list.activeFocus);
+        keyClick(Qt.Key_Return); // the first that applies: nothing is selected
+        tryVerify(() => list.activeFocus);
+        compare(fixture.clipboard(), "пункт 2");
         keyClick(Qt.Key_End);
         verify(list.atYEnd);
         keyClick(Qt.Key_PageUp);

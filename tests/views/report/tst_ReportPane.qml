@@ -102,6 +102,14 @@ ViewCase {
         tryVerify(() => !shows("Ольга: три"));
     }
 
+    function test_aQuotationOpensInSight() {
+        openInsights(...Array.from({ length: 20 }, (_, i) => ({ title: "мысль " + i, at: [i < 19 ? "[00:01]" : "[00:05]"] })));
+        list().positionViewAtEnd();
+        mouseClick(chip("[00:05]"));
+        tryVerify(() => quoted() === "Илья: два");
+        tryVerify(() => yOf(quotation()) + quotation().height <= view.height);
+    }
+
     function test_theFirstLineHasNothingBeforeIt() {
         openInsights({ title: "Один", at: ["[00:01]"] });
         mouseClick(chip("[00:01]"));
