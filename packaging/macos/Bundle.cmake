@@ -16,7 +16,11 @@ murmeli_bundle_file(ru.lproj/InfoPlist.strings Resources/ru.lproj)
 murmeli_bundle_file(com.valdor.quillet.app.plist Resources) # the login agent, for ~/Library/LaunchAgents
 
 install(TARGETS murmeli BUNDLE DESTINATION .)
-qt_generate_deploy_qml_app_script(TARGET murmeli OUTPUT_SCRIPT deployment) # brings Qt into the bundle
-install(SCRIPT ${deployment})
+if(Qt6_VERSION VERSION_GREATER_EQUAL 6.5)
+    qt_generate_deploy_qml_app_script(TARGET murmeli OUTPUT_SCRIPT deployment) # brings Qt into the bundle
+    install(SCRIPT ${deployment})
+elseif(NOT MURMELI_ONLY_CONFIGURES)
+    message(FATAL_ERROR "For macOS Murmeli takes Qt 6.5 or later, whose scripts bring Qt into the bundle; this is ${Qt6_VERSION}.")
+endif()
 
 set(CPACK_GENERATOR DragNDrop)

@@ -110,7 +110,13 @@ void AuthManager::login()
     if (!page.isValid()) return;
     m_addressRefused = false;
     m_scheduler.after(attemptTime, m_attempt.renew(), [this] { cancelLogin(); });
-    m_desktop.signIn(page, signIn::scheme, [this](const QString& address) { handle(address); });
+    m_desktop.signIn(page, signIn::scheme, [this](const QString& address) {
+        if (address.isEmpty()) {
+            cancelLogin();
+        } else {
+            handle(address);
+        }
+    });
     emit changed();
 }
 

@@ -94,10 +94,9 @@ void KeyPanel::openAt(const QRect& place, const QRect& icon, bool above)
                               : QRegion{QRect{{}, window.size()}} - covered.translated(-window.topLeft()));
     if (m_open) return;
     setOpen(true);
-    show();
     windowSystem::floatEverywhere(this);
-    raise();
-    requestActivate();
+    show();
+    windowSystem::bringForward(this, true);
     m_clickOutside = makeClickOutside(this, [this] { emit pressedOutside(); });
 }
 

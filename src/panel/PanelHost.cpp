@@ -142,7 +142,7 @@ void PanelHost::openOrdinary()
 
 void PanelHost::raise()
 {
-    if (m_floating && m_floating->isOpen()) m_floating->raise();
+    if (m_floating && m_floating->isOpen()) windowSystem::bringForward(m_floating.get(), false);
 }
 
 } // namespace murmeli

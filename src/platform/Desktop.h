@@ -61,11 +61,16 @@ public:
     virtual bool openSettings(SettingsPage page) = 0;
 
     /// Puts this program on the list of what is started when the user logs in, or takes it off. A failure is
-    /// silent: the preference itself is stored elsewhere.
-    virtual void setLoginItem(bool on) = 0;
+    /// silent: the preference itself is stored elsewhere. \param agentFile written when it is missing, where
+    /// the system has login agents.
+    virtual void setLoginItem(bool on, const QString& agentFile) = 0;
+
+    /// Whether the login agent of that name has started this very process, which would end with it.
+    [[nodiscard]] virtual bool startedByAgent(const QString& label) const = 0;
 
     /// Lets a person sign in on a web page. Where the system itself hands the address of `scheme` back,
-    /// `cameBack` gets it; elsewhere the browser starts the program with it. An earlier session is dropped.
+    /// `cameBack` gets it, or nothing when the person has given up or it could not begin; elsewhere the
+    /// browser starts the program with it. An earlier session is dropped.
     virtual void signIn(const QUrl& page, const QString& scheme, CameBack cameBack) = 0;
 
     /// Whether a browser that the user knows is used for it, which may fail to hand the address back.
@@ -77,7 +82,7 @@ public:
     /// The user's languages in order of preference, as "ru-RU".
     [[nodiscard]] virtual QStringList preferredLanguages() const = 0;
 
-    /// Where the program keeps logs of its own; not made here.
+    /// Where the program keeps drafts and logs of its own; not made here.
     [[nodiscard]] virtual QString stateFolder() const = 0;
 };
 

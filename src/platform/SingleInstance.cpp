@@ -7,6 +7,7 @@
 #include <QStandardPaths>
 
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -18,6 +19,8 @@ namespace murmeli {
 
 namespace {
 
+constexpr auto socketName = "/murmeli.socket";
+constexpr qsizetype longestAddress = 103; // bytes that every system takes for a socket
 constexpr int handOverTime = 1000;        // milliseconds
 constexpr qint64 longestLine = 64 * 1024; // bytes
 
@@ -27,7 +30,10 @@ QString SingleInstance::runtimeFolder()
 {
     constexpr auto variable = "XDG_RUNTIME_DIR";
     const QString named = qEnvironmentVariable(variable);
-    if (QFileInfo{named}.isDir()) return named;
+    const auto fits = [](const QString& folder) {
+        return QFile::encodeName(folder).size() + qsizetype(std::strlen(socketName)) <= longestAddress;
+    };
+    if (QFileInfo{named}.isDir() && fits(named)) return named;
 #ifdef Q_OS_LINUX
     // Qt would take such a folder too, but say so on the terminal.
     const QString session = u"/run/user/%1"_s.arg(::getuid());
@@ -38,15 +44,16 @@ QString SingleInstance::runtimeFolder()
         const bool there =
             ::lstat(QFile::encodeName(folder).constData(), &info) == 0 && S_ISDIR(info.st_mode);
         if (!there || info.st_uid != ::getuid() || (info.st_mode & 077) != 0) continue;
-        qputenv(variable, QFile::encodeName(folder));
+        if (!QFileInfo{named}.isDir()) qputenv(variable, QFile::encodeName(folder));
         return folder;
     }
 #endif
-    return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    const QString usual = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    return fits(usual) ? usual : QDir::tempPath(); // the user's own, where this comes to pass
 }
 
 SingleInstance::SingleInstance(const QString& runtimeFolder, QObject* parent)
-    : QObject(parent), m_socket(runtimeFolder + u"/murmeli.socket"_s)
+    : QObject(parent), m_socket(runtimeFolder + QLatin1StringView{socketName})
 {
     const QByteArray lock = QFile::encodeName(runtimeFolder + u"/murmeli.lock"_s);
     m_lock = ::open(lock.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);

@@ -13,10 +13,11 @@ TrayIcon::TrayIcon()
     m_settings = m_menu.addAction(QString{}, this, &StatusItem::settingsChosen);
     m_menu.addSeparator();
     m_quit = m_menu.addAction(QString{}, this, &StatusItem::quitChosen);
-    m_icon.setContextMenu(&m_menu);
     // A quick second press comes as a double click; taken for nothing, it would be lost.
     connect(&m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) emit pressed();
+        if (reason == QSystemTrayIcon::Context && !m_icon.contextMenu())
+            m_menu.popup(geometry().bottomLeft());
     });
 }
 

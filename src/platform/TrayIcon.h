@@ -20,7 +20,8 @@ public:
     [[nodiscard]] bool hasTray() const override { return QSystemTrayIcon::isSystemTrayAvailable(); }
 
 protected:
-    QSystemTrayIcon& icon() { return m_icon; }
+    /// To a tray that opens it for the right button alone.
+    void handOverMenu() { m_icon.setContextMenu(&m_menu); }
 
 private:
     QMenu m_menu;

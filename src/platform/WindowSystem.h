@@ -25,7 +25,15 @@ bool compositing();
 /// Whether the tray is so dark that it wants light icons; nothing where it does not say.
 std::optional<bool> trayIsDark();
 
-/// Lets `window` show above full-screen programs and on all desktops, where the system can.
+/// Lets `window` show above full-screen programs and on all desktops, where the system can. Before it is
+/// shown.
 void floatEverywhere(QWindow* window);
+
+/// Brings such a window to the front, and the keyboard with it if wanted. Where the system tells programs
+/// apart by who is active, that stays the one that the user works in.
+void bringForward(QWindow* window, bool withKeyboard);
+
+/// Lets the content of an ordinary window reach under its title, where views leave room for that.
+void extendUnderTitle(QWindow* window);
 
 } // namespace murmeli::windowSystem

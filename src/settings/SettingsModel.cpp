@@ -14,6 +14,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <unistd.h>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -139,10 +140,20 @@ void SettingsModel::store(const QString& key, const QJsonValue& value)
 
 void SettingsModel::setLaunchAtLogin(bool on)
 {
-    // Nobody waits for it: where it is not there, the desktop's own list counts.
-    m_ground.processes.startDetached(m_ground.paths.agentLoader,
-                                     {on ? u"load"_s : u"unload"_s, m_ground.paths.appAgentFile});
-    m_ground.desktop.setLoginItem(on);
+    const Paths& paths = m_ground.paths;
+    m_ground.desktop.setLoginItem(on, paths.appAgentFile);
+    // Nobody waits for it: where it is not there, the desktop's own list counts. An agent that is not
+    // disabled would be loaded again at the next log-in; and one that has started us is left to end with us.
+    const QString label = QString::fromLatin1(Paths::appAgentLabel);
+    const bool stays = !on && m_ground.desktop.startedByAgent(label);
+    m_ground.processes.startDetached(
+        u"/bin/sh"_s,
+        {u"-c"_s, uR"sh(exec 2>/dev/null; "$0" "$1" "$2"; [ -z "$3" ] || "$0" "$3" "$4")sh"_s,
+         paths.agentLoader, on ? u"enable"_s : u"disable"_s, u"gui/%1/%2"_s.arg(::getuid()).arg(label),
+         stays ? QString{}
+         : on  ? u"load"_s
+               : u"unload"_s,
+         paths.appAgentFile});
 }
 
 Message SettingsModel::subtitle(const SettingRow& row) const

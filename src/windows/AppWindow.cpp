@@ -2,6 +2,7 @@
 
 #include "localisation/Language.h"
 #include "platform/Memory.h"
+#include "platform/WindowSystem.h"
 #include "ui/FocusKeeper.h"
 #include "ui/SymbolImage.h"
 
@@ -80,6 +81,7 @@ void AppWindow::present()
 {
     if (!m_placed) {
         m_placed = true;
+        windowSystem::extendUnderTitle(this);
         restorePlace();
     }
     // Not show(), which would make a window that fills the screen small again.

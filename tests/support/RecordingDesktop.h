@@ -25,6 +25,7 @@ public:
     bool hasPages = true;
     bool throughBrowser = true;
     std::optional<bool> loginItem;
+    bool byAgent = false;
     QString name; ///< of the computer
     QStringList languages;
     QString states; ///< folder
@@ -55,7 +56,8 @@ public:
         if (hasPages) pages.append(page);
         return hasPages;
     }
-    void setLoginItem(bool on) override { loginItem = on; }
+    void setLoginItem(bool on, const QString&) override { loginItem = on; }
+    [[nodiscard]] bool startedByAgent(const QString&) const override { return byAgent; }
     void signIn(const QUrl& page, const QString&, CameBack) override { opened.append(page); }
     [[nodiscard]] bool signsInThroughBrowser() const override { return throughBrowser; }
     [[nodiscard]] QString computerName() const override { return name; }

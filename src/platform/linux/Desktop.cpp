@@ -54,7 +54,8 @@ public:
     bool share(const QString&, QWindow*, const QPoint&) override { return false; }
     void mail(const QString& path) override;
     bool openSettings(SettingsPage page) override;
-    void setLoginItem(bool on) override;
+    void setLoginItem(bool on, const QString& agentFile) override;
+    [[nodiscard]] bool startedByAgent(const QString&) const override { return false; }
     // The browser starts the handler of the scheme: us, as a second instance.
     void signIn(const QUrl& page, const QString&, CameBack) override { openUrl(page); }
     [[nodiscard]] bool signsInThroughBrowser() const override { return true; }
@@ -94,7 +95,7 @@ bool LinuxDesktop::openSettings(SettingsPage page)
     return false;
 }
 
-void LinuxDesktop::setLoginItem(bool on)
+void LinuxDesktop::setLoginItem(bool on, const QString&)
 {
     const QString folder = baseFolder("XDG_CONFIG_HOME", m_home + u"/.config"_s) + u"/autostart"_s;
     QDir{}.mkpath(folder);

@@ -19,6 +19,7 @@ class LinuxStatusItem final : public TrayIcon {
 public:
     LinuxStatusItem()
     {
+        handOverMenu();
         QDBusConnection bus = QDBusConnection::sessionBus();
         if (!bus.isConnected()) return;
         QDBusMessage call =

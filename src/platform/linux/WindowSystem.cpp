@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QGuiApplication>
+#include <QWindow>
 
 #include <cstdlib>
 #include <memory>
@@ -85,5 +86,13 @@ std::optional<bool> trayIsDark()
 }
 
 void floatEverywhere(QWindow*) {} // the window types of the panel and the toasts say it already
+
+void bringForward(QWindow* window, bool withKeyboard)
+{
+    window->raise();
+    if (withKeyboard) window->requestActivate();
+}
+
+void extendUnderTitle(QWindow*) {} // titles are the window manager's
 
 } // namespace murmeli::windowSystem

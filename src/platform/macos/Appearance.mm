@@ -1,7 +1,7 @@
 #include "Appearance.h"
 
+#include <QEvent>
 #include <QGuiApplication>
-#include <QPalette>
 
 #import <AppKit/AppKit.h>
 
@@ -9,13 +9,13 @@ namespace murmeli {
 
 namespace {
 
-/// Follows the effective appearance (Qt announces its change as a new palette) and the accessibility settings.
+/// Follows the effective appearance (Qt tells the application of its change) and the accessibility settings.
 class MacAppearance final : public Appearance {
 public:
     MacAppearance()
     {
         refresh();
-        connect(qGuiApp, &QGuiApplication::paletteChanged, this, [this] { refresh(); });
+        qGuiApp->installEventFilter(this);
         m_observer = [[[NSWorkspace sharedWorkspace] notificationCenter]
             addObserverForName:NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification
                         object:nil
@@ -26,6 +26,13 @@ public:
     }
     ~MacAppearance() override { [[[NSWorkspace sharedWorkspace] notificationCenter] removeObserver:m_observer]; }
     Q_DISABLE_COPY_MOVE(MacAppearance)
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) refresh();
+        return false;
+    }
 
 private:
     void refresh()

@@ -16,7 +16,8 @@ public:
         m_monitor = [NSEvent
             addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown
                                           handler:^(NSEvent*) {
-                                            pressed();
+                                            const auto call = pressed; // which may end the monitor, and us
+                                            call();
                                           }];
     }
     ~GlobalMouseMonitor() override

@@ -1,8 +1,13 @@
+#include "NativeWindow.h"
 #include "QtDesktop.h"
+#include "base/Files.h"
 
-#include <QWindow>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 
-#import <AppKit/AppKit.h>
+#include <tuple>
+
 #import <AuthenticationServices/AuthenticationServices.h>
 
 using namespace Qt::StringLiterals;
@@ -13,8 +18,9 @@ using namespace Qt::StringLiterals;
 @implementation MurmeliSignInAnchor
 - (ASPresentationAnchor)presentationAnchorForWebAuthenticationSession:(ASWebAuthenticationSession*)session
 {
+    if ([NSApp keyWindow]) return [NSApp keyWindow];
     for (NSWindow* window in [NSApp windows]) {
-        if ([window isVisible]) return window;
+        if ([window isVisible] && [window level] == NSNormalWindowLevel) return window;
     }
     return [[NSWindow alloc] init];
 }
@@ -36,11 +42,11 @@ public:
     bool share(const QString& path, QWindow* window, const QPoint& at) override
     {
         if (!window) return false;
-        NSView* view = (__bridge NSView*)reinterpret_cast<void*>(window->winId());
+        NSView* view = nativeView(window);
         NSURL* file = [NSURL fileURLWithPath:path.toNSString()];
         NSSharingServicePicker* picker = [[NSSharingServicePicker alloc] initWithItems:@[ file ]];
         const NSRect place = NSMakeRect(at.x(), at.y(), 1, 1);
-        [picker showRelativeToRect:place ofView:view preferredEdge:NSRectEdgeMinY];
+        [picker showRelativeToRect:place ofView:view preferredEdge:[view isFlipped] ? NSRectEdgeMaxY : NSRectEdgeMinY];
         return true;
     }
     void mail(const QString&) override {}
@@ -53,24 +59,48 @@ public:
         return true;
     }
 
-    // The login agent, which the settings load and unload, is all that this system needs.
-    void setLoginItem(bool) override {}
+    // The settings load and unload the agent. Whoever moved the program has another place for it than an installer.
+    void setLoginItem(bool on, const QString& agentFile) override
+    {
+        if (!on || QFileInfo::exists(agentFile)) return;
+        QDir{}.mkpath(QFileInfo{agentFile}.path());
+        const QString agent = uR"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
+<dict>
+    <key>Label</key><string>%1</string>
+    <key>ProgramArguments</key><array><string>%2</string></array>
+    <key>RunAtLoad</key><true/>
+    <key>LimitLoadToSessionType</key><string>Aqua</string>
+    <key>ProcessType</key><string>Interactive</string>
+</dict>
+</plist>
+)"_s.arg(QFileInfo{agentFile}.completeBaseName(), QCoreApplication::applicationFilePath().toHtmlEscaped());
+        std::ignore = files::writeAtomic(agentFile, agent.toUtf8());
+    }
+    [[nodiscard]] bool startedByAgent(const QString& label) const override
+    {
+        return qEnvironmentVariable("XPC_SERVICE_NAME") == label;
+    }
 
     void signIn(const QUrl& page, const QString& scheme, CameBack cameBack) override
     {
         const std::weak_ptr<int> alive = m_alive;
+        const quint64 attempt = ++m_attempt;
+        [m_session cancel];
         m_session = [[ASWebAuthenticationSession alloc]
               initWithURL:page.toNSURL()
         callbackURLScheme:scheme.toNSString()
         completionHandler:^(NSURL* callback, NSError* error) {
-            if (error || !callback) return;
-            const QString address = QString::fromNSString([callback absoluteString]);
+            const bool given = !error && callback;
+            const QString address = given ? QString::fromNSString([callback absoluteString]) : QString{};
             dispatch_async(dispatch_get_main_queue(), ^{
-                if (!alive.expired()) cameBack(address);
+                // A session that a later one has cancelled says so when it is nobody's any more.
+                if (!alive.expired() && attempt == m_attempt) cameBack(address);
             });
         }];
         [m_session setPresentationContextProvider:m_anchor];
-        [m_session start];
+        if (![m_session start]) cameBack({});
     }
     [[nodiscard]] bool signsInThroughBrowser() const override { return false; }
 
@@ -78,11 +108,12 @@ public:
     {
         return QString::fromNSString([[NSHost currentHost] localizedName]);
     }
-    [[nodiscard]] QString stateFolder() const override { return m_home + u"/Library/Logs/Murmeli"_s; }
+    [[nodiscard]] QString stateFolder() const override { return m_home + u"/Library/Application Support/Murmeli"_s; }
 
 private:
     QString m_home;
     ASWebAuthenticationSession* m_session = nil;
+    quint64 m_attempt = 0;
     MurmeliSignInAnchor* m_anchor = [[MurmeliSignInAnchor alloc] init];
     std::shared_ptr<int> m_alive = std::make_shared<int>();
 };

@@ -1,12 +1,13 @@
 #include "WindowSystem.h"
 
-#include <QWindow>
+#include "NativeWindow.h"
 
-#import <AppKit/AppKit.h>
+#include <QVariant>
 
 namespace murmeli::windowSystem {
 
-void prepare() {}
+// At log-in nothing of us may come to the front: Qt would make the program active as soon as it runs.
+void prepare() { qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1"); }
 
 void becomeAccessory() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
 
@@ -18,12 +19,28 @@ std::optional<bool> trayIsDark() { return std::nullopt; } // the menu bar inks t
 
 void floatEverywhere(QWindow* window)
 {
-    NSView* view = reinterpret_cast<NSView*>(window->winId());
-    NSWindow* native = [view window];
+    window->setProperty("_q_macAlwaysShowToolWindow", true); // read when the native window is made
+    NSWindow* native = nativeWindow(window);
+    [native setStyleMask:[native styleMask] | NSWindowStyleMaskNonactivatingPanel];
     [native setLevel:NSStatusWindowLevel];
     [native setHidesOnDeactivate:NO];
     [native setCollectionBehavior:NSWindowCollectionBehaviorCanJoinAllSpaces |
                                   NSWindowCollectionBehaviorFullScreenAuxiliary];
+}
+
+void bringForward(QWindow* window, bool withKeyboard)
+{
+    NSWindow* native = nativeWindow(window);
+    [native orderFrontRegardless];
+    if (withKeyboard) [native makeKeyWindow];
+}
+
+void extendUnderTitle(QWindow* window)
+{
+    NSWindow* native = nativeWindow(window);
+    [native setTitlebarAppearsTransparent:YES];
+    [native setTitleVisibility:NSWindowTitleHidden];
+    [native setStyleMask:[native styleMask] | NSWindowStyleMaskFullSizeContentView];
 }
 
 } // namespace murmeli::windowSystem

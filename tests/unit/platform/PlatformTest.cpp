@@ -131,14 +131,14 @@ private slots:
         const auto desktop = makeDesktop(home.path());
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path() + u"/config"_s));
         const QString entry = home.path() + u"/config/autostart/murmeli.desktop"_s;
-        desktop->setLoginItem(true);
+        desktop->setLoginItem(true, {});
         const QByteArray on = files::readWhole(entry, 10'000).value_or("");
         QVERIFY(on.contains("\nHidden=false\n"));
         QVERIFY(on.contains("\nExec=\"" + QCoreApplication::applicationFilePath().toUtf8() + "\"\n"));
-        desktop->setLoginItem(false);
+        desktop->setLoginItem(false, {});
         QVERIFY(files::readWhole(entry, 10'000).value_or("").contains("\nHidden=true\n"));
         qunsetenv("XDG_CONFIG_HOME");
-        desktop->setLoginItem(false);
+        desktop->setLoginItem(false, {});
         QVERIFY(QFile::exists(home.path() + u"/.config/autostart/murmeli.desktop"_s));
     }
 

@@ -10,6 +10,7 @@
 #include <QTest>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace murmeli;
@@ -159,11 +160,18 @@ private slots:
         QVERIFY(chmod(loader.toLocal8Bit().constData(), 0755) == 0);
         const auto called = [&] { return QString::fromUtf8(files::readWhole(calls, 1000).value_or("")); };
         const QString agent = m->home.path() + u"/Library/LaunchAgents/com.valdor.quillet.app.plist\n"_s;
+        const QString target = u" gui/%1/com.valdor.quillet.app\n"_s.arg(::getuid());
         settings.set(u"launch_at_login"_s, true);
         QCOMPARE(m->desktop.loginItem, true);
-        QTRY_COMPARE(called(), u"load "_s + agent);
+        QString all = u"enable"_s + target + u"load "_s + agent;
+        QTRY_COMPARE(called(), all);
         settings.set(u"launch_at_login"_s, false);
-        QTRY_COMPARE(called(), u"load "_s + agent + u"unload "_s + agent);
+        all += u"disable"_s + target + u"unload "_s + agent;
+        QTRY_COMPARE(called(), all);
+        m->desktop.byAgent = true; // it would end us
+        settings.set(u"launch_at_login"_s, false);
+        all += u"disable"_s + target;
+        QTRY_COMPARE(called(), all);
         settings.set(u"notifications"_s, false);
         QCOMPARE(m->desktop.loginItem, false);
     }

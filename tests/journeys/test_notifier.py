@@ -1,0 +1,81 @@
+"""The icon on desktops whose bar takes it over D-Bus."""
+
+from __future__ import annotations
+
+import shutil
+from pathlib import Path
+
+from gi.repository import Gio, GLib
+
+from session import PYTHON, REPOSITORY, JourneyTest, Session
+from waiting import wait_for
+
+ITEM, ITEM_PATH = "org.kde.StatusNotifierItem", "/StatusNotifierItem"
+MENU = "com.canonical.dbusmenu"
+IDLE = "murmeli-idle-symbolic"
+
+
+class Notifier(JourneyTest):
+    def setUp(self):
+        self.session = self.open_session(tray=False, program=False, state={"status": "idle"})
+        icons = self.session.home / ".local/share/icons/hicolor"
+        (icons / "symbolic/apps").mkdir(parents=True)
+        (icons / "index.theme").write_text("[Icon Theme]\nName=Hicolor\nDirectories=symbolic/apps\n\n[symbolic/apps]\n"
+                                           "Size=16\nType=Scalable\n", "utf-8")
+        for picture in (REPOSITORY / "packaging/icons").glob("*-symbolic.svg"):
+            shutil.copy(picture, icons / "symbolic/apps")
+        self.host = self.start_host(self.session)
+        self.session.start_program()
+        self.bus = Gio.DBusConnection.new_for_address_sync(
+            self.session.environment["DBUS_SESSION_BUS_ADDRESS"],
+            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+        self.addCleanup(self.bus.close_sync, None)
+
+    def start_host(self, session: Session):
+        self.log = session.folder / "host.log"
+        self.log.unlink(missing_ok=True)
+        return session.start("host", [PYTHON, str(Path(__file__).with_name("notifier_host.py"))])
+
+    def owner(self) -> str:
+        """Of the icon that has come last."""
+        return wait_for(lambda: self.log.exists() and self.log.read_text("utf-8").split()[-1:], "the icon to come", 10)[0]
+
+    def call(self, path: str, interface: str, method: str, arguments: GLib.Variant | None = None):
+        return self.bus.call_sync(self.owner(), path, interface, method, arguments, None, Gio.DBusCallFlags.NONE, 5000,
+                                  None).unpack()
+
+    def told(self, name: str):
+        return self.call(ITEM_PATH, "org.freedesktop.DBus.Properties", "Get", GLib.Variant("(ss)", (ITEM, name)))[0]
+
+    def menu(self) -> dict[str, int]:
+        """Its entries, and by which number each is called."""
+        layout = self.call(self.told("Menu"), MENU, "GetLayout", GLib.Variant("(iias)", (0, -1, [])))[1]
+        return {entry[1]["label"].replace("_", ""): entry[0] for entry in layout[2] if "label" in entry[1]}
+
+    def choose(self, label: str) -> None:
+        number = wait_for(lambda: self.menu().get(label), f"«{label}» in the menu")
+        self.call(self.told("Menu"), MENU, "Event",
+                  GLib.Variant("(isvu)", (number, "clicked", GLib.Variant("i", 0), 0)))
+
+    def test_the_icon_its_menu_and_its_panel(self):
+        wait_for(lambda: self.told("IconName") == IDLE, "the icon that the desktop recolours")
+        self.assertEqual(self.told("ToolTip")[2], "Murmeli: Готов к записи")
+        self.call(ITEM_PATH, ITEM, "Activate", GLib.Variant("(ii)", (1200, 10)))
+        self.session.wait_open()
+        self.session.screen.key("Escape")
+        self.session.wait_closed()
+        self.choose("Открыть окно")
+        self.session.tree.wait("frame", "Встречи")
+        self.choose("Начать запись")
+        wait_for(self.session.command_file.exists, "the request")
+        self.session.write_state(status="recording", since=0)
+        wait_for(lambda: self.told("IconName") != IDLE and self.told("IconPixmap"), "the red icon")
+        wait_for(lambda: "Остановить запись" in self.menu(), "the menu to follow")
+
+        with self.case("the bar starts anew"):
+            self.session.stop(self.host)
+            self.start_host(self.session)
+            self.assertEqual(self.told("ToolTip")[2], "Murmeli: Идёт запись")
+        self.choose("Выйти из Murmeli")
+        self.session.press("push button", "Выйти, запись продолжится")
+        wait_for(lambda: self.session.program.poll() == 0, "the end")
