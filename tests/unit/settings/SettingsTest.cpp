@@ -151,9 +151,6 @@ private slots:
     void launchAtLogin()
     {
         SettingsModel& settings = m->settings;
-        settings.set(u"launch_at_login"_s, false); // there is no such program, and nobody minds
-        QVERIFY(!settings.stateOf(u"launch_at_login"_s).value.toBool());
-
         const QString calls = m->home.filePath(u"calls"_s);
         const QString loader = m->home.filePath(u"launchctl"_s);
         m->write(loader, "#!/bin/sh\nprintf '%s\\n' \"$*\" >> '" + calls.toUtf8() + "'\n");
@@ -174,6 +171,9 @@ private slots:
         QTRY_COMPARE(called(), all);
         settings.set(u"notifications"_s, false);
         QCOMPARE(m->desktop.loginItem, false);
+        QVERIFY(QFile::remove(loader)); // there is no such program, and nobody minds
+        settings.set(u"launch_at_login"_s, true);
+        QVERIFY(settings.stateOf(u"launch_at_login"_s).value.toBool());
     }
 
     void instructions()
