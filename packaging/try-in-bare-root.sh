@@ -65,7 +65,8 @@ done
 sleep 3 # for complaints that come late
 cat "$folder/said"
 [[ $window ]] || die 'The setup has not opened.'
-kill "$program" && wait "$program" || true
+kill "$program"
+wait "$program" || die "Murmeli has ended with $?."
 kill "$display" && wait "$display" || true
 [[ ! -s $folder/said ]] || die 'Murmeli has complained, see above.'
 

@@ -37,7 +37,7 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
                 .processes = outside.processes,
                 .desktop = outside.desktop}),
       glossary(account, outside.http, prefs, outside.scheduler),
-      notifier(paths, prefs, language, outside.scheduler,
+      notifier(paths, prefs, language, outside.desktop, outside.scheduler,
                [this](const ToastText& toast) { emit toastWanted(toast); }),
       quitQuestion(state, record),
       m_outside(outside),

@@ -4,6 +4,7 @@
 #include "base/Files.h"
 #include "base/Scheduler.h"
 #include "localisation/Language.h"
+#include "platform/Desktop.h"
 #include "service/Paths.h"
 #include "service/Prefs.h"
 
@@ -14,11 +15,12 @@ using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
-Notifier::Notifier(const Paths& paths, const Prefs& prefs, const Language& language,
+Notifier::Notifier(const Paths& paths, const Prefs& prefs, const Language& language, Desktop& desktop,
                    const Scheduler& scheduler, Show show)
     : m_logFile(paths.notificationsLog),
       m_prefs(prefs),
       m_language(language),
+      m_desktop(desktop),
       m_scheduler(scheduler),
       m_show(std::move(show))
 {
@@ -36,8 +38,10 @@ void Notifier::recordingChanged(const QString& from, const QString& to)
     }
     const QString key = started ? u"notify.started"_s : u"notify.finished"_s;
     const ToastText toast{m_language.t(key + u".title"_s), m_language.t(key + u".body"_s), started};
-    m_show(toast);
-    log(u"показано: "_s + toast.title);
+    m_desktop.askForPeace(&m_asking, [this, toast](bool wanted) {
+        if (!wanted) m_show(toast);
+        log(wanted ? u"пропущено: не беспокоить"_s : u"показано: "_s + toast.title);
+    });
 }
 
 void Notifier::log(const QString& text) const

@@ -2,12 +2,14 @@
 
 #include "ToastCenter.h"
 
+#include <QObject>
 #include <QString>
 
 #include <functional>
 
 namespace murmeli {
 
+class Desktop;
 class Language;
 class Prefs;
 class Scheduler;
@@ -18,8 +20,8 @@ class Notifier final {
 public:
     using Show = std::function<void(const ToastText&)>;
 
-    Notifier(const Paths& paths, const Prefs& prefs, const Language& language, const Scheduler& scheduler,
-             Show show);
+    Notifier(const Paths& paths, const Prefs& prefs, const Language& language, Desktop& desktop,
+             const Scheduler& scheduler, Show show);
 
     /// To be told the status before and after every reading of the state.
     void recordingChanged(const QString& from, const QString& to);
@@ -31,8 +33,10 @@ private:
     QString m_logFile;
     const Prefs& m_prefs;
     const Language& m_language;
+    Desktop& m_desktop;
     const Scheduler& m_scheduler;
     Show m_show;
+    QObject m_asking; ///< stands for questions that may be answered when we have gone
 };
 
 } // namespace murmeli

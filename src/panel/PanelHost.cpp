@@ -33,7 +33,12 @@ PanelHost::PanelHost(QQmlEngine& engine, Look& look, Scheduler& scheduler, Statu
 {
 }
 
-PanelHost::~PanelHost() = default;
+PanelHost::~PanelHost()
+{
+    // A window that goes says that it is hidden, and what listens to that has to be there still.
+    m_window.reset();
+    m_floating.reset();
+}
 
 bool PanelHost::isOpen() const
 {

@@ -76,6 +76,10 @@ public:
     /// Whether a browser that the user knows is used for it, which may fail to hand the address back.
     [[nodiscard]] virtual bool signsInThroughBrowser() const = 0;
 
+    /// Asks whether the user wants to be left in peace, as while a screen is shared. `answer` may come later,
+    /// and is no where the desktop does not say; it does not come when `context` has gone.
+    virtual void askForPeace(QObject* context, std::function<void(bool wanted)> answer) = 0;
+
     /// The computer's name as its owner reads it; empty when it has none.
     [[nodiscard]] virtual QString computerName() const = 0;
 

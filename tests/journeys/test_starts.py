@@ -77,6 +77,9 @@ class WithoutTray(JourneyTest):
         with self.case("so does what has to be told"):
             session.write(session.flag_file, "")
             session.tree.wait("alert message", lambda name: name.startswith("Не найден пользователь"))
+        with self.case("with the window open it ends as well"):
+            session.program.terminate()
+            self.assertEqual(session.program.wait(5), 0)
 
     def test_a_tray_that_comes_later_or_again_gets_the_icon(self):
         session = self.open_session(tray=False)

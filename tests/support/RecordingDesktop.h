@@ -26,6 +26,7 @@ public:
     bool throughBrowser = true;
     std::optional<bool> loginItem;
     bool byAgent = false;
+    bool peace = false;
     QString name; ///< of the computer
     QStringList languages;
     QString states; ///< folder
@@ -60,6 +61,7 @@ public:
     [[nodiscard]] bool startedByAgent(const QString&) const override { return byAgent; }
     void signIn(const QUrl& page, const QString&, CameBack) override { opened.append(page); }
     [[nodiscard]] bool signsInThroughBrowser() const override { return throughBrowser; }
+    void askForPeace(QObject*, std::function<void(bool)> answer) override { answer(peace); }
     [[nodiscard]] QString computerName() const override { return name; }
     [[nodiscard]] QStringList preferredLanguages() const override { return languages; }
     [[nodiscard]] QString stateFolder() const override { return states; }

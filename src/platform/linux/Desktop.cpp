@@ -6,6 +6,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
@@ -22,6 +23,7 @@ namespace {
 
 const QString fileManager = u"org.freedesktop.FileManager1"_s;
 constexpr qint64 sizeLimit = 64 * 1024; // bytes of /etc/machine-info
+constexpr int answerTime = 500;         // milliseconds that a small question is worth
 
 struct Command {
     QString program;
@@ -59,6 +61,7 @@ public:
     // The browser starts the handler of the scheme: us, as a second instance.
     void signIn(const QUrl& page, const QString&, CameBack) override { openUrl(page); }
     [[nodiscard]] bool signsInThroughBrowser() const override { return true; }
+    void askForPeace(QObject* context, std::function<void(bool)> answer) override;
     [[nodiscard]] QString computerName() const override;
     [[nodiscard]] QString stateFolder() const override
     {
@@ -110,6 +113,23 @@ void LinuxDesktop::setLoginItem(bool on, const QString&)
         u"[Desktop Entry]\nType=Application\nName=Murmeli\nIcon=murmeli\nExec=\"%1\"\nHidden=%2\n"_s.arg(
             program, on ? u"false"_s : u"true"_s);
     std::ignore = files::writeAtomic(folder + u"/murmeli.desktop"_s, entry.toUtf8(), files::Durable::No);
+}
+
+void LinuxDesktop::askForPeace(QObject* context, std::function<void(bool)> answer)
+{
+    const QString service = u"org.freedesktop.Notifications"_s;
+    QDBusMessage call = QDBusMessage::createMethodCall(service, u"/org/freedesktop/Notifications"_s,
+                                                       u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    call.setAutoStartService(false);
+    call.setArguments({service, u"Inhibited"_s});
+    auto* watcher =
+        new QDBusPendingCallWatcher{QDBusConnection::sessionBus().asyncCall(call, answerTime), context};
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
+                     [watcher, answer = std::move(answer)] {
+                         const QDBusPendingReply<QDBusVariant> reply = *watcher;
+                         watcher->deleteLater();
+                         answer(!reply.isError() && reply.value().variant().toBool());
+                     });
 }
 
 QString LinuxDesktop::computerName() const

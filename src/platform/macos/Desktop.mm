@@ -104,6 +104,9 @@ public:
     }
     [[nodiscard]] bool signsInThroughBrowser() const override { return false; }
 
+    // The system tells only its own notifications of it.
+    void askForPeace(QObject*, std::function<void(bool)> answer) override { answer(false); }
+
     [[nodiscard]] QString computerName() const override
     {
         return QString::fromNSString([[NSHost currentHost] localizedName]);

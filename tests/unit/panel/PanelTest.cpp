@@ -205,8 +205,8 @@ private slots:
             init();
             QVERIFY(files::writeAtomic(m->paths.prefsFile, prefs));
             QString shown;
-            Notifier notifier{m->paths, m->prefs, m->language, m->scheduler,
-                              [&](const ToastText& text) { shown = text.title; }};
+            Notifier notifier{m->paths,   m->prefs,     m->language,
+                              m->desktop, m->scheduler, [&](const ToastText& text) { shown = text.title; }};
             notifier.recordingChanged(from, to);
             QCOMPARE(shown, toast);
             const QString log = toast.isEmpty() ? reason : u"показано: "_s + toast;
@@ -215,6 +215,10 @@ private slots:
             QVERIFY(QDir{m->paths.logs}.removeRecursively());
             notifier.recordingChanged(from, to);
             QVERIFY(!QFile::exists(m->paths.logs)); // that folder is the service's to make
+            shown.clear();
+            m->desktop.peace = true; // a screen is being shared
+            notifier.recordingChanged(from, to);
+            QCOMPARE(shown, QString{});
         }
     }
 
