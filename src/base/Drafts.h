@@ -26,7 +26,7 @@ public:
 
     void set(const QString& about, const QString& draft);
 
-    /// The words of one that was are wanted no more, unless others have come in their place.
+    /// Words that were carried out are wanted no more, unless others have come in their place.
     void carryOut(const QString& about, const QString& draft);
 
 signals:

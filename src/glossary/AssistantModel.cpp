@@ -29,6 +29,12 @@ AssistantModel::AssistantModel(GlossaryStore& store, Drafts& drafts, QObject* pa
         recall();
         emit changed();
     });
+    // Whose it is may be known only now.
+    connect(&store, &GlossaryStore::changed, this, [this] {
+        if (!m_dirty || m_keptAs == draftName()) return;
+        m_drafts.set(m_keptAs, {});
+        setDirty(true);
+    });
     connect(&drafts, &Drafts::changed, this, [this](const QString& about) {
         if (about == draftName()) recall();
     });
@@ -41,9 +47,11 @@ void AssistantModel::recall()
 {
     const auto kept = json::object(m_drafts.of(draftName()).toUtf8());
     if (m_dirty || !kept) return;
-    m_dirty = true;
-    show(glossaryText::merged(glossaryText::parseAll(json::text(*kept, "base"_L1)),
-                              glossaryText::parseAll(json::text(*kept, "text"_L1)), m_store.entries()));
+    const auto draft = glossaryText::merged(glossaryText::parseAll(json::text(*kept, "base"_L1)),
+                                            glossaryText::parseAll(json::text(*kept, "text"_L1)), m_base);
+    m_dirty = draft != m_base; // else it has been saved after all
+    m_keptAs = draftName();
+    show(draft);
 }
 
 void AssistantModel::setDirty(bool dirty)
@@ -55,7 +63,8 @@ void AssistantModel::setDirty(bool dirty)
                                 {u"text"_s, glossaryText::serialised(m_draft)}};
         kept = QJsonDocument{draft}.toJson(QJsonDocument::Compact);
     }
-    m_drafts.set(draftName(), QString::fromUtf8(kept));
+    m_keptAs = draftName();
+    m_drafts.set(m_keptAs, QString::fromUtf8(kept));
 }
 
 void AssistantModel::show(const QList<GlossaryEntry>& draft)

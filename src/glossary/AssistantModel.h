@@ -62,6 +62,7 @@ private:
     QList<int> m_visible; ///< positions in the draft
     QString m_query;
     QString m_needle;
+    QString m_keptAs; ///< the name of the draft
     bool m_dirty = false;
     bool m_saving = false;
     quint64 m_edits = 0;

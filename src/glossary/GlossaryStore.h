@@ -41,10 +41,8 @@ public:
 
     [[nodiscard]] const QList<GlossaryEntry>& entries() const { return m_entries; }
     [[nodiscard]] bool known() const;
-    [[nodiscard]] QString person() const
-    {
-        return m_person.value_or(QString{});
-    } ///< whose it is; empty: unknown
+    /// Whose it is, as far as known: the account's identifier.
+    [[nodiscard]] QString person() const { return m_person.value_or(QString{}); }
     [[nodiscard]] bool loading() const { return bool(m_load); }
     [[nodiscard]] Message syncError() const { return m_syncError; }
     [[nodiscard]] QDateTime savedAt() const { return m_savedAt; }

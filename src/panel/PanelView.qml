@@ -221,9 +221,13 @@ Item {
                                     : root.panel.face === PanelModel.Recording ? Theme.inkRed : Theme.inkViolet
 
                                 HoverHandler { id: over }
-                                HelpTip {
-                                    wanted: over.hovered && line.truncated
-                                    text: line.text
+                                Loader { // most lines are seen whole
+                                    anchors.fill: parent
+                                    active: over.hovered && line.truncated
+                                    sourceComponent: HelpTip {
+                                        wanted: over.hovered
+                                        text: line.text
+                                    }
                                 }
                             }
                         }

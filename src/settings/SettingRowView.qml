@@ -49,7 +49,7 @@ Item {
             type: Theme.detail
             color: Theme.text3
             wrapMode: Text.Wrap
-            text: (root.now.lead ? root.now.lead + " · " : "") + L.say(root.now.subtitle)
+            text: (root.now.lead ? root.now.lead + L.t("common.dot") : "") + L.say(root.now.subtitle)
         }
     }
     SettingControl {

@@ -146,14 +146,12 @@ void SettingsModel::setLaunchAtLogin(bool on)
     // disabled would be loaded again at the next log-in; and one that has started us is left to end with us.
     const QString label = QString::fromLatin1(Paths::appAgentLabel);
     const bool stays = !on && m_ground.desktop.startedByAgent(label);
+    const QString unload = stays ? QString{} : u"unload"_s;
     m_ground.processes.startDetached(
         u"/bin/sh"_s,
         {u"-c"_s, uR"sh(exec 2>/dev/null; "$0" "$1" "$2"; [ -z "$3" ] || "$0" "$3" "$4")sh"_s,
          paths.agentLoader, on ? u"enable"_s : u"disable"_s, u"gui/%1/%2"_s.arg(::getuid()).arg(label),
-         stays ? QString{}
-         : on  ? u"load"_s
-               : u"unload"_s,
-         paths.appAgentFile});
+         on ? u"load"_s : unload, paths.appAgentFile});
 }
 
 Message SettingsModel::subtitle(const SettingRow& row) const

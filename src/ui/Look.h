@@ -19,8 +19,7 @@ class Look final : public QObject {
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed FINAL)
     Q_PROPERTY(bool highContrast READ highContrast NOTIFY changed FINAL)
     Q_PROPERTY(bool compositing READ compositing NOTIFY changed FINAL)
-    Q_PROPERTY(
-        bool typing READ typing NOTIFY typingChanged FINAL) ///< no pointer has moved since the last key
+    Q_PROPERTY(bool typing READ typing NOTIFY typingChanged FINAL) ///< the pointer rests since a key
     Q_PROPERTY(QString family READ family CONSTANT FINAL)
     Q_PROPERTY(QString fixedFamily READ fixedFamily CONSTANT FINAL) ///< all letters as wide
     Q_PROPERTY(double pointsPerPixel READ pointsPerPixel CONSTANT FINAL)

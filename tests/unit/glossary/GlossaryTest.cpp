@@ -294,6 +294,7 @@ private slots:
         QCOMPARE(model.total(), 3);
         model.revert();
         QVERIFY((!AssistantModel{*store, drafts}.dirty()));
+        QVERIFY(drafts.of(u"glossary of "_s).isEmpty());
         QCOMPARE(rows(), u"со стороны"_s);
         QVERIFY(!model.dirty());
 
@@ -301,6 +302,7 @@ private slots:
         m->backendHas("там");
         m->signIn();
         QTRY_VERIFY(store->savedAt().isValid());
+        QVERIFY((AssistantModel{*store, drafts}.dirty())); // the draft has gone to whoever has signed in
         model.save();
         QVERIFY(model.saving());
         QCOMPARE(model.total(), 3);
