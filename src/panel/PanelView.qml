@@ -221,6 +221,8 @@ Item {
                                     : root.panel.face === PanelModel.Recording ? Theme.inkRed : Theme.inkViolet
 
                                 HoverHandler { id: over }
+                                // Loaders take no bound components yet.
+                                // qmllint disable unqualified
                                 Loader { // most lines are seen whole
                                     anchors.fill: parent
                                     active: over.hovered && line.truncated
@@ -229,6 +231,7 @@ Item {
                                         text: line.text
                                     }
                                 }
+                                // qmllint enable unqualified
                             }
                         }
                         Rectangle {
