@@ -43,7 +43,7 @@ TrayFace::TrayFace(StatusItem& statusItem, const AppState& state, const RecordCo
     connect(&language, &Language::changed, this, &TrayFace::updateTexts);
     connect(&record, &RecordControl::pendingChanged, this, &TrayFace::updateTexts);
     connect(&look, &Look::changed, this, &TrayFace::updateIcon);
-    connect(&statusItem, &StatusItem::groundChanged, this, &TrayFace::updateIcon);
+    connect(&statusItem, &StatusItem::trayCame, this, &TrayFace::updateIcon);
 }
 
 TrayFace::~TrayFace() = default;

@@ -17,7 +17,6 @@ namespace murmeli {
 
 namespace {
 
-constexpr auto trayInterval = 2s;
 constexpr auto samePress = 400ms; ///< in which a press can both close the panel and reach the icon
 
 } // namespace
@@ -133,16 +132,13 @@ void PanelHost::openOrdinary()
 {
     if (!m_window) {
         m_window = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_parts);
-        connect(m_window.get(), &QWindow::visibleChanged, this, [this](bool visible) {
-            if (!visible) m_watching.end();
+        connect(&m_statusItem, &StatusItem::trayCame, m_window.get(), [this] {
+            if (!m_window->isOpen()) return;
+            m_window->closePanel();
+            open(); // in its place
         });
     }
     m_window->openOrdinary();
-    m_scheduler.every(trayInterval, m_watching.renew(), [this] {
-        if (!m_statusItem.hasTray()) return;
-        m_window->closePanel();
-        open(); // in its place
-    });
 }
 
 void PanelHost::raise()

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "KeyPanel.h"
-#include "base/Lease.h"
 
 #include <QObject>
 #include <QPoint>
@@ -52,7 +51,6 @@ private:
     KeyPanel::Parts m_parts;
     std::unique_ptr<KeyPanel> m_floating;
     std::unique_ptr<KeyPanel> m_window; ///< where there is no tray
-    Lease m_watching;                   ///< for a tray, while that window is open
     double m_closedFromOutside = 0;     ///< when, in seconds since 1970
     QPoint m_pressedAt; ///< where the pointer last pressed the icon, on desktops that keep its place to
                         ///< themselves

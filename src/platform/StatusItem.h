@@ -45,7 +45,7 @@ public:
     [[nodiscard]] virtual bool hasTray() const = 0;
 
 signals:
-    void groundChanged();
+    void trayCame(); ///< again too, and perhaps with another ground
     void pressed(); ///< once for every press with the main button
     void recordChosen();
     void openChosen();

@@ -13,19 +13,34 @@ TrayIcon::TrayIcon()
     m_settings = m_menu.addAction(QString{}, this, &StatusItem::settingsChosen);
     m_menu.addSeparator();
     m_quit = m_menu.addAction(QString{}, this, &StatusItem::quitChosen);
+}
+
+void TrayIcon::show()
+{
+    m_icon = std::make_unique<QSystemTrayIcon>(m_look);
+    m_icon->setToolTip(m_name);
     // A quick second press comes as a double click; taken for nothing, it would be lost.
-    connect(&m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) emit pressed();
-        if (reason == QSystemTrayIcon::Context && !m_icon.contextMenu())
-            m_menu.popup(geometry().bottomLeft());
-    });
+    connect(m_icon.get(), &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
+                    emit pressed();
+                if (reason == QSystemTrayIcon::Context && !m_icon->contextMenu())
+                    m_menu.popup(geometry().bottomLeft());
+            });
+    m_icon->show();
+}
+
+void TrayIcon::setName(const QString& name)
+{
+    m_name = name;
+    if (m_icon) m_icon->setToolTip(name);
 }
 
 void TrayIcon::setLook(const Look& look)
 {
-    QIcon icon = look.icon;
-    icon.setIsMask(look.isTemplate);
-    m_icon.setIcon(icon);
+    m_look = look.icon;
+    m_look.setIsMask(look.isTemplate);
+    if (m_icon) m_icon->setIcon(m_look);
 }
 
 void TrayIcon::setMenu(const MenuTexts& texts)

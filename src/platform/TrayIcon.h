@@ -13,15 +13,15 @@ public:
     TrayIcon();
 
     void setLook(const Look& look) override;
-    void setName(const QString& name) override { m_icon.setToolTip(name); }
+    void setName(const QString& name) override;
     void setMenu(const MenuTexts& texts) override;
-    void show() override { m_icon.show(); }
-    [[nodiscard]] QRect geometry() const override { return m_icon.geometry(); }
-    [[nodiscard]] bool hasTray() const override { return QSystemTrayIcon::isSystemTrayAvailable(); }
+    void show() override;
+    [[nodiscard]] QRect geometry() const override { return m_icon ? m_icon->geometry() : QRect{}; }
+    [[nodiscard]] bool hasTray() const override { return true; }
 
 protected:
     /// To a tray that opens it for the right button alone.
-    void handOverMenu() { m_icon.setContextMenu(&m_menu); }
+    void handOverMenu() { m_icon->setContextMenu(&m_menu); }
 
 private:
     QMenu m_menu;
@@ -31,7 +31,9 @@ private:
     QAction* m_window;
     QAction* m_settings;
     QAction* m_quit;
-    QSystemTrayIcon m_icon;
+    QIcon m_look;
+    QString m_name;
+    std::unique_ptr<QSystemTrayIcon> m_icon; ///< from show() on
 };
 
 } // namespace murmeli

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 class QWindow;
 
 /// Small questions to the window system that Qt has no answer for.
@@ -21,9 +19,6 @@ void becomeAccessory();
 
 /// Whether windows may be translucent right now; without it rounded corners would be black.
 bool compositing();
-
-/// Whether the tray is so dark that it wants light icons; nothing where it does not say.
-std::optional<bool> trayIsDark();
 
 /// Lets `window` show above full-screen programs and on all desktops, where the system can. Before it is
 /// shown.

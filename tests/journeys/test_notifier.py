@@ -24,8 +24,6 @@ class Notifier(JourneyTest):
                                            "Size=16\nType=Scalable\n", "utf-8")
         for picture in (REPOSITORY / "packaging/icons").glob("*-symbolic.svg"):
             shutil.copy(picture, icons / "symbolic/apps")
-        self.host = self.start_host(self.session)
-        self.session.start_program()
         self.bus = Gio.DBusConnection.new_for_address_sync(
             self.session.environment["DBUS_SESSION_BUS_ADDRESS"],
             Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
@@ -58,6 +56,8 @@ class Notifier(JourneyTest):
                   GLib.Variant("(isvu)", (number, "clicked", GLib.Variant("i", 0), 0)))
 
     def test_the_icon_its_menu_and_its_panel(self):
+        host = self.start_host(self.session)
+        self.session.start_program()
         wait_for(lambda: self.told("IconName") == IDLE, "the icon that the desktop recolours")
         self.assertEqual(self.told("ToolTip")[2], "Murmeli: Готов к записи")
         self.call(ITEM_PATH, ITEM, "Activate", GLib.Variant("(ii)", (1200, 10)))
@@ -73,9 +73,16 @@ class Notifier(JourneyTest):
         wait_for(lambda: "Остановить запись" in self.menu(), "the menu to follow")
 
         with self.case("the bar starts anew"):
-            self.session.stop(self.host)
+            self.session.stop(host)
             self.start_host(self.session)
             self.assertEqual(self.told("ToolTip")[2], "Murmeli: Идёт запись")
         self.choose("Выйти из Murmeli")
         self.session.press("push button", "Выйти, запись продолжится")
         wait_for(lambda: self.session.program.poll() == 0, "the end")
+
+    def test_a_bar_that_comes_late(self):
+        self.session.start_program()
+        self.session.tree.wait("frame", "Murmeli")  # the panel in a window of its own
+        self.start_host(self.session)
+        wait_for(lambda: self.told("IconName") == IDLE, "the icon that the desktop recolours")
+        wait_for(lambda: self.session.wait_open().extents.x > 1000, "the panel in its corner")

@@ -7,5 +7,7 @@ set(MURMELI_PLATFORM_SOURCES
     linux/Memory.cpp
     linux/SessionBus.cpp linux/SessionBus.h
     linux/StatusItem.cpp
-    linux/WindowSystem.cpp)
+    linux/Trays.cpp linux/Trays.h
+    linux/WindowSystem.cpp
+    linux/X11.cpp linux/X11.h)
 set(MURMELI_PLATFORM_LIBRARIES Qt6::DBus PkgConfig::XCB)

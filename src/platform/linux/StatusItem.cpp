@@ -1,62 +1,82 @@
 #include "TrayIcon.h"
-#include "WindowSystem.h"
-
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QGuiApplication>
-
-using namespace Qt::StringLiterals;
+#include "Trays.h"
+#include "X11.h"
 
 namespace murmeli {
 
 namespace {
 
-/// Desktops with a StatusNotifier host recolour symbolic icons that they find by name; an XEmbed tray shows
-/// the very pixels that it is given, so there a symbolic icon could be dark on dark.
+/// Qt decides for good between the two kinds of trays when the first icon is made, and waits for an answer
+/// then. So the icon is made only when there is a tray to take it, however late that comes.
 class LinuxStatusItem final : public TrayIcon {
 public:
     LinuxStatusItem()
     {
-        handOverMenu();
-        QDBusConnection bus = QDBusConnection::sessionBus();
-        if (!bus.isConnected()) return;
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                           u"org.freedesktop.DBus"_s, u"NameHasOwner"_s);
-        call.setArguments({u"org.kde.StatusNotifierWatcher"_s});
-        auto* watcher = new QDBusPendingCallWatcher{bus.asyncCall(call), this};
-        connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-            const QDBusPendingReply<bool> reply = *watcher;
-            m_recolours = !reply.isError() && reply.value();
-            watcher->deleteLater();
-            if (m_recolours) emit groundChanged();
-        });
+        connect(&m_host, &NotifierHost::changed, this, &LinuxStatusItem::look);
+        connect(&m_xembed, &XEmbedTray::came, this, &LinuxStatusItem::look);
     }
 
+    /// A host recolours symbolic icons that it finds by name; in the other kind of tray such an icon could be
+    /// dark on dark.
     [[nodiscard]] Ground ground() const override
     {
-        if (m_recolours || !qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
-            return Ground::OfTheTheme;
-        const auto dark = windowSystem::trayIsDark();
+        if (m_kind != Kind::XEmbed) return Ground::OfTheTheme;
+        const auto dark = XEmbedTray::isDark();
         if (!dark) return Ground::Unknown;
         return *dark ? Ground::Dark : Ground::Light;
     }
 
     void setLook(const Look& look) override
     {
-        m_look = look;
         Look shown = look;
-        if (m_recolours && !look.symbolName.isEmpty() && QIcon::hasThemeIcon(look.symbolName)) {
+        if (m_kind == Kind::Notifier && !look.symbolName.isEmpty() && QIcon::hasThemeIcon(look.symbolName))
             shown.icon = QIcon::fromTheme(look.symbolName);
-        }
         TrayIcon::setLook(shown);
     }
 
+    void show() override
+    {
+        m_wanted = true;
+        look();
+    }
+
+    [[nodiscard]] bool hasTray() const override
+    {
+        switch (m_kind) {
+        case Kind::Notifier:
+            return m_host.state() == NotifierHost::State::There;
+        case Kind::XEmbed:
+            return XEmbedTray::isThere();
+        case Kind::None:
+            break;
+        }
+        return false;
+    }
+
 private:
-    Look m_look;
-    bool m_recolours = false;
+    enum class Kind { None, Notifier, XEmbed };
+
+    void look()
+    {
+        const auto host = m_host.state();
+        if (m_kind == Kind::None && m_wanted && host != NotifierHost::State::Unknown) {
+            if (host == NotifierHost::State::There) {
+                m_kind = Kind::Notifier;
+            } else if (XEmbedTray::isThere()) {
+                m_kind = Kind::XEmbed;
+            }
+            if (m_kind != Kind::None) {
+                TrayIcon::show();
+                handOverMenu();
+            }
+        }
+        if (hasTray()) emit trayCame();
+    }
+
+    NotifierHost m_host;
+    XEmbedTray m_xembed;
+    Kind m_kind = Kind::None;
+    bool m_wanted = false;
 };
 
 } // namespace

@@ -15,8 +15,6 @@ bool drawsInSoftware() { return false; }
 
 bool compositing() { return true; }
 
-std::optional<bool> trayIsDark() { return std::nullopt; } // the menu bar inks template images by itself
-
 void floatEverywhere(QWindow* window)
 {
     window->setProperty("_q_macAlwaysShowToolWindow", true); // read when the native window is made
