@@ -25,7 +25,8 @@ add_custom_target(murmeli_papers ALL DEPENDS ${papers})
 set_target_properties(murmeli PROPERTIES INSTALL_RPATH "") # it brings no libraries along
 install(TARGETS murmeli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES murmeli.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
-install(FILES icons/murmeli.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+install(FILES icons/murmeli.svg icons/murmeli-recording.svg icons/murmeli-recording-dim.svg
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 install(FILES icons/murmeli-idle-symbolic.svg icons/murmeli-processing-symbolic.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/symbolic/apps)
 install(FILES ${metainfo} DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)

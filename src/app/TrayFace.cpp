@@ -80,11 +80,12 @@ void TrayFace::updateIcon()
     StatusItem::Look look;
     if (m_state.isRecording()) {
         look.isTemplate = false;
+        look.installedName = m_bright ? u"murmeli-recording"_s : u"murmeli-recording-dim"_s;
         look.icon = iconOf([&](int side) { return symbols::recording(side, m_bright); });
     } else {
         const bool processing = m_state.isProcessing();
         const QString symbol = processing ? u"gearshape.2.fill"_s : u"waveform.tray"_s;
-        look.symbolName = processing ? u"murmeli-processing-symbolic"_s : u"murmeli-idle-symbolic"_s;
+        look.installedName = processing ? u"murmeli-processing-symbolic"_s : u"murmeli-idle-symbolic"_s;
         const auto ground = m_statusItem.ground();
         const bool dark =
             ground == StatusItem::Ground::Dark || (ground != StatusItem::Ground::Light && m_look.dark());

@@ -17,7 +17,7 @@ class StatusItem : public QObject {
 public:
     struct Look {
         QIcon icon;             ///< drawn for the bar's ink
-        QString symbolName;     ///< an installed symbolic icon that the desktop recolours; may be empty
+        QString installedName;  ///< of the same icon where it is installed; one ink for the desktop to choose
         bool isTemplate = true; ///< one ink, to be recoloured by systems that do so
     };
     struct MenuTexts {

@@ -1,10 +1,26 @@
 #include "TrayIcon.h"
 #include "Trays.h"
-#include "X11.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
 namespace {
+
+/// Whether the desktop's bar inks a symbolic icon that it finds by name; any other could show it dark on
+/// dark. Names and pixels are not mixed: not every bar follows from the one to the other.
+bool recolours()
+{
+    static const QStringList known{u"GNOME"_s, u"KDE"_s,    u"X-Cinnamon"_s, u"LXQt"_s,
+                                   u"XFCE"_s,  u"Budgie"_s, u"Pantheon"_s};
+    const QStringList desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':');
+    return std::any_of(desktops.begin(), desktops.end(),
+                       [](const QString& name) { return known.contains(name); });
+}
 
 /// Qt decides for good between the two kinds of trays when the first icon is made, and waits for an answer
 /// then. So the icon is made only when there is a tray to take it, however late that comes.
@@ -16,12 +32,10 @@ public:
         connect(&m_xembed, &XEmbedTray::came, this, &LinuxStatusItem::look);
     }
 
-    /// A host recolours symbolic icons that it finds by name; in the other kind of tray such an icon could be
-    /// dark on dark.
     [[nodiscard]] Ground ground() const override
     {
-        if (m_kind != Kind::XEmbed) return Ground::OfTheTheme;
-        const auto dark = XEmbedTray::isDark();
+        if (m_kind == Kind::None) return Ground::OfTheTheme;
+        const auto dark = m_kind == Kind::XEmbed ? XEmbedTray::isDark() : std::nullopt;
         if (!dark) return Ground::Unknown;
         return *dark ? Ground::Dark : Ground::Light;
     }
@@ -29,8 +43,8 @@ public:
     void setLook(const Look& look) override
     {
         Look shown = look;
-        if (m_kind == Kind::Notifier && !look.symbolName.isEmpty() && QIcon::hasThemeIcon(look.symbolName))
-            shown.icon = QIcon::fromTheme(look.symbolName);
+        if (m_kind == Kind::Notifier && recolours() && QIcon::hasThemeIcon(look.installedName))
+            shown.icon = QIcon::fromTheme(look.installedName);
         TrayIcon::setLook(shown);
     }
 

@@ -58,7 +58,7 @@ private slots:
         QCOMPARE(
             (QStringList{item.menu.open, item.menu.window, item.menu.settings, item.menu.quit}),
             (QStringList{u"Открыть панель"_s, u"Открыть окно"_s, u"Настройки"_s, u"Выйти из Murmeli"_s}));
-        QCOMPARE(item.look.symbolName, u"murmeli-idle-symbolic"_s);
+        QCOMPARE(item.look.installedName, u"murmeli-idle-symbolic"_s);
 
         m->record.toggle();
         QCOMPARE(item.menu.state, u"Запускаем запись…"_s);
@@ -78,7 +78,7 @@ private slots:
         m->scheduler.advance(1500ms);
         QCOMPARE(item.menu.quit, u"Quit Murmeli"_s);
         m->serviceSays("processing");
-        QCOMPARE(item.look.symbolName, u"murmeli-processing-symbolic"_s);
+        QCOMPARE(item.look.installedName, u"murmeli-processing-symbolic"_s);
         const int looks = item.looks;
         m->scheduler.advance(10s);
         QCOMPARE(item.looks, looks); // at rest nothing blinks
