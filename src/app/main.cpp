@@ -90,7 +90,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationVersion(AppInfo::version);
     QApplication::setDesktopFileName(u"murmeli"_s);
     QApplication::setQuitOnLastWindowClosed(false);
-    windowSystem::becomeAccessory();
+    windowSystem::settle();
     if (windowSystem::drawsInSoftware()) QQuickWindow::setSceneGraphBackend(u"software"_s);
     endSignals::quitOn(&app);
 

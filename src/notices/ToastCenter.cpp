@@ -34,6 +34,10 @@ ToastCenter::~ToastCenter()
 
 void ToastCenter::show(const ToastText& toast)
 {
+    if (!windowSystem::placesWindows()) {
+        windowSystem::notify(toast.title, toast.message);
+        return;
+    }
     const QRect available = m_available();
     if (available.isEmpty()) return;
     if (!m_component) {

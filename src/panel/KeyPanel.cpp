@@ -30,7 +30,7 @@ constexpr int frameHeight = 48; // about what a desktop puts around a window, kn
 } // namespace
 
 KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
-    : QQuickView(&engine, nullptr), m_panel(parts.panel), m_kind(kind)
+    : QQuickView(&engine, nullptr), m_panel(parts.panel), m_kind(kind), m_escapeCloses(kind == Kind::Floating)
 {
     const bool floating = kind == Kind::Floating;
     if (floating) {
@@ -100,8 +100,9 @@ void KeyPanel::openAt(const QRect& place, const QRect& icon, bool above)
     m_clickOutside = makeClickOutside(this, [this] { emit pressedOutside(); });
 }
 
-void KeyPanel::openOrdinary()
+void KeyPanel::openOrdinary(bool escapeCloses)
 {
+    m_escapeCloses = escapeCloses;
     setOpen(true);
     show();
     raise();
@@ -132,9 +133,8 @@ void KeyPanel::keyPressEvent(QKeyEvent* event)
 {
     QQuickView::keyPressEvent(event);
     if (event->isAccepted()) return;
-    const bool closes = event->key() == Qt::Key_Escape || event->matches(QKeySequence::Close);
-    if (m_kind == Kind::Floating && closes) closePanel();
-    if (m_kind == Kind::Ordinary && event->matches(QKeySequence::Close)) close();
+    const bool escapes = m_escapeCloses && event->key() == Qt::Key_Escape;
+    if (escapes || event->matches(QKeySequence::Close)) closePanel();
     if (event->matches(QKeySequence::Quit)) emit m_panel.quitRequested();
 }
 

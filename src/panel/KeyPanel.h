@@ -46,7 +46,8 @@ public:
     /// leaves its presses; called again it moves the panel there.
     void openAt(const QRect& place, const QRect& icon = {}, bool above = false);
     /// Shows it as an ordinary window, or brings it forward.
-    void openOrdinary();
+    /// \param escapeCloses for a window that an icon brings back
+    void openOrdinary(bool escapeCloses);
     void closePanel();
 
 signals:
@@ -65,6 +66,7 @@ private:
     PanelModel& m_panel;
     Kind m_kind;
     bool m_open = false;
+    bool m_escapeCloses;
     std::unique_ptr<ClickOutside> m_clickOutside;
 };
 

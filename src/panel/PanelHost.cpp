@@ -44,6 +44,11 @@ bool PanelHost::isOpen() const
     return (m_floating && m_floating->isOpen()) || (m_window && m_window->isOpen());
 }
 
+void PanelHost::prepare()
+{
+    if (windowSystem::placesWindows()) floating();
+}
+
 KeyPanel* PanelHost::floating()
 {
     if (m_floating) return m_floating.get();
@@ -79,13 +84,15 @@ void PanelHost::pressedOutside()
 
 void PanelHost::toggle()
 {
-    m_pressedAt = QCursor::pos();
+    if (windowSystem::knowsPointer()) m_pressedAt = QCursor::pos();
     // Where the icon's place is unknown, the press that closed the panel may have been on the icon itself.
     const bool justClosed =
         m_scheduler.now() - m_closedFromOutside < std::chrono::duration<double>(samePress).count();
     if (m_statusItem.geometry().isEmpty() && justClosed) return;
-    if (m_window) m_window->closePanel();
-    if (floating()->isOpen()) {
+    const bool ordinary = m_window && m_window->isOpen();
+    if (ordinary) m_window->closePanel();
+    if (ordinary && !windowSystem::placesWindows()) return;
+    if (m_floating && m_floating->isOpen()) {
         close();
     } else {
         open();
@@ -98,12 +105,16 @@ QRect PanelHost::anchor() const
     if (!icon.isEmpty()) return icon;
     if (!m_pressedAt.isNull()) return {m_pressedAt, QSize{1, 1}};
     const QScreen* screen = QGuiApplication::primaryScreen();
-    return screen ? QRect{screen->availableGeometry().topRight(), QSize{1, 1}} : QRect{};
+    if (!screen) return {};
+    const QRect free = screen->availableGeometry();
+    const bool barBelow =
+        free.top() == screen->geometry().top() && free.bottom() < screen->geometry().bottom();
+    return {barBelow ? free.bottomRight() : free.topRight(), QSize{1, 1}};
 }
 
 void PanelHost::open()
 {
-    if (!m_statusItem.hasTray()) {
+    if (!m_statusItem.hasTray() || !windowSystem::placesWindows()) {
         openOrdinary();
         return;
     }
@@ -133,12 +144,12 @@ void PanelHost::openOrdinary()
     if (!m_window) {
         m_window = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_parts);
         connect(&m_statusItem, &StatusItem::trayCame, m_window.get(), [this] {
-            if (!m_window->isOpen()) return;
+            if (!m_window->isOpen() || !windowSystem::placesWindows()) return;
             m_window->closePanel();
             open(); // in its place
         });
     }
-    m_window->openOrdinary();
+    m_window->openOrdinary(m_statusItem.hasTray());
 }
 
 void PanelHost::raise()

@@ -13,8 +13,8 @@ class Look;
 class Scheduler;
 class StatusItem;
 
-/// Opens the panel under the status item, places, closes and toggles it; where the desktop has no tray it is
-/// an ordinary window. Main thread only.
+/// Opens the panel under the status item, places, closes and toggles it; where the desktop has no tray,
+/// or lets no program place its windows, it is an ordinary window. Main thread only.
 class PanelHost final : public QObject {
     Q_OBJECT
 
@@ -25,12 +25,12 @@ public:
     Q_DISABLE_COPY_MOVE(PanelHost)
 
     /// Makes the panel ahead of its first opening.
-    void prepare() { floating(); }
+    void prepare();
 
     void toggle(); ///< a press on the status item
     void open();
     void close();
-    /// In a window of its own, until there is a tray.
+    /// In a window of its own, until it can stand under the icon.
     void openOrdinary();
     void raise(); ///< over what has come meanwhile
     [[nodiscard]] bool isOpen() const;

@@ -46,7 +46,7 @@ public:
 
 signals:
     void trayCame(); ///< again too, and perhaps with another ground
-    void pressed(); ///< once for every press with the main button
+    void pressed();  ///< once for every press with the main button
     void recordChosen();
     void openChosen();
     void windowChosen();

@@ -1,5 +1,6 @@
 #pragma once
 
+class QString;
 class QWindow;
 
 /// Small questions to the window system that Qt has no answer for.
@@ -14,8 +15,19 @@ void prepare();
 /// then Qt Quick's own renderer is quicker and smaller than a graphics library that stands in for hardware.
 bool drawsInSoftware();
 
-/// After it is made: keeps the program out of the Dock, where there is one.
-void becomeAccessory();
+/// After it is made: keeps the program out of the Dock, where there is one, and gives fonts the screen's
+/// resolution where Qt has made the first of them without knowing it.
+void settle();
+
+/// Whether a program can say where its windows stand; natively on Wayland none can.
+bool placesWindows();
+
+/// Whether the pointer's place is known while it is not over one of our windows.
+bool knowsPointer();
+
+/// Tells the user something in passing through the desktop's own notifications, for programs that cannot
+/// place a window. Does not wait; nothing comes of it where nobody shows notifications.
+void notify(const QString& title, const QString& message);
 
 /// Whether windows may be translucent right now; without it rounded corners would be black.
 bool compositing();

@@ -100,7 +100,7 @@ class Tree:
         self._pid = pid
         self._owner = ""
 
-    def _application(self) -> str:
+    def application(self) -> str:
         """The name on the bus of the program that is followed; empty while it has not come."""
         if self._owner:
             return self._owner
@@ -116,7 +116,7 @@ class Tree:
 
     def nodes(self, *, of_hidden_windows=True) -> list[Node]:
         """All that the program tells of; what vanishes while we look is left out."""
-        owner = self._application()
+        owner = self.application()
         if not owner:
             return []
         try:

@@ -323,7 +323,7 @@ class Session:
     def _has_started(self) -> bool:
         if self.program.poll() is not None:
             raise AssertionError(f"Murmeli has ended with {self.program.returncode} at its start")
-        return bool((self.screen.icon() or not self._has_tray) and self.tree.nodes())
+        return bool((self.screen.icon() or not self._has_tray) and self.tree.application())
 
     def run_program(self, *arguments: str, environment: dict | None = None) -> subprocess.CompletedProcess:
         """One more start, which is expected to end by itself."""

@@ -9,9 +9,15 @@ namespace murmeli::windowSystem {
 // At log-in nothing of us may come to the front: Qt would make the program active as soon as it runs.
 void prepare() { qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1"); }
 
-void becomeAccessory() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
+void settle() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
 
 bool drawsInSoftware() { return false; }
+
+bool placesWindows() { return true; }
+
+bool knowsPointer() { return true; }
+
+void notify(const QString&, const QString&) {} // the toasts are windows of ours
 
 bool compositing() { return true; }
 
