@@ -4,8 +4,8 @@
 string(TIMESTAMP MURMELI_RELEASE_DAY "%Y-%m-%d" UTC)
 string(TIMESTAMP MURMELI_RELEASE_DATE "%a, %d %b %Y 00:00:00 +0000" UTC)
 
-# An application is known by a reversed host name; "local" belongs to nobody.
-set(MURMELI_APPLICATION_ID local.murmeli.murmeli)
+# The same as of the login agent on macOS; desktops call the program that runs by it.
+set(MURMELI_APPLICATION_ID com.valdor.quillet.app)
 set(MURMELI_HOMEPAGE "")
 if(MURMELI_WEB_ORIGIN MATCHES "^https://")
     set(MURMELI_HOMEPAGE "<url type=\"homepage\">${MURMELI_WEB_ORIGIN}</url>")
@@ -24,7 +24,9 @@ add_custom_target(murmeli_papers ALL DEPENDS ${papers})
 
 set_target_properties(murmeli PROPERTIES INSTALL_RPATH "") # it brings no libraries along
 install(TARGETS murmeli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES murmeli.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+install(FILES murmeli.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications RENAME ${MURMELI_APPLICATION_ID}.desktop)
+configure_file(debian/dbus.service.in ${CMAKE_CURRENT_BINARY_DIR}/${MURMELI_APPLICATION_ID}.service @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${MURMELI_APPLICATION_ID}.service DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/services)
 install(FILES icons/murmeli.svg icons/murmeli-recording.svg icons/murmeli-recording-dim.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 install(FILES icons/murmeli-idle-symbolic.svg icons/murmeli-processing-symbolic.svg

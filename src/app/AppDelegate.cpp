@@ -125,9 +125,9 @@ void AppDelegate::connectWindows()
         m_panelWanted = !m_trayDecided && !m_statusItem.hasTray(); // it may come in a moment
         if (!m_panelWanted && !m_panel.isOpen()) m_panel.open();
     });
-    // A second start shows nothing by itself where the icon is there to be pressed.
+    // A second start shows nothing by itself where the icon is there to be pressed, or may be in a moment.
     connect(&m_program, &Program::somethingWanted, this, [this] {
-        if (m_statusItem.hasTray()) return;
+        if (!m_trayDecided || m_statusItem.hasTray()) return;
         if (m_setup && m_setup->isVisible()) {
             m_setup->present();
         } else {

@@ -3,6 +3,7 @@
 #include "base/Http.h"
 #include "base/Processes.h"
 #include "base/Scheduler.h"
+#include "platform/Activation.h"
 #include "platform/Appearance.h"
 #include "platform/Desktop.h"
 #include "platform/EndSignals.h"
@@ -88,7 +89,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName(u"murmeli"_s);
     QApplication::setApplicationDisplayName(u"Murmeli"_s);
     QApplication::setApplicationVersion(AppInfo::version);
-    QApplication::setDesktopFileName(u"murmeli"_s);
+    QApplication::setDesktopFileName(QLatin1StringView{Paths::appAgentLabel});
     QApplication::setQuitOnLastWindowClosed(false);
     windowSystem::settle();
     if (windowSystem::drawsInSoftware()) QQuickWindow::setSceneGraphBackend(u"software"_s);
@@ -118,5 +119,7 @@ int main(int argc, char* argv[])
     look.follow(*appearance);
     QObject::connect(&instance, &SingleInstance::told, &program, &Program::told);
     instance.listen();
+    listenToDesktop(QGuiApplication::desktopFileName(), &program,
+                    [&program](const QString& wish) { program.told(wish); });
     return QApplication::exec();
 }

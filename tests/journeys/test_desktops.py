@@ -13,6 +13,7 @@ from waiting import wait_for
 
 ITEM, ITEM_PATH = "org.kde.StatusNotifierItem", "/StatusNotifierItem"
 MENU = "com.canonical.dbusmenu"
+NAME = "com.valdor.quillet.app"
 IDLE = "murmeli-idle-symbolic"
 
 
@@ -82,6 +83,13 @@ class OverDBus(WithBar):
             wait_for(lambda name=name: self.told("IconName") == name, "the red icon to blink")
         wait_for(lambda: "Остановить запись" in self.menu(), "the menu to follow")
 
+        with self.case("the desktop calls by the name"):
+            self.session.close_window()
+            self.session.tree.wait_gone("frame", "Встречи")
+            self.bus.call_sync(NAME, "/" + NAME.replace(".", "/"), "org.freedesktop.Application", "ActivateAction",
+                               GLib.Variant("(sava{sv})", ("window", [], {})), None, Gio.DBusCallFlags.NO_AUTO_START,
+                               5000, None)
+            self.session.tree.wait("frame", "Встречи")
         with self.case("the bar starts anew"):
             self.session.stop(bar)
             self.start_bar()

@@ -1,6 +1,7 @@
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 set(MURMELI_PLATFORM_SOURCES
+    linux/Activation.cpp
     linux/Appearance.cpp
     linux/ClickOutside.cpp
     linux/Desktop.cpp
