@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QQuickWindow>
+#include <QSessionManager>
 
 #include <cstdio>
 #include <cstring>
@@ -94,6 +95,9 @@ int main(int argc, char* argv[])
     windowSystem::settle();
     if (windowSystem::drawsInSoftware()) QQuickWindow::setSceneGraphBackend(u"software"_s);
     endSignals::quitOn(&app);
+    // Whether it starts with the session is a preference of its own.
+    QObject::connect(&app, &QGuiApplication::saveStateRequest,
+                     [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
 
     SystemScheduler scheduler;
     NetworkHttp http;

@@ -63,7 +63,7 @@ Item {
         Field {
             id: heard
             width: adding.fieldWidth
-            height: 34
+            height: Theme.grown(34)
             name: L.t("assistant.placeholder.heard")
             placeholderText: L.t("assistant.placeholder.heard")
             onAccepted: correct.forceActiveFocus(Qt.TabFocusReason)
@@ -78,7 +78,7 @@ Item {
         Field {
             id: correct
             width: adding.fieldWidth
-            height: 34
+            height: Theme.grown(34)
             name: L.t("assistant.placeholder.correct")
             placeholderText: L.t("assistant.placeholder.correct")
             onAccepted: root.add()

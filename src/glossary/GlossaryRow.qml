@@ -12,7 +12,7 @@ Rectangle {
 
     signal removed()
 
-    implicitHeight: 42
+    implicitHeight: Theme.grown(42)
     color: area.hovered ? Theme.hover : Theme.clear
 
     Accessible.role: Accessible.ListItem

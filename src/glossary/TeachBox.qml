@@ -24,7 +24,7 @@ Rectangle {
         heard.forceActiveFocus(Qt.OtherFocusReason);
     }
 
-    implicitHeight: 52
+    implicitHeight: Theme.grown(52)
     radius: Theme.rCard
     color: Theme.bgCard
     border.width: Theme.hair

@@ -57,7 +57,7 @@ Item {
         Label {
             x: Theme.padPanel
             y: 9
-            width: 92
+            width: Theme.grown(92)
             type: Theme.time
             color: Theme.text2
             text: root.time
@@ -65,7 +65,7 @@ Item {
         }
         Column {
             id: texts
-            x: 122
+            x: Theme.grown(122)
             y: 9
             width: parent.width - x - 44
             HitLabel {

@@ -25,7 +25,7 @@ ColumnLayout {
             Layout.fillWidth: true
             Layout.leftMargin: Theme.padPanel
             Layout.rightMargin: Theme.padPanel
-            Layout.preferredHeight: 42
+            Layout.preferredHeight: Theme.grown(42)
             spacing: 10
             Symbol {
                 Layout.preferredWidth: Theme.symbolRow

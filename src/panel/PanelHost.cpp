@@ -30,6 +30,9 @@ PanelHost::PanelHost(QQmlEngine& engine, Look& look, Scheduler& scheduler, Statu
       m_statusItem(statusItem),
       m_parts(parts)
 {
+    // Screens that change take the icon elsewhere, and the window system leaves the panel half outside of
+    // them.
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &PanelHost::close);
 }
 
 PanelHost::~PanelHost()

@@ -239,7 +239,7 @@ Item {
                             Layout.topMargin: 9
                             visible: !root.panel.jobsLine.empty
                             implicitWidth: jobs.implicitWidth + 18
-                            implicitHeight: 22
+                            implicitHeight: Theme.grown(22)
                             radius: 11
                             color: Theme.fill
                             Row {

@@ -15,6 +15,8 @@ public:
     [[nodiscard]] bool dark() const { return m_dark; }
     [[nodiscard]] bool reducedMotion() const { return m_reducedMotion; }
     [[nodiscard]] bool highContrast() const { return m_highContrast; }
+    /// How much larger than usual texts are wished for, beside what the screen's own scale does.
+    [[nodiscard]] double textScale() const { return m_textScale; }
 
 signals:
     void changed();
@@ -40,10 +42,18 @@ protected:
         emit changed();
     }
 
+    void setTextScale(double scale)
+    {
+        if (m_textScale == scale) return;
+        m_textScale = scale;
+        emit changed();
+    }
+
 private:
     bool m_dark = true;
     bool m_reducedMotion = false;
     bool m_highContrast = false;
+    double m_textScale = 1;
 };
 
 std::unique_ptr<Appearance> makeAppearance();

@@ -16,7 +16,7 @@ Item {
 
     property real unfolded: files.outcome === ProtocolFileMaker.Idle ? 0 : 1
 
-    implicitHeight: 28 * Theme.unfolded(unfolded)
+    implicitHeight: Theme.grown(28) * Theme.unfolded(unfolded)
     opacity: unfolded
     visible: unfolded > 0
     clip: true

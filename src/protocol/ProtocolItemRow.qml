@@ -27,7 +27,7 @@ Item {
     }
     Label {
         y: item.y
-        width: 140
+        width: Theme.grown(140)
         visible: root.first
         type: Theme.labelStrong
         wrapMode: Text.Wrap
@@ -53,7 +53,7 @@ Item {
     }
     Rectangle {
         x: item.x - 17
-        y: item.y + 8
+        y: item.y + (Theme.body.line - height) / 2
         width: 5
         height: 5
         radius: 2.5

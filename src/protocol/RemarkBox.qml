@@ -64,7 +64,10 @@ Item {
         }
         Rectangle {
             width: parent.width
-            height: Math.min(Math.max(44, field.implicitHeight), 44 + 3 * Theme.body.line)
+            height: Math.min(Math.max(least, field.implicitHeight, hint.visible ? hint.height + 22 : 0), least + 3 * Theme.body.line)
+
+            readonly property int least: Theme.grown(44)
+
             radius: Theme.rTile
             color: Theme.bgCard
             border.width: Theme.hair
@@ -77,6 +80,17 @@ Item {
                 radius: parent.radius + 3
                 color: Theme.alpha(Theme.violet, 0.26)
                 visible: field.activeFocus
+            }
+            Label { // the field's own would be cut instead of wrapped
+                id: hint
+                anchors { left: parent.left; leftMargin: 16; right: parent.right; rightMargin: 46 }
+                y: 11
+                visible: field.length === 0 && field.preeditText.length === 0
+                type: Theme.body
+                color: Theme.text3
+                wrapMode: Text.Wrap
+                text: L.t("editor.placeholder")
+                Accessible.ignored: true
             }
             Flickable {
                 anchors.fill: parent
@@ -94,8 +108,6 @@ Item {
                     readOnly: root.working
                     selectByMouse: true
                     color: Theme.text1
-                    placeholderText: L.t("editor.placeholder")
-                    placeholderTextColor: Theme.text3
                     selectionColor: Theme.alpha(Theme.violet, 0.35)
                     selectedTextColor: Theme.text1
                     font.family: Theme.family
@@ -112,6 +124,7 @@ Item {
                     KeyNavigation.tab: button.visible && button.ready ? button : teachLink
                     Accessible.role: Accessible.EditableText
                     Accessible.name: L.t("detail.remark")
+                    Accessible.description: L.t("editor.placeholder")
                     Component.onCompleted: text = root.draft
                     onTextChanged: {
                         const typed = text !== root.draft; // else it has just come back with its meeting
@@ -133,8 +146,8 @@ Item {
             Button {
                 id: button
                 anchors { right: parent.right; rightMargin: 6; bottom: parent.bottom; bottomMargin: 6 }
-                width: 32
-                height: 32
+                width: Theme.grown(32)
+                height: Theme.grown(32)
                 visible: !root.working
                 focusPolicy: Qt.TabFocus
                 hoverEnabled: true
@@ -194,7 +207,7 @@ Item {
                 width: Math.min(implicitWidth, parent.width - x - teachLink.width - Theme.padPanel - (signIn.visible ? signIn.width + Theme.gapRow : 0))
                 type: Theme.sub
                 wrapMode: Text.Wrap
-                maximumLineCount: 2
+                maximumLineCount: 4
                 elide: Text.ElideRight
                 color: root.failed ? Theme.inkRed : glyph.visible ? Theme.text2 : Theme.text3
                 text: root.editor.outcome !== ProtocolEditor.Idle ? L.say(root.editor.message)

@@ -25,7 +25,7 @@ ClaimCard {
             spacing: 10
             SelectableText {
                 Layout.topMargin: 8
-                Layout.preferredWidth: 104 // most names in one piece
+                Layout.preferredWidth: Theme.grown(104) // most names in one piece
                 Layout.alignment: Qt.AlignTop
                 type: Theme.label
                 text: side.modelData.who

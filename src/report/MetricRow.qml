@@ -10,7 +10,7 @@ Item {
     required property reportMetric value
     required property real growth // of the bar, from 0 to 1
 
-    implicitHeight: 34
+    implicitHeight: Theme.grown(34)
     Accessible.role: Accessible.ProgressBar
     Accessible.name: title.text + ": " + value.done + " " + L.t("report.metric.name", value.total)
 
@@ -23,7 +23,7 @@ Item {
     ProgressLine {
         id: bar
         anchors { right: figure.left; verticalCenter: parent.verticalCenter }
-        width: 120
+        width: Theme.grown(120)
         value: root.value.share * root.growth
         Accessible.ignored: true
     }

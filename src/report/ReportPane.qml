@@ -80,9 +80,10 @@ Item {
 
         readonly property int above: Math.max(20, 10 + Theme.chromeInset)
 
-        height: above + 63
+        height: above + texts.height + 17
 
         Column {
+            id: texts
             anchors { left: parent.left; leftMargin: Theme.padMain; right: build.left; rightMargin: Theme.padPanel }
             y: header.above
             spacing: 2
@@ -109,6 +110,7 @@ Item {
                     type: Theme.sub
                     color: !root.loader.error.empty ? Theme.inkRed : Theme.text3
                     text: root.loader.error.empty ? root.meetingLine : L.say(root.loader.error)
+                    wrapMode: root.loader.error.empty ? Text.NoWrap : Text.Wrap
                     Accessible.role: !root.loader.error.empty ? Accessible.AlertMessage : Accessible.StaticText
                 }
                 SignInLink {

@@ -20,7 +20,7 @@ Item {
     SelectableText {
         id: name
         anchors.verticalCenter: parent.verticalCenter
-        width: 140 // a first name and a family name
+        width: Theme.grown(140) // a first name and a family name
         text: root.value.name
         Accessible.ignored: true
     }
@@ -34,7 +34,7 @@ Item {
     SelectableText {
         id: time
         anchors { right: share.left; verticalCenter: parent.verticalCenter }
-        width: 52
+        width: Theme.grown(52)
         horizontalAlignment: TextEdit.AlignRight
         type: Theme.sub
         color: Theme.text2
@@ -44,7 +44,7 @@ Item {
     SelectableText {
         id: share
         anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-        width: 52
+        width: Theme.grown(52)
         horizontalAlignment: TextEdit.AlignRight
         type: Theme.link
         text: L.percent(root.percent)

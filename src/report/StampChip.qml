@@ -13,7 +13,7 @@ Button {
     readonly property bool open: visible && loader.openStamp === stamp
     readonly property bool stop: visible // of the keyboard
 
-    implicitHeight: 20
+    implicitHeight: Theme.grown(20)
     leftPadding: 8
     rightPadding: 8
     topPadding: 0

@@ -26,7 +26,7 @@ Item {
         else if (finished) start.forceActiveFocus(Qt.OtherFocusReason);
     }
 
-    implicitHeight: 64
+    implicitHeight: Theme.grown(64)
     onFailedChanged: if (failed) focusFirst()
     onFinishedChanged: if (finished) focusFirst()
 
@@ -85,7 +85,7 @@ Item {
         color: Theme.text3
         wrapMode: Text.Wrap
         elide: Text.ElideRight
-        maximumLineCount: 2
+        maximumLineCount: 3
         text: root.runner.tail
         Accessible.role: Accessible.AlertMessage
     }

@@ -16,7 +16,7 @@ Rectangle {
     readonly property bool done: kind === SetupRunner.Done
     readonly property bool failed: kind === SetupRunner.Failed
 
-    implicitHeight: 36
+    implicitHeight: Theme.grown(36)
     color: running ? Theme.tintRow(Theme.cyan) : failed ? Theme.tintRow(Theme.red) : Theme.clear
 
     Accessible.role: Accessible.ListItem

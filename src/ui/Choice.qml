@@ -16,7 +16,7 @@ ComboBox {
 
     signal chosen(string value)
 
-    implicitHeight: 30
+    implicitHeight: Theme.grown(30)
     implicitWidth: implicitContentWidth + 20 + Theme.symbolSmall + 8
     leftPadding: 12
     rightPadding: 8
@@ -77,7 +77,7 @@ ComboBox {
         required property int index
         readonly property bool marked: root.highlightedIndex === index
         width: ListView.view.width
-        height: 30
+        height: Theme.grown(30)
         padding: 0
         Accessible.role: Accessible.ListItem
         Accessible.name: modelData.text

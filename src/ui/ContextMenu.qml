@@ -30,7 +30,7 @@ Menu {
         currentIndex = Look.typing ? first : -1; // who opened it by key goes on by key
     }
     background: Rectangle {
-        implicitWidth: 200
+        implicitWidth: Theme.grown(200)
         radius: Theme.rCard
         color: Theme.bgPop
         border.width: Theme.hair

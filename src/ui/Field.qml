@@ -8,7 +8,7 @@ TextField {
 
     required property string name // of what is asked for
 
-    implicitHeight: 32
+    implicitHeight: Theme.grown(32)
     leftPadding: 11
     rightPadding: 11
     topPadding: 0

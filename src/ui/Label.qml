@@ -9,7 +9,7 @@ Text {
 
     color: Theme.text1
     textFormat: Text.PlainText
-    font.family: root.type.family ?? Theme.family
+    font.family: root.type.family
     font.pointSize: root.type.size * Look.pointsPerPixel // pixelSize knows whole pixels only
     font.weight: root.type.weight
     font.letterSpacing: root.type.tracking

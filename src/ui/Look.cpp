@@ -9,6 +9,7 @@
 #include <QQmlEngine>
 #include <QScreen>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -56,6 +57,7 @@ void Look::follow(const Appearance& appearance)
         setDark(appearance.dark());
         setReducedMotion(appearance.reducedMotion());
         setHighContrast(appearance.highContrast());
+        setTextScale(appearance.textScale());
     };
     connect(&appearance, &Appearance::changed, this, take);
     take();
@@ -74,6 +76,12 @@ void Look::setReducedMotion(bool reduced)
 void Look::setHighContrast(bool high)
 {
     if (std::exchange(m_highContrast, high) != high) emit changed();
+}
+
+void Look::setTextScale(double scale)
+{
+    const double kept = scale >= 1 ? std::min(scale, 2.0) : 1; // no number is not either
+    if (std::exchange(m_textScale, kept) != kept) emit changed();
 }
 
 void Look::setCompositing(bool compositing)

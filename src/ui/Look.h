@@ -21,7 +21,8 @@ class Look final : public QObject {
     Q_PROPERTY(bool compositing READ compositing NOTIFY changed FINAL)
     Q_PROPERTY(bool typing READ typing NOTIFY typingChanged FINAL) ///< the pointer rests since a key
     Q_PROPERTY(QString family READ family CONSTANT FINAL)
-    Q_PROPERTY(QString fixedFamily READ fixedFamily CONSTANT FINAL) ///< all letters as wide
+    Q_PROPERTY(QString fixedFamily READ fixedFamily CONSTANT FINAL)  ///< all letters as wide
+    Q_PROPERTY(double textScale READ textScale NOTIFY changed FINAL) ///< wished for, beside the screen's own
     Q_PROPERTY(double pointsPerPixel READ pointsPerPixel CONSTANT FINAL)
 
 public:
@@ -32,6 +33,7 @@ public:
     [[nodiscard]] bool reducedMotion() const { return m_reducedMotion; }
     [[nodiscard]] bool highContrast() const { return m_highContrast; }
     [[nodiscard]] bool compositing() const { return m_compositing; }
+    [[nodiscard]] double textScale() const { return m_textScale; }
     [[nodiscard]] bool typing() const { return m_typing; }
 
     /// Of the type that the views are drawn for, else the desktop's own.
@@ -45,6 +47,7 @@ public:
     void setDark(bool dark);
     void setReducedMotion(bool reduced);
     void setHighContrast(bool high);
+    void setTextScale(double scale); ///< kept between 1 and 2
     /// Whether windows may be translucent; without it they have no shadow and square corners.
     void setCompositing(bool compositing);
 
@@ -64,6 +67,7 @@ private:
     bool m_reducedMotion = false;
     bool m_highContrast = false;
     bool m_compositing = true;
+    double m_textScale = 1;
     bool m_typing = false;
 };
 

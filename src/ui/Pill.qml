@@ -12,7 +12,7 @@ Rectangle {
     property var type: Theme.chip
 
     implicitWidth: content.width + 16
-    implicitHeight: 20
+    implicitHeight: Theme.grown(20)
     radius: height / 2
     color: Theme.tint(Theme.violet)
     Accessible.role: Accessible.StaticText

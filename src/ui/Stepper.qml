@@ -21,7 +21,7 @@ FocusScope {
     }
 
     implicitWidth: figure.width + 10 + buttons.width
-    implicitHeight: 28
+    implicitHeight: Theme.grown(28)
 
     Label {
         id: figure
@@ -34,8 +34,8 @@ FocusScope {
     Rectangle {
         id: buttons
         anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-        width: 61
-        height: 28
+        width: Theme.grown(61)
+        height: Theme.grown(28)
         radius: Theme.rField
         color: Theme.fill
         focus: true
@@ -80,8 +80,8 @@ FocusScope {
         id: button
         required property string symbol
         required property string name
-        width: 30
-        height: 28
+        width: Theme.grown(30)
+        height: Theme.grown(28)
         focusPolicy: Qt.NoFocus // the arrows step
         autoRepeat: true
         hoverEnabled: true

@@ -106,44 +106,50 @@ QtObject {
         return alpha(accent, 0.22);
     }
 
-    // Type: size and line in pixels, tracking in pixels.
+    // Type: size and line in pixels, tracking in pixels. What is made to hold text grows with it.
     readonly property string family: Look.family
-    readonly property var panelTitle: ({ size: 18, line: 24, weight: Font.DemiBold, tracking: -0.3 })
-    readonly property var display: ({ size: 24, line: 30, weight: Font.DemiBold, tracking: -0.5 })
-    readonly property var row: ({ size: 14, line: 20, weight: Font.Medium, tracking: -0.1 })
-    readonly property var rowQuiet: ({ size: 14, line: 20, weight: Font.Normal, tracking: -0.1 })
-    readonly property var body: ({ size: 14, line: 21, weight: Font.Normal, tracking: -0.1 })
-    readonly property var heading: ({ size: 12.5, line: 17, weight: Font.DemiBold, tracking: 0 })
-    readonly property var link: ({ size: 12.5, line: 17, weight: Font.Medium, tracking: 0 })
-    readonly property var chip: ({ size: 11.5, line: 16, weight: Font.Medium, tracking: 0 })
-    readonly property var time: ({ size: 12.5, line: 20, weight: Font.Normal, tracking: 0 })
-    readonly property var title: ({ size: 21, line: 27, weight: Font.Bold, tracking: -0.4 })
-    readonly property var head: ({ size: 15, line: 20, weight: Font.DemiBold, tracking: -0.15 })
-    readonly property var setting: ({ size: 13.5, line: 19, weight: Font.Medium, tracking: 0 })
-    readonly property var detail: ({ size: 12, line: 16, weight: Font.Normal, tracking: 0 })
-    readonly property var running: ({ size: 13.5, line: 20, weight: Font.Normal, tracking: 0 })
-    readonly property var lead: ({ size: 13, line: 18, weight: Font.Normal, tracking: -0.07 })
-    readonly property var subLoose: ({ size: 12.5, line: 18, weight: Font.Normal, tracking: 0 })
-    readonly property var granted: ({ size: 12.5, line: 17, weight: Font.Medium, tracking: 0 })
-    readonly property var fixedPitch: ({ size: 11, line: 14, weight: Font.Normal, tracking: 0, family: Look.fixedFamily })
-    readonly property var timer: ({ size: 22, line: 26, weight: Font.DemiBold, tracking: -0.2 })
-    readonly property var toastTitle: ({ size: 14, line: 19, weight: Font.DemiBold, tracking: -0.15 })
-    readonly property var label: ({ size: 13, line: 18, weight: Font.Medium, tracking: -0.07 })
-    readonly property var labelStrong: ({ size: 13, line: 18, weight: Font.DemiBold, tracking: -0.07 })
-    readonly property var button: ({ size: 12.5, line: 16, weight: Font.Medium, tracking: 0 })
-    readonly property var buttonSmallType: ({ size: 12, line: 16, weight: Font.Medium, tracking: -0.04 })
-    readonly property var buttonSmallStrong: ({ size: 12, line: 16, weight: Font.DemiBold, tracking: -0.04 })
-    readonly property var buttonLargeType: ({ size: 13, line: 18, weight: Font.Medium, tracking: 0 })
-    readonly property var buttonLargeStrong: ({ size: 13, line: 18, weight: Font.DemiBold, tracking: 0 })
-    readonly property var buttonStrong: ({ size: 12.5, line: 16, weight: Font.DemiBold, tracking: 0 })
-    readonly property var sub: ({ size: 12.5, line: 17, weight: Font.Normal, tracking: 0 })
-    readonly property var caption: ({ size: 11.5, line: 16, weight: Font.Normal, tracking: 0 })
-    readonly property var captionTight: ({ size: 11.5, line: 16, weight: Font.Normal, tracking: -0.115 })
-    readonly property var overline: ({ size: 11, line: 14, weight: Font.DemiBold, tracking: 0.7 })
-    readonly property var claim: ({ size: 13, line: 19, weight: Font.Normal, tracking: 0 })
-    readonly property var quotation: ({ size: 11.5, line: 17, weight: Font.Normal, tracking: 0 })
-    readonly property var badge: ({ size: 10.5, line: 14, weight: Font.Medium, tracking: 0.42 })
-    readonly property var jobs: ({ size: 11, line: 14, weight: Font.Normal, tracking: 0 })
+    function type(size: real, line: real, weight: int, tracking: real, family: string): var {
+        return { size: size * Look.textScale, line: Math.round(line * Look.textScale), weight, tracking, family: family || Look.family };
+    }
+    function grown(pixels: real): int {
+        return Math.round(pixels * Look.textScale);
+    }
+    readonly property var panelTitle: type(18, 24, Font.DemiBold, -0.3)
+    readonly property var display: type(24, 30, Font.DemiBold, -0.5)
+    readonly property var row: type(14, 20, Font.Medium, -0.1)
+    readonly property var rowQuiet: type(14, 20, Font.Normal, -0.1)
+    readonly property var body: type(14, 21, Font.Normal, -0.1)
+    readonly property var heading: type(12.5, 17, Font.DemiBold, 0)
+    readonly property var link: type(12.5, 17, Font.Medium, 0)
+    readonly property var chip: type(11.5, 16, Font.Medium, 0)
+    readonly property var time: type(12.5, 20, Font.Normal, 0)
+    readonly property var title: type(21, 27, Font.Bold, -0.4)
+    readonly property var head: type(15, 20, Font.DemiBold, -0.15)
+    readonly property var setting: type(13.5, 19, Font.Medium, 0)
+    readonly property var detail: type(12, 16, Font.Normal, 0)
+    readonly property var running: type(13.5, 20, Font.Normal, 0)
+    readonly property var lead: type(13, 18, Font.Normal, -0.07)
+    readonly property var subLoose: type(12.5, 18, Font.Normal, 0)
+    readonly property var granted: type(12.5, 17, Font.Medium, 0)
+    readonly property var fixedPitch: type(11, 14, Font.Normal, 0, Look.fixedFamily)
+    readonly property var timer: type(22, 26, Font.DemiBold, -0.2)
+    readonly property var toastTitle: type(14, 19, Font.DemiBold, -0.15)
+    readonly property var label: type(13, 18, Font.Medium, -0.07)
+    readonly property var labelStrong: type(13, 18, Font.DemiBold, -0.07)
+    readonly property var button: type(12.5, 16, Font.Medium, 0)
+    readonly property var buttonSmallType: type(12, 16, Font.Medium, -0.04)
+    readonly property var buttonSmallStrong: type(12, 16, Font.DemiBold, -0.04)
+    readonly property var buttonLargeType: type(13, 18, Font.Medium, 0)
+    readonly property var buttonLargeStrong: type(13, 18, Font.DemiBold, 0)
+    readonly property var buttonStrong: type(12.5, 16, Font.DemiBold, 0)
+    readonly property var sub: type(12.5, 17, Font.Normal, 0)
+    readonly property var caption: type(11.5, 16, Font.Normal, 0)
+    readonly property var captionTight: type(11.5, 16, Font.Normal, -0.115)
+    readonly property var overline: type(11, 14, Font.DemiBold, 0.7)
+    readonly property var claim: type(13, 19, Font.Normal, 0)
+    readonly property var quotation: type(11.5, 17, Font.Normal, 0)
+    readonly property var badge: type(10.5, 14, Font.Medium, 0.42)
+    readonly property var jobs: type(11, 14, Font.Normal, 0)
 
     // Space.
     readonly property int padPanel: 12
@@ -170,36 +176,36 @@ QtObject {
     readonly property int padWindow: 28
     readonly property int padUpdate: 26
     readonly property int padMain: 32
-    readonly property int sidebarWidth: 230
-    readonly property int searchWidth: 190
+    readonly property int sidebarWidth: grown(230)
+    readonly property int searchWidth: grown(190)
     readonly property int slide: reducedMotion ? 0 : 8
     readonly property int padCard: 14
-    readonly property int rowHeight: 56
-    readonly property int iconTile: 28
+    readonly property int rowHeight: grown(56)
+    readonly property int iconTile: grown(28)
     readonly property int scrollThumb: 6
 
     // The panel and its parts.
-    readonly property int panelWidth: 340
+    readonly property int panelWidth: grown(340)
     readonly property int arrowWidth: 22
     readonly property int arrowHeight: 10
     readonly property int orbField: 132
     readonly property int orbCore: 104
     readonly property int orbHalo: 200
     readonly property int orbFocusGap: 6
-    readonly property int symbolSmall: 13
-    readonly property int symbolText: 16
-    readonly property int symbolRow: 17
+    readonly property int symbolSmall: grown(13)
+    readonly property int symbolText: grown(16)
+    readonly property int symbolRow: grown(17)
     readonly property int symbolBanner: 22
-    readonly property int checkGlyph: 20
-    readonly property int buttonSmall: 26
-    readonly property int buttonHeight: 30
-    readonly property int buttonLarge: 36
-    readonly property int iconButton: 28
-    readonly property int helpWidth: 200
+    readonly property int checkGlyph: grown(20)
+    readonly property int buttonSmall: grown(26)
+    readonly property int buttonHeight: grown(30)
+    readonly property int buttonLarge: grown(36)
+    readonly property int iconButton: grown(28)
+    readonly property int helpWidth: grown(200)
     readonly property real disabledOpacity: 0.42
 
-    readonly property int toastWidth: 330
-    readonly property int toastHeight: 74
+    readonly property int toastWidth: grown(330)
+    readonly property int toastHeight: grown(74)
     readonly property int toastDisc: 42
     readonly property int toastMargin: 12 // to the screen's edge
     readonly property int toastGap: 8

@@ -51,8 +51,11 @@ AppWindow::~AppWindow()
 void AppWindow::restorePlace()
 {
     const QRect available = screen() ? screen()->availableGeometry() : QRect{};
-    if (available.isValid())
-        resize(size().boundedTo(available.size() - QSize{0, titleBar}).expandedTo(minimumSize()));
+    if (available.isValid() && size() != minimumSize()) {
+        const QSize room = available.size() - QSize{0, titleBar};
+        setMinimumSize(minimumSize().boundedTo(room));
+        resize(size().boundedTo(room));
+    }
     setPosition(available.center() - QPoint{width() / 2, height() / 2});
     if (m_placeFile.isEmpty()) return;
     const QRect known = QSettings{m_placeFile, QSettings::IniFormat}.value(placeKey).toRect();

@@ -13,7 +13,7 @@ Button {
     required property RecordControl record
     readonly property bool recording: record.waiting ? record.pending === RecordControl.Starting : appState.recording
 
-    implicitHeight: 42
+    implicitHeight: Theme.grown(42)
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     text: recording ? L.t("record.stop") : L.t("record.start")

@@ -101,7 +101,7 @@ Rectangle {
                 readonly property bool selected: root.model.tab === modelData.tab
 
                 width: list.width
-                height: 34
+                height: Theme.grown(34)
                 radius: Theme.rField
                 color: selected ? Theme.fill : area.pressed ? Theme.press : area.containsMouse ? Theme.hover : Theme.clear
                 Accessible.role: Accessible.PageTab

@@ -14,6 +14,7 @@ struct TestProgram;
 struct Frame {
     QString language;
     bool dark = true;
+    double textScale = 1;
     QString folder;
 };
 

@@ -19,6 +19,7 @@ void dress(TestProgram& program, const Frame& frame)
     program.prefs.set(u"locale"_s, frame.language);
     program.language.refresh();
     program.look.setDark(frame.dark);
+    program.look.setTextScale(frame.textScale);
 }
 
 void settle(int milliseconds)
@@ -66,11 +67,13 @@ int main(int argc, char* argv[])
     using namespace murmeli;
     const QGuiApplication app{argc, argv};
     const QString only = QString::fromLocal8Bit(argc > 2 ? argv[2] : "");
+    const double textScale = argc > 3 ? QByteArray{argv[3]}.toDouble() : 1;
     bool good = argc > 1;
     for (const QString& language : Language::supported) {
         for (const bool dark : {true, false}) {
             const Frame frame{.language = language,
                               .dark = dark,
+                              .textScale = textScale,
                               .folder = QString::fromLocal8Bit(argv[1]) + u'/' + language +
                                         (dark ? u"-dark/"_s : u"-light/"_s)};
             QDir{}.mkpath(frame.folder);

@@ -1,11 +1,14 @@
 #include "Appearance.h"
 
+#include "WindowSystem.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
+#include <QGuiApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -34,6 +37,7 @@ public:
         ask(u"org.freedesktop.appearance"_s, u"contrast"_s);
         ask(u"org.freedesktop.appearance"_s, u"reduced-motion"_s);
         ask(u"org.gnome.desktop.interface"_s, u"enable-animations"_s);
+        ask(u"org.gnome.desktop.interface"_s, u"text-scaling-factor"_s);
         ask(u"org.kde.kdeglobals.KDE"_s, u"AnimationDurationFactor"_s);
     }
 
@@ -71,6 +75,10 @@ private:
             wishLessMotion(Wish::Portal, value.toUInt() == 1);
         } else if (key == "enable-animations"_L1) {
             wishLessMotion(Wish::Gnome, !value.toBool());
+        } else if (key == "text-scaling-factor"_L1) {
+            // On X most desktops put it into the resolution too, by which Qt scales all.
+            const double done = windowSystem::placesWindows() ? qGuiApp->devicePixelRatio() : 1;
+            setTextScale(value.toDouble() / done);
         } else if (key == "AnimationDurationFactor"_L1) {
             wishLessMotion(Wish::Kde, value.toDouble() == 0);
         }

@@ -1,4 +1,5 @@
 set(MURMELI_PLATFORM_SOURCES
+    macos/Activation.cpp
     macos/Appearance.mm
     macos/ClickOutside.mm
     macos/Desktop.mm

@@ -46,6 +46,9 @@ private slots:
         window->present();
         QVERIFY(window->height() < room.height());
         QCOMPARE(window->width(), 300);
+        const auto wide = make({.size = {room.width() + 200, 200}, .least = {room.width() + 100, 100}});
+        wide->present();
+        QCOMPARE(wide->width(), room.width());
         const auto large = make({.size = {300, room.height() + 100}}); // that can be no smaller
         large->present();
         QCOMPARE(large->height(), room.height() + 100);
