@@ -21,11 +21,13 @@ DESCRIPTION = f"""<node><interface name="{INTERFACE}">
   <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
 </interface></node>"""
 SPACES = {"color-scheme": "org.freedesktop.appearance", "reduced-motion": "org.freedesktop.appearance",
-          "enable-animations": "org.gnome.desktop.interface"}
+          "enable-animations": "org.gnome.desktop.interface", "text-scaling-factor": "org.gnome.desktop.interface"}
+READERS = {"enable-animations": lambda text: GLib.Variant("b", text == "true"),
+           "text-scaling-factor": lambda text: GLib.Variant("d", float(text))}
 
 
 def value_of(key: str, text: str) -> GLib.Variant:
-    return GLib.Variant("b", text == "true") if key == "enable-animations" else GLib.Variant("u", int(text))
+    return READERS.get(key, lambda number: GLib.Variant("u", int(number)))(text)
 
 
 class Portal:

@@ -116,8 +116,13 @@ class Place(JourneyTest):
 
 class Look(JourneyTest):
     def test_the_desktop_chooses_and_changes_its_mind(self):
-        session = self.open_session(portal=["color-scheme=2"])
+        session = self.open_session(portal=["color-scheme=2", "text-scaling-factor=1.3"])
         session.open_panel()
+        with self.case("larger texts and what holds them"):
+            wide = session.tree.wait("push button", SIGN_IN).extents.width
+            self.assertEqual(wide, round(340 * 1.3) - 2 * 12)
+            self.change(session, "text-scaling-factor 1")
+            wait_for(lambda: session.tree.wait("push button", SIGN_IN).extents.width == 340 - 2 * 12, "the usual size")
         wait_for(lambda: near(ground(session), LIGHT_PANEL), "the light panel")
         self.change(session, "color-scheme 1")
         wait_for(lambda: near(ground(session), DARK_PANEL), "the dark panel")
