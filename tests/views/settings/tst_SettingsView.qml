@@ -49,7 +49,7 @@ ViewCase {
         keyClick(Qt.Key_Space);
         compare(fixture.preferences().delete_source_on_success, false);
         tryVerify(() => text("Хранить записи") !== null);
-        verify(yOf(text("Удалять аудио после записи")) < yOf(text("Хранить записи")));
+        tryVerify(() => yOf(text("Удалять аудио после записи")) < yOf(text("Хранить записи")));
         tryVerify(() => yOf(text("Хранить записи")) < yOf(text("Папка записей")));
         keyClick(Qt.Key_Return);
         compare(fixture.preferences().delete_source_on_success, true);
