@@ -1,12 +1,15 @@
 #include "AppDelegate.h"
 
+#include "base/Background.h"
 #include "base/Scheduler.h"
 #include "platform/Desktop.h"
+#include "platform/Memory.h"
 #include "platform/StatusItem.h"
 #include "platform/WindowSystem.h"
 #include "ui/Look.h"
 
 #include <QCoreApplication>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QLibraryInfo>
 #include <QScreen>
@@ -18,6 +21,7 @@ namespace murmeli {
 
 namespace {
 
+constexpr auto startTime = 20s;  ///< after which what has to be done at the start is done
 constexpr auto handOver = 500ms; ///< in which a window manager activates a window that asks for it
 
 QRect availableGeometry()
@@ -37,11 +41,18 @@ AppDelegate::AppDelegate(Program& program, Desktop& desktop, Scheduler& schedule
       m_look(look),
       m_statusItem(statusItem),
       m_placeFile(desktop.stateFolder() + u"/window.ini"_s),
-      m_toasts(m_engine, scheduler, availableGeometry),
+      m_views(scheduler,
+              [this, &program, &look](QQmlEngine& engine) {
+                  engine.addImportPath(u"qrc:/qt/qml"_s);
+                  program.language.install(engine);
+                  look.install(engine);
+                  translateQt();
+              }),
+      m_toasts(m_views, scheduler, availableGeometry),
       m_face(statusItem, program.state, program.record, program.panel, program.language, look, scheduler),
-      m_panel(m_engine, look, scheduler, statusItem,
+      m_panel(m_views, look, scheduler, statusItem,
               {program.state, program.record, program.panel, program.account, program.updater}),
-      m_settings(m_engine, program.language,
+      m_settings(m_views, program.language,
                  {.url = view("Settings/SettingsView"),
                   .properties = {{u"model"_s, QVariant::fromValue(&program.settings)}, {u"windowed"_s, true}},
                   .titleKey = u"settings.window.title"_s,
@@ -50,7 +61,7 @@ AppDelegate::AppDelegate(Program& program, Desktop& desktop, Scheduler& schedule
                   .escapeCloses = true,
                   .placeFile = desktop.stateFolder() + u"/settings.ini"_s,
                   .quit = [this] { m_program.quitQuestion.ask(); }}),
-      m_update(m_engine, program.language,
+      m_update(m_views, program.language,
                {.url = view("Update/UpdateView"),
                 .properties = {{u"updater"_s, QVariant::fromValue(&program.updater)}},
                 .titleKey = u"update.title.available"_s,
@@ -59,7 +70,7 @@ AppDelegate::AppDelegate(Program& program, Desktop& desktop, Scheduler& schedule
                 .escapeCloses = true,
                 .placeFile = desktop.stateFolder() + u"/update.ini"_s,
                 .quit = [this] { m_program.quitQuestion.ask(); }}),
-      m_quit(m_engine, program.language,
+      m_quit(m_views, program.language,
              {.url = view("Windows/QuitView"),
               .properties = {{u"question"_s, QVariant::fromValue(&program.quitQuestion)},
                              {u"record"_s, QVariant::fromValue(&program.record)}},
@@ -68,9 +79,6 @@ AppDelegate::AppDelegate(Program& program, Desktop& desktop, Scheduler& schedule
               .resizable = false,
               .escapeCloses = true})
 {
-    m_engine.addImportPath(u"qrc:/qt/qml"_s);
-    program.language.install(m_engine);
-    look.install(m_engine);
     connect(&program.language, &Language::changed, this, &AppDelegate::translateQt);
     connect(&program, &Program::toastWanted, this, &AppDelegate::showToast);
     connect(&program, &Program::quitWanted, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
@@ -90,6 +98,7 @@ void AppDelegate::connectTray()
             m_panel.open();
         }
     });
+    connect(&m_statusItem, &StatusItem::pointedAt, &m_panel, &PanelHost::prepare);
     connect(&m_statusItem, &StatusItem::pressed, &m_panel, &PanelHost::toggle);
     connect(&m_statusItem, &StatusItem::openChosen, &m_panel, &PanelHost::open);
     connect(&m_statusItem, &StatusItem::settingsChosen, &m_program.panel, &PanelModel::settingsRequested);
@@ -103,6 +112,10 @@ void AppDelegate::connectTray()
 
 void AppDelegate::connectWindows()
 {
+    connect(&m_views, &ViewEngine::letGo, this, [this] {
+        m_main.reset();
+        m_setup.reset();
+    });
     const PanelModel* panel = &m_program.panel;
     for (const auto request : {&PanelModel::meetingsRequested, &PanelModel::mainWindowRequested,
                                &PanelModel::settingsRequested, &PanelModel::updateRequested}) {
@@ -136,11 +149,11 @@ void AppDelegate::connectWindows()
     });
     connect(&m_program, &Program::setupWanted, this, &AppDelegate::showSetup);
     connect(&m_program, &Program::setupEnded, this, [this] {
-        if (!m_setup) return;
-        if (m_setup->isVisible()) {
+        if (!m_program.setup()) return;
+        if (m_setup && m_setup->isVisible()) {
             m_setup->alert(0); // and the keyboard stays where it is
         } else {
-            m_setup->present();
+            showSetup();
         }
     });
     connect(&m_program, &Program::setupFinished, this, &AppDelegate::endSetup);
@@ -149,19 +162,22 @@ void AppDelegate::connectWindows()
 void AppDelegate::start(bool forceSetup)
 {
     m_face.show();
-    m_scheduler.after(0ms, this, [this] {
-        translateQt();
-        m_panel.prepare();
-    });
     m_program.start(forceSetup);
+    m_scheduler.after(startTime, this, [this] {
+        startOn(*QThreadPool::globalInstance(), [resting = !m_views.isThere()] {
+            memory::readAhead();
+            std::ignore = QFontDatabase::families();
+            if (resting) memory::rest(); // else once the views have gone
+        });
+    });
 }
 
 void AppDelegate::showMain()
 {
+    MainModel& model = m_program.main();
     if (!m_main) {
-        MainModel& model = m_program.main();
         m_main = std::make_unique<AppWindow>(
-            m_engine, m_program.language,
+            m_views.get(), m_program.language,
             AppWindow::View{.url = view("Windows/MainWindowView"),
                             .properties = {{u"model"_s, QVariant::fromValue(&model)},
                                            {u"appState"_s, QVariant::fromValue(&m_program.state)},
@@ -172,16 +188,19 @@ void AppDelegate::showMain()
                             .placeFile = m_placeFile,
                             .quit = [this] { m_program.quitQuestion.ask(); }});
         connect(m_main.get(), &QWindow::visibleChanged, &model, &MainModel::setOnScreen);
-    } else {
-        m_program.main().store()->reload();
     }
+    if (m_main->isVisible()) model.store()->reload(); // else it looks when it comes
     m_main->present();
 }
 
 void AppDelegate::showSetup()
 {
+    if (m_setup) {
+        m_setup->present();
+        return;
+    }
     m_setup = std::make_unique<AppWindow>(
-        m_engine, m_program.language,
+        m_views.get(), m_program.language,
         AppWindow::View{.url = view("Setup/SetupView"),
                         .properties = {{u"setup"_s, QVariant::fromValue(m_program.setup())},
                                        {u"updater"_s, QVariant::fromValue(&m_program.updater)}},
@@ -195,6 +214,7 @@ void AppDelegate::showSetup()
 void AppDelegate::endSetup()
 {
     m_panel.open();
+    if (!m_setup) return;
     // Only when the panel has the keyboard: else the window manager, looking for who is to have it after the
     // window, would take it from the panel, which then closes.
     connect(m_setup.get(), &QObject::destroyed, m_program.takeSetup().release(), &QObject::deleteLater);

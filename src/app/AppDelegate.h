@@ -4,10 +4,10 @@
 #include "TrayFace.h"
 #include "notices/ToastCenter.h"
 #include "panel/PanelHost.h"
+#include "ui/ViewEngine.h"
 #include "windows/OnDemandWindow.h"
 
 #include <QObject>
-#include <QQmlEngine>
 #include <QTranslator>
 
 #include <memory>
@@ -26,7 +26,7 @@ public:
     ~AppDelegate() override;
     Q_DISABLE_COPY_MOVE(AppDelegate)
 
-    /// Shows the icon at once, and makes the panel as soon as the icon stands.
+    /// Shows the icon at once; the rest is made when somebody looks.
     void start(bool forceSetup);
 
 private:
@@ -44,7 +44,7 @@ private:
     StatusItem& m_statusItem;
     QString m_placeFile; ///< remembers the main window's size and place
     QTranslator m_qtTexts;
-    QQmlEngine m_engine;
+    ViewEngine m_views;
     ToastCenter m_toasts;
     TrayFace m_face;
     PanelHost m_panel;

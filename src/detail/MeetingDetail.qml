@@ -11,7 +11,7 @@ Item {
     id: root
 
     required property MeetingDetailModel detail
-    property bool analysing: false
+    property bool analysing: detail.views.kept("analysing", false)
 
     signal closed()
 
@@ -35,6 +35,7 @@ Item {
         header.focusAnalysis();
     }
 
+    onAnalysingChanged: root.detail.views.keep("analysing", analysing)
     Keys.onEscapePressed: root.back()
 
     Connections {
@@ -69,7 +70,7 @@ Item {
         ListView {
             id: list
 
-            property bool begun: false // the protocol has come, and is shown from its beginning
+            property bool begun: kept.restored // the protocol has come, and is shown from its beginning
             property bool atTop: true
             // Whoever presses a text to select in it is not led by the keyboard.
             readonly property bool led: activeFocus && root.Window.activeFocusItem === list
@@ -146,6 +147,12 @@ Item {
             // qmllint enable unqualified
             FocusRing { shown: list.led && list.count === 0; corner: Theme.rSmall; gap: -Theme.focusWidth * 2 }
         }
+        KeptPlace {
+            id: kept
+            list: list
+            memory: root.detail?.views ?? null
+            key: "protocol"
+        }
         ContextMenu {
             id: menu
 
@@ -188,6 +195,7 @@ Item {
             account: root.detail.account
             editor: root.detail.editor
             glossary: root.detail.glossary
+            memory: root.detail.views
             draft: root.detail.draft
             onWritten: draft => root.detail.draft = draft
             onSent: root.detail.sendRemark()
@@ -209,6 +217,7 @@ Item {
         sourceComponent: ReportPane {
             account: root.detail.account
             loader: root.detail.report
+            memory: root.detail.views
             meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine
             onBuildAsked: root.detail.buildReport()
             onClosed: root.back()

@@ -9,6 +9,7 @@
 #include "protocol/ProtocolFileMaker.h"
 #include "protocol/SectionListModel.h"
 #include "report/ReportLoader.h"
+#include "ui/ViewMemory.h"
 
 #include <QObject>
 #include <QPoint>
@@ -40,6 +41,7 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::ReportLoader* report READ report CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolFileMaker* files READ files CONSTANT FINAL)
+    Q_PROPERTY(murmeli::ViewMemory* views READ views CONSTANT FINAL)
 
 public:
     /// What the meeting stands among; all of it outlives the model.
@@ -81,6 +83,7 @@ public:
     [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] ReportLoader* report() { return &m_report; }
     [[nodiscard]] ProtocolFileMaker* files() { return m_work.files.get(); }
+    [[nodiscard]] ViewMemory* views() { return &m_views; }
 
     /// Sends the draft. Nothing when it is empty or a remark is on its way.
     Q_INVOKABLE void sendRemark();
@@ -144,6 +147,7 @@ private:
     ReportLoader m_report;
     std::optional<QString> m_protocol;
     bool m_analysing = false; ///< the analysis is open
+    ViewMemory m_views{nullptr};
     bool m_edited = false;
     bool m_loaded = false;
 };

@@ -15,6 +15,7 @@ Item {
     required property AuthManager account
     required property AssistantModel model
     required property GlossaryStore store
+    property ViewMemory memory: null
     readonly property bool savedOnce: !isNaN(store.savedAt.getTime())
 
     function add(): void {
@@ -43,6 +44,7 @@ Item {
         name: L.t("meetings.search")
         clearName: L.t("meetings.search.clear")
         placeholderText: L.t("meetings.search")
+        text: root.model.query
         onTextChanged: root.model.query = text
     }
     Label {
@@ -65,6 +67,8 @@ Item {
             width: adding.fieldWidth
             height: Theme.grown(34)
             name: L.t("assistant.placeholder.heard")
+            text: root.memory?.kept("heard", "") ?? ""
+            onTextChanged: root.memory?.keep("heard", text)
             placeholderText: L.t("assistant.placeholder.heard")
             onAccepted: correct.forceActiveFocus(Qt.TabFocusReason)
         }
@@ -80,6 +84,8 @@ Item {
             width: adding.fieldWidth
             height: Theme.grown(34)
             name: L.t("assistant.placeholder.correct")
+            text: root.memory?.kept("correct", "") ?? ""
+            onTextChanged: root.memory?.keep("correct", text)
             placeholderText: L.t("assistant.placeholder.correct")
             onAccepted: root.add()
         }
@@ -140,6 +146,11 @@ Item {
             add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.base } }
             displaced: Transition { enabled: Theme.motion; NumberAnimation { property: "y"; duration: Theme.base; easing.type: Easing.OutCubic } }
         }
+    }
+    KeptPlace {
+        list: list
+        memory: root.memory
+        key: "glossary"
     }
     EmptyPane {
         anchors.horizontalCenter: parent.horizontalCenter

@@ -8,6 +8,7 @@ Rectangle {
     id: root
 
     required property GlossaryStore glossary
+    property ViewMemory memory: null
 
     signal learned(string rule)
     signal closed()
@@ -42,6 +43,8 @@ Rectangle {
             id: heard
             width: row.fieldWidth
             name: L.t("assistant.placeholder.heard")
+            text: root.memory?.kept("heard", "") ?? ""
+            onTextChanged: root.memory?.keep("heard", text)
             placeholderText: L.t("assistant.placeholder.heard")
             onAccepted: correct.forceActiveFocus(Qt.TabFocusReason)
         }
@@ -56,6 +59,8 @@ Rectangle {
             id: correct
             width: row.fieldWidth
             name: L.t("assistant.placeholder.correct")
+            text: root.memory?.kept("correct", "") ?? ""
+            onTextChanged: root.memory?.keep("correct", text)
             placeholderText: L.t("assistant.placeholder.correct")
             onAccepted: root.add()
         }

@@ -29,14 +29,22 @@ MeetingStore::MeetingStore(const Paths& paths, const Language& language, Schedul
       m_protocols(std::make_shared<ProtocolFinder>(paths.vaultDir)),
       m_scanner(std::make_shared<MeetingScanner>(paths.logs))
 {
-    reload();
-    m_scheduler.every(scanInterval, this, [this] { reload(); });
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &MeetingStore::reloadSoon);
+    setWatching(true);
+}
+
+void MeetingStore::setWatching(bool on)
+{
+    if (on == bool(m_watching)) return;
+    m_watching.end();
+    if (!on) return;
+    m_scheduler.every(scanInterval, m_watching.renew(), [this] { reload(); });
+    reload();
 }
 
 void MeetingStore::reloadSoon()
 {
-    if (std::exchange(m_soon, true)) return;
+    if (!m_watching || std::exchange(m_soon, true)) return;
     m_scheduler.after(calmTime, this, [this] {
         m_soon = false;
         reload();

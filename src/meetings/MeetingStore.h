@@ -2,6 +2,7 @@
 
 #include "MeetingListModel.h"
 #include "ProtocolFinder.h"
+#include "base/Lease.h"
 
 #include <QFileSystemWatcher>
 #include <QObject>
@@ -32,6 +33,9 @@ public:
     [[nodiscard]] bool loading() const { return m_loading; }
     [[nodiscard]] bool loaded() const { return m_loaded; }
 
+    /// Whether it looks for meetings by itself; it does from the beginning.
+    void setWatching(bool on);
+
     /// Starts a scan, or another one after that which runs.
     Q_INVOKABLE void reload();
 
@@ -52,6 +56,7 @@ private:
     std::shared_ptr<ProtocolFinder> m_protocols;
     std::shared_ptr<MeetingScanner> m_scanner; ///< used by one scan at a time
     QFileSystemWatcher m_watcher;
+    Lease m_watching;
     bool m_loading = false;
     bool m_loaded = false;
     bool m_again = false; ///< asked for while a scan ran

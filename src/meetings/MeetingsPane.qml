@@ -11,6 +11,7 @@ Item {
     id: root
 
     required property MeetingStore store
+    property ViewMemory memory: null
     property bool beginning: false
 
     signal opened(string id)
@@ -99,6 +100,11 @@ Item {
         }
         add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.base } }
         displaced: Transition { enabled: Theme.motion; NumberAnimation { property: "y"; duration: Theme.base; easing.type: Easing.OutCubic } }
+    }
+    KeptPlace {
+        list: list
+        memory: root.memory
+        key: "meetings"
     }
     EmptyPane {
         anchors.horizontalCenter: parent.horizontalCenter

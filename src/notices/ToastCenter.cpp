@@ -2,6 +2,7 @@
 
 #include "base/Scheduler.h"
 #include "platform/WindowSystem.h"
+#include "ui/ViewEngine.h"
 
 #include <QQmlComponent>
 #include <QQuickWindow>
@@ -19,10 +20,11 @@ constexpr auto shownFor = 4500ms;
 
 } // namespace
 
-ToastCenter::ToastCenter(QQmlEngine& engine, Scheduler& scheduler, std::function<QRect()> available,
+ToastCenter::ToastCenter(ViewEngine& views, Scheduler& scheduler, std::function<QRect()> available,
                          QObject* parent)
-    : QObject(parent), m_engine(engine), m_scheduler(scheduler), m_available(std::move(available))
+    : QObject(parent), m_views(views), m_scheduler(scheduler), m_available(std::move(available))
 {
+    connect(&views, &ViewEngine::letGo, this, [this] { m_component.reset(); });
 }
 
 ToastCenter::~ToastCenter()
@@ -41,8 +43,9 @@ void ToastCenter::show(const ToastText& toast)
     const QRect available = m_available();
     if (available.isEmpty()) return;
     if (!m_component) {
-        m_component = std::make_unique<QQmlComponent>(
-            &m_engine, QUrl{u"qrc:/qt/qml/Murmeli/Notices/Toast.qml"_s}, QQmlComponent::PreferSynchronous);
+        m_component =
+            std::make_unique<QQmlComponent>(&m_views.get(), QUrl{u"qrc:/qt/qml/Murmeli/Notices/Toast.qml"_s},
+                                            QQmlComponent::PreferSynchronous);
     }
     auto* window =
         qobject_cast<QQuickWindow*>(m_component->createWithInitialProperties({{u"available"_s, available},

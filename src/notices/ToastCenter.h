@@ -9,12 +9,12 @@
 #include <vector>
 
 class QQmlComponent;
-class QQmlEngine;
 class QQuickWindow;
 
 namespace murmeli {
 
 class Scheduler;
+class ViewEngine;
 
 struct ToastText {
     QString title;
@@ -29,7 +29,7 @@ class ToastCenter final : public QObject {
 
 public:
     /// \param available the main screen without its bars; empty when there is no screen.
-    ToastCenter(QQmlEngine& engine, Scheduler& scheduler, std::function<QRect()> available,
+    ToastCenter(ViewEngine& views, Scheduler& scheduler, std::function<QRect()> available,
                 QObject* parent = nullptr);
     ~ToastCenter() override;
     Q_DISABLE_COPY_MOVE(ToastCenter)
@@ -41,7 +41,7 @@ public:
 private:
     void remove(const QQuickWindow* window);
 
-    QQmlEngine& m_engine;
+    ViewEngine& m_views;
     Scheduler& m_scheduler;
     std::function<QRect()> m_available;
     std::unique_ptr<QQmlComponent> m_component;

@@ -6,6 +6,7 @@
 #include "platform/WindowSystem.h"
 #include "service/AppState.h"
 #include "ui/Look.h"
+#include "ui/ViewEngine.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -21,10 +22,10 @@ constexpr auto samePress = 400ms; ///< in which a press can both close the panel
 
 } // namespace
 
-PanelHost::PanelHost(QQmlEngine& engine, Look& look, Scheduler& scheduler, StatusItem& statusItem,
+PanelHost::PanelHost(ViewEngine& views, Look& look, Scheduler& scheduler, StatusItem& statusItem,
                      const KeyPanel::Parts& parts, QObject* parent)
     : QObject(parent),
-      m_engine(engine),
+      m_views(views),
       m_look(look),
       m_scheduler(scheduler),
       m_statusItem(statusItem),
@@ -33,11 +34,14 @@ PanelHost::PanelHost(QQmlEngine& engine, Look& look, Scheduler& scheduler, Statu
     // Screens that change take the icon elsewhere, and the window system leaves the panel half outside of
     // them.
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, &PanelHost::close);
+    connect(&views, &ViewEngine::letGo, this, &PanelHost::dropWindows);
 }
 
-PanelHost::~PanelHost()
+PanelHost::~PanelHost() { dropWindows(); }
+
+// A window that goes says that it is hidden, and what listens to that has to be there still.
+void PanelHost::dropWindows()
 {
-    // A window that goes says that it is hidden, and what listens to that has to be there still.
     m_window.reset();
     m_floating.reset();
 }
@@ -56,7 +60,7 @@ KeyPanel* PanelHost::floating()
 {
     if (m_floating) return m_floating.get();
     m_look.setCompositing(windowSystem::compositing());
-    m_floating = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Floating, m_parts);
+    m_floating = std::make_unique<KeyPanel>(m_views.get(), KeyPanel::Kind::Floating, m_parts);
     KeyPanel* panel = m_floating.get();
     connect(panel, &KeyPanel::contentSizeChanged, this, [this] {
         if (m_floating && m_floating->isOpen()) place();
@@ -145,7 +149,7 @@ void PanelHost::close()
 void PanelHost::openOrdinary()
 {
     if (!m_window) {
-        m_window = std::make_unique<KeyPanel>(m_engine, KeyPanel::Kind::Ordinary, m_parts);
+        m_window = std::make_unique<KeyPanel>(m_views.get(), KeyPanel::Kind::Ordinary, m_parts);
         connect(&m_statusItem, &StatusItem::trayCame, m_window.get(), [this] {
             if (!m_window->isOpen() || !windowSystem::placesWindows()) return;
             m_window->closePanel();

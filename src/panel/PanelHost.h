@@ -12,6 +12,7 @@ namespace murmeli {
 class Look;
 class Scheduler;
 class StatusItem;
+class ViewEngine;
 
 /// Opens the panel under the status item, places, closes and toggles it; where the desktop has no tray,
 /// or lets no program place its windows, it is an ordinary window. Main thread only.
@@ -19,12 +20,12 @@ class PanelHost final : public QObject {
     Q_OBJECT
 
 public:
-    PanelHost(QQmlEngine& engine, Look& look, Scheduler& scheduler, StatusItem& statusItem,
+    PanelHost(ViewEngine& views, Look& look, Scheduler& scheduler, StatusItem& statusItem,
               const KeyPanel::Parts& parts, QObject* parent = nullptr);
     ~PanelHost() override;
     Q_DISABLE_COPY_MOVE(PanelHost)
 
-    /// Makes the panel ahead of its first opening.
+    /// Makes the panel ahead of a press that is likely to come.
     void prepare();
 
     void toggle(); ///< a press on the status item
@@ -40,11 +41,12 @@ signals:
 
 private:
     KeyPanel* floating();
+    void dropWindows();
     void place();
     void pressedOutside();
     [[nodiscard]] QRect anchor() const;
 
-    QQmlEngine& m_engine;
+    ViewEngine& m_views;
     Look& m_look;
     Scheduler& m_scheduler;
     StatusItem& m_statusItem;

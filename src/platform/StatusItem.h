@@ -45,8 +45,9 @@ public:
     [[nodiscard]] virtual bool hasTray() const = 0;
 
 signals:
-    void trayCame(); ///< again too, and perhaps with another ground
-    void pressed();  ///< once for every press with the main button
+    void trayCame();  ///< again too, and perhaps with another ground
+    void pointedAt(); ///< where the desktop tells it: a press is likely to follow
+    void pressed();   ///< once for every press with the main button
     void recordChosen();
     void openChosen();
     void windowChosen();

@@ -16,7 +16,8 @@ Item {
     required property string draft
     readonly property bool working: editor.outcome === ProtocolEditor.Working
     readonly property bool failed: editor.outcome === ProtocolEditor.Failed
-    property bool teaching: false
+    property ViewMemory memory: null
+    property bool teaching: memory?.kept("teaching", false) ?? false
     property string learned
 
     signal written(string draft)
@@ -28,6 +29,7 @@ Item {
     }
 
     implicitHeight: column.height + 30
+    onTeachingChanged: memory?.keep("teaching", teaching)
     onDraftChanged: if (field.text !== draft) field.text = draft
 
     Rectangle {
@@ -52,6 +54,7 @@ Item {
                 id: teach
                 width: parent.width
                 glossary: root.glossary
+                memory: root.memory
                 onLearned: rule => {
                     if (!root.working) root.editor.reset(); // the line tells what was done last
                     root.learned = rule;

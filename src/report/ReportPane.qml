@@ -14,6 +14,7 @@ Item {
     required property AuthManager account
     required property ReportLoader loader
     required property string meetingLine
+    property ViewMemory memory: null
     readonly property var steps: ({ j: 1, "\u043e": 1, k: -1, "\u043b": -1 }) // keys by their place, whatever the layout
 
     signal buildAsked()
@@ -196,6 +197,11 @@ Item {
             text: parent.lines[1] ?? ""
             Accessible.ignored: true
         }
+    }
+    KeptPlace {
+        list: list
+        memory: root.memory
+        key: "report"
     }
     ListView {
         id: list

@@ -12,11 +12,21 @@ Rectangle {
 
     required property SettingsModel model
     property bool windowed: false // in its own window
+    property ViewMemory memory: null
     readonly property int side: windowed ? Theme.padWindow : Theme.padMain
 
     color: Theme.bgWindow
-    Component.onCompleted: model.opened()
+    Component.onCompleted: {
+        model.opened();
+        place.start();
+    }
+    Component.onDestruction: memory?.keep("settings", scroll.contentY)
 
+    Timer {
+        id: place
+        interval: 0 // once the rows have their places
+        onTriggered: scroll.contentY = root.memory?.kept("settings", 0) ?? 0
+    }
     Scroller {
         id: scroll
         anchors.fill: parent

@@ -23,6 +23,12 @@ MainModel::MainModel(const Ground& ground, QObject* parent)
 
 MainModel::~MainModel() = default;
 
+void MainModel::setOnScreen(bool onScreen)
+{
+    m_onScreen = onScreen;
+    m_store.setWatching(onScreen);
+}
+
 void MainModel::setTab(Tab tab)
 {
     if (std::exchange(m_tab, tab) != tab) emit tabChanged();

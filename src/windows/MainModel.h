@@ -5,6 +5,7 @@
 #include "glossary/GlossaryStore.h"
 #include "meetings/MeetingStore.h"
 #include "settings/SettingsModel.h"
+#include "ui/ViewMemory.h"
 
 #include <QHash>
 #include <QObject>
@@ -26,6 +27,7 @@ class MainModel final : public QObject {
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::AssistantModel* assistant READ assistant CONSTANT FINAL)
     Q_PROPERTY(murmeli::SettingsModel* settings READ settings CONSTANT FINAL)
+    Q_PROPERTY(murmeli::ViewMemory* views READ views CONSTANT FINAL)
 
 public:
     enum class Tab { Meetings, Assistant, Settings };
@@ -56,13 +58,15 @@ public:
     [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] AssistantModel* assistant() { return &m_assistant; }
     [[nodiscard]] SettingsModel* settings() { return &m_ground.settings; }
+    [[nodiscard]] ViewMemory* views() { return &m_views; }
 
     Q_INVOKABLE void open(const QString& id);
     /// Back to the list. \return the meeting that was open.
     Q_INVOKABLE QString back();
 
-    /// Whether the window shows; what ends while it does not has to be told elsewhere.
-    void setOnScreen(bool onScreen) { m_onScreen = onScreen; }
+    /// Whether the window shows. Meetings are looked for while it does; what ends while it does not has to be
+    /// told elsewhere.
+    void setOnScreen(bool onScreen);
 
 signals:
     /// A protocol's file was saved, or could not be, and its meeting is not in sight.
@@ -78,6 +82,7 @@ private:
     MeetingStore m_store;
     Drafts m_drafts;
     AssistantModel m_assistant;
+    ViewMemory m_views{nullptr};
     Tab m_tab = Tab::Meetings;
     std::unique_ptr<MeetingDetailModel> m_detail;
     bool m_onScreen = false;

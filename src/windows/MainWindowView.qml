@@ -66,6 +66,7 @@ Rectangle {
             width: parent.width
             height: parent.height
             store: root.model.store
+            memory: root.model.views
             enabled: root.onMeetings && !root.inDetail
             visible: enabled || opacity > 0
             opacity: enabled ? 1 : 0
@@ -104,6 +105,7 @@ Rectangle {
             account: root.model.account
             model: root.model.assistant
             store: root.model.glossary
+            memory: root.model.views
             enabled: root.onAssistant
             visible: enabled
         }
@@ -115,7 +117,7 @@ Rectangle {
             active: root.onSettings
             enabled: root.onSettings
             visible: enabled
-            sourceComponent: SettingsView { model: root.model.settings }
+            sourceComponent: SettingsView { model: root.model.settings; memory: root.model.views }
         }
         // qmllint enable unqualified
     }

@@ -1,11 +1,13 @@
 #include "OnDemandWindow.h"
 
+#include "ui/ViewEngine.h"
+
 #include <utility>
 
 namespace murmeli {
 
-OnDemandWindow::OnDemandWindow(QQmlEngine& engine, const Language& language, AppWindow::View view)
-    : m_engine(engine), m_language(language), m_view(std::move(view))
+OnDemandWindow::OnDemandWindow(ViewEngine& views, const Language& language, AppWindow::View view)
+    : m_views(views), m_language(language), m_view(std::move(view))
 {
 }
 
@@ -14,7 +16,7 @@ OnDemandWindow::~OnDemandWindow() = default;
 void OnDemandWindow::show()
 {
     if (!m_window) {
-        m_window = std::make_unique<AppWindow>(m_engine, m_language, m_view);
+        m_window = std::make_unique<AppWindow>(m_views.get(), m_language, m_view);
         QObject::connect(m_window.get(), &QWindow::visibleChanged, m_window.get(), [this](bool visible) {
             if (!visible && m_window) m_window.release()->deleteLater();
         });

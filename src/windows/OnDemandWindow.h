@@ -6,11 +6,13 @@
 
 namespace murmeli {
 
+class ViewEngine;
+
 /// A window that is made when it is shown and dropped when it is closed: it has nothing of its own to keep.
 /// Main thread only.
 class OnDemandWindow final {
 public:
-    OnDemandWindow(QQmlEngine& engine, const Language& language, AppWindow::View view);
+    OnDemandWindow(ViewEngine& views, const Language& language, AppWindow::View view);
     ~OnDemandWindow();
     Q_DISABLE_COPY_MOVE(OnDemandWindow)
 
@@ -21,7 +23,7 @@ public:
     [[nodiscard]] AppWindow* window() const { return m_window.get(); }
 
 private:
-    QQmlEngine& m_engine;
+    ViewEngine& m_views;
     const Language& m_language;
     AppWindow::View m_view;
     std::unique_ptr<AppWindow> m_window;

@@ -1,6 +1,8 @@
 #include "TrayIcon.h"
 #include "Trays.h"
 
+#include <QApplication>
+#include <QEvent>
 #include <QStringList>
 
 #include <algorithm>
@@ -67,6 +69,13 @@ public:
         return false;
     }
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Enter && watched->inherits("QSystemTrayIconSys")) emit pointedAt();
+        return false;
+    }
+
 private:
     enum class Kind { None, Notifier, XEmbed };
 
@@ -79,6 +88,7 @@ private:
             } else if (XEmbedTray::isThere()) {
                 m_kind = Kind::XEmbed;
             }
+            if (m_kind == Kind::XEmbed) qApp->installEventFilter(this);
             if (m_kind != Kind::None) {
                 TrayIcon::show();
                 handOverMenu();

@@ -2,6 +2,7 @@
 #include "registeredTests.h"
 #include "support/ManualScheduler.h"
 #include "ui/Look.h"
+#include "ui/ViewEngine.h"
 
 #include <QGuiApplication>
 #include <QQmlEngine>
@@ -21,11 +22,12 @@ private slots:
         QRect screen;
         Look look{nullptr};
         look.setReducedMotion(true);
-        QQmlEngine engine;
-        engine.addImportPath(u"qrc:/qt/qml"_s);
-        look.install(engine);
         ManualScheduler scheduler;
-        ToastCenter toasts{engine, scheduler, [&] { return screen; }};
+        ViewEngine views{scheduler, [&look](QQmlEngine& engine) {
+                             engine.addImportPath(u"qrc:/qt/qml"_s);
+                             look.install(engine);
+                         }};
+        ToastCenter toasts{views, scheduler, [&] { return screen; }};
         toasts.show({u"a"_s, {}});
         QCOMPARE(toasts.count(), 0); // there is no screen to show it on
 

@@ -4,14 +4,19 @@
 #include "localisation/Language.h"
 #include "registeredTests.h"
 #include "service/Prefs.h"
+#include "support/ManualScheduler.h"
+#include "ui/ViewEngine.h"
+#include "windows/OnDemandWindow.h"
 
 #include <QQmlEngine>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace murmeli;
+using namespace std::chrono_literals;
 
 class AppWindowTest : public QObject {
     Q_OBJECT
@@ -54,10 +59,37 @@ private slots:
         QCOMPARE(large->height(), room.height() + 100);
     }
 
+    void theEngineGoesSomeMinutesAfterTheLastLook()
+    {
+        ManualScheduler scheduler;
+        ViewEngine views{scheduler, [](QQmlEngine&) {}};
+        OnDemandWindow window{views, m_language, {.url = viewUrl(), .titleKey = u"settings.title"_s}};
+        QVERIFY(!views.isThere());
+        window.show();
+        scheduler.advance(1h);
+        QVERIFY(views.isThere());
+        window.window()->close();
+        QTRY_VERIFY(!window.window());
+        const QSignalSpy letGo{&views, &ViewEngine::letGo};
+        scheduler.advance(2min);
+        QVERIFY(views.isThere()); // whoever comes back finds all as it was
+        window.show();
+        window.window()->close();
+        scheduler.advance(3min);
+        QCOMPARE(letGo.size(), 1);
+        QVERIFY(!views.isThere());
+        window.show();
+        QVERIFY(window.window()->isVisible());
+    }
+
 private:
+    [[nodiscard]] QString viewUrl() const
+    {
+        return QUrl::fromLocalFile(m_home->filePath(u"view.qml"_s)).toString();
+    }
     std::unique_ptr<AppWindow> make(AppWindow::View view)
     {
-        view.url = QUrl::fromLocalFile(m_home->filePath(u"view.qml"_s)).toString();
+        view.url = viewUrl();
         view.titleKey = u"settings.title"_s;
         return std::make_unique<AppWindow>(m_engine, m_language, view);
     }

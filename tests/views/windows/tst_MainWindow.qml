@@ -44,6 +44,39 @@ ViewCase {
         compare(fixture.lastCommand(), {});
     }
 
+    function test_aWindowThatWasLetGoComesBackAsItWas() {
+        const paragraphs = Array.from({ length: 40 }, (_, i) => "Решение " + i);
+        for (let i = 0; i < 40; ++i) {
+            fixture.writeMeeting("2026-03-04 1" + Math.floor(i / 10) + "-0" + i % 10 + "-00", { title: "План", decisions: paragraphs });
+        }
+        fixture.openLibrary();
+        window.active = true;
+        const anew = () => {
+            window.active = false;
+            wait(0);
+            window.active = true;
+        };
+        const list = name => find(item => item.positionViewAtIndex && item.Accessible.name === name && item.visible, window.item);
+        list("Встречи").positionViewAtIndex(20, ListView.Beginning);
+        const meetings = list("Встречи").contentY;
+        anew();
+        tryVerify(() => Math.abs(list("Встречи").contentY - meetings) < 1);
+
+        fixture.library.open("2026-03-04 10-00-00");
+        tryVerify(() => list("План")?.count > 30);
+        list("План").positionViewAtIndex(15, ListView.Beginning);
+        const protocol = list("План").contentY - list("План").originY;
+        anew();
+        tryVerify(() => list("План")?.count > 30 && Math.abs(list("План").contentY - list("План").originY - protocol) < 30);
+
+        fixture.library.tab = MainModel.Assistant;
+        const field = () => find(item => item.name === "Слышится" && item.visible, window.item);
+        tryVerify(() => field() !== null);
+        field().text = "мурмели";
+        anew();
+        tryVerify(() => field()?.text === "мурмели");
+    }
+
     function test_aRefusedRequestIsTold() {
         fixture.openLibrary();
         window.active = true;
