@@ -48,29 +48,53 @@ void glow(QPainter& painter, QPointF middle, double radiusX, double radiusY, con
 OrbArt::OrbArt(QQuickItem* parent) : QQuickPaintedItem(parent)
 {
     connect(this, &OrbArt::lookChanged, this, [this] { update(); });
+    connect(this, &OrbArt::styleChanged, this, [this] {
+        m_beats.clear();
+        update();
+    });
 }
 
 void OrbArt::paint(QPainter* painter)
 {
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->translate(boundingRect().center());
-    painter->scale(m_zoom, m_zoom);
-    painter->translate(-boundingRect().center());
+    if (m_part != Part::Core) {
+        paintPart(*painter);
+        return;
+    }
+    const double scale = painter->device()->devicePixelRatioF();
+    constexpr int enough = 40; // a pointer that comes and goes makes others
+    if (m_beats.size() > enough) m_beats.clear();
+    QImage& beat = m_beats[{qRound(m_zoom * 1000), scale}];
+    if (beat.isNull()) {
+        beat = QImage{(boundingRect().size() * scale).toSize(), QImage::Format_ARGB32_Premultiplied};
+        beat.setDevicePixelRatio(scale);
+        beat.fill(Qt::transparent);
+        QPainter into{&beat};
+        paintPart(into);
+    }
+    painter->drawImage(QPointF{}, beat);
+}
+
+void OrbArt::paintPart(QPainter& painter) const
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(boundingRect().center());
+    painter.scale(m_zoom, m_zoom);
+    painter.translate(-boundingRect().center());
     switch (m_part) {
     case Part::Wash:
-        paintWash(*painter);
+        paintWash(painter);
         break;
     case Part::Halo:
-        paintHalo(*painter);
+        paintHalo(painter);
         break;
     case Part::Ring:
-        paintRing(*painter, m_color);
+        paintRing(painter, m_color);
         break;
     case Part::Arc:
-        paintArc(*painter);
+        paintArc(painter);
         break;
     case Part::Core:
-        paintCore(*painter);
+        paintCore(painter);
         break;
     }
 }

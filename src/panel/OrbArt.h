@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QHash>
+#include <QImage>
 #include <QQuickPaintedItem>
 #include <QVariantMap>
 
@@ -12,7 +14,7 @@ class OrbArt : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(Part part MEMBER m_part NOTIFY lookChanged FINAL)
-    Q_PROPERTY(QVariantMap style MEMBER m_style NOTIFY lookChanged FINAL)
+    Q_PROPERTY(QVariantMap style MEMBER m_style NOTIFY styleChanged FINAL)
     Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged FINAL)
     Q_PROPERTY(double strokeWidth MEMBER m_strokeWidth NOTIFY lookChanged FINAL)
     Q_PROPERTY(double zoom MEMBER m_zoom NOTIFY lookChanged FINAL)
@@ -28,6 +30,7 @@ public:
     void paint(QPainter* painter) override;
 
 signals:
+    void styleChanged();
     void lookChanged();
 
 private:
@@ -40,6 +43,7 @@ private:
     void paintRing(QPainter& painter, const QBrush& brush) const;
     void paintArc(QPainter& painter) const;
     void paintCore(QPainter& painter) const;
+    void paintPart(QPainter& painter) const;
 
     Part m_part = Part::Core;
     QVariantMap m_style;
@@ -48,6 +52,7 @@ private:
     double m_zoom = 1;
     double m_inset = 0;
     int m_turned = 0;
+    QHash<std::pair<int, double>, QImage> m_beats; ///< of the core, by zoom and scale: it comes back to a few
 };
 
 } // namespace murmeli

@@ -21,7 +21,8 @@ Item {
     property bool waiting: false
 
     readonly property bool alive: moving && opacity > 0 && Theme.motion && !waiting
-    property real beat // 0 … 1, there and back
+    property real time // in milliseconds, of the movement
+    readonly property real beat: alive ? Math.round((1 - Math.cos(Math.PI * time / pulseTime)) * 8) / 16 : 0.5 // 0 … 1, there and back
 
     anchors.fill: parent
     opacity: shown ? 1 : 0
@@ -29,12 +30,15 @@ Item {
 
     Behavior on opacity { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
 
-    SequentialAnimation on beat {
+    // So slow and small a movement looks the same in far fewer steps than a screen has pictures.
+    Timer {
+        property double since
+
+        interval: root.turnTime > 0 ? 50 : 66
+        repeat: true
         running: root.alive
-        loops: Animation.Infinite
-        NumberAnimation { to: 1; duration: root.pulseTime; easing.type: Easing.InOutSine }
-        NumberAnimation { to: 0; duration: root.pulseTime; easing.type: Easing.InOutSine }
-        onStopped: root.beat = 0.5
+        onRunningChanged: since = Date.now() - root.time
+        onTriggered: root.time = Date.now() - since
     }
 
     OrbArt {
@@ -69,13 +73,7 @@ Item {
         part: OrbArt.Arc
         style: root.style
         strokeWidth: 2
-        NumberAnimation on turned {
-            from: 0
-            to: 360
-            duration: Math.max(1, root.turnTime)
-            loops: Animation.Infinite
-            running: root.alive && root.turnTime > 0
-        }
+        turned: root.turnTime > 0 ? root.time % root.turnTime / root.turnTime * 360 : 0
     }
     OrbArt {
         anchors.centerIn: parent
