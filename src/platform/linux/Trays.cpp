@@ -22,7 +22,7 @@ namespace {
 
 constexpr auto watcherName = "org.kde.StatusNotifierWatcher"_L1;
 constexpr auto watcherPath = "/StatusNotifierWatcher"_L1;
-constexpr int patience = 1000; // milliseconds
+constexpr int patience = 5000; // milliseconds
 
 constexpr auto traySelection = "_NET_SYSTEM_TRAY_S0";
 
@@ -54,9 +54,11 @@ void NotifierHost::ask()
         answer->deleteLater();
         if (asked != m_asked) return;
         const QDBusPendingReply<QDBusVariant> reply = *answer;
-        if (reply.isError()) {
-            const bool silent = reply.error().type() == QDBusError::NoReply;
-            become(silent ? State::Unknown : State::Absent);
+        if (reply.isError() && reply.error().type() == QDBusError::NoReply) {
+            become(State::Unknown);
+            ask(); // a busy machine is no desktop without a bar
+        } else if (reply.isError()) {
+            become(State::Absent);
         } else {
             become(reply.value().variant().toBool() ? State::There : State::Absent);
         }
