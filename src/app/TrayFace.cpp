@@ -53,10 +53,7 @@ void TrayFace::show()
     updateTexts();
     updateIcon();
     m_statusItem.show();
-    m_scheduler.after(trayPatience, this, [this] {
-        updateIcon(); // a tray that came meanwhile may want another ink
-        emit trayDecided(m_statusItem.hasTray());
-    });
+    m_scheduler.after(trayPatience, this, [this] { emit trayDecided(m_statusItem.hasTray()); });
 }
 
 void TrayFace::followStatus()

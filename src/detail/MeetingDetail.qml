@@ -11,17 +11,12 @@ Item {
     id: root
 
     required property MeetingDetailModel detail
-    property bool analysing: detail.views.kept("analysing", false)
+    readonly property bool analysing: detail.analysing
 
     signal closed()
 
     function focusFirst(): void {
         header.focusFirst();
-    }
-
-    function analyse(): void {
-        root.detail.openReport();
-        root.analysing = true;
     }
 
     // One step: from the analysis to the protocol, from there to the meetings.
@@ -31,11 +26,9 @@ Item {
             return;
         }
         root.detail.closeReport();
-        root.analysing = false;
         header.focusAnalysis();
     }
 
-    onAnalysingChanged: root.detail.views.keep("analysing", analysing)
     Keys.onEscapePressed: root.back()
 
     Connections {
@@ -65,7 +58,7 @@ Item {
             width: parent.width - 2 * Theme.padMain
             detail: root.detail
             onClosed: root.closed()
-            onAnalysisAsked: root.analyse()
+            onAnalysisAsked: root.detail.openReport()
         }
         ListView {
             id: list

@@ -185,8 +185,13 @@ void MeetingDetailModel::copyText(const QString& text)
 
 void MeetingDetailModel::openReport()
 {
-    m_analysing = true;
     m_report.load(m_meeting);
+    if (!std::exchange(m_analysing, true)) emit analysingChanged();
+}
+
+void MeetingDetailModel::closeReport()
+{
+    if (std::exchange(m_analysing, false)) emit analysingChanged();
 }
 
 void MeetingDetailModel::buildReport() { m_report.build(m_meeting); }

@@ -34,6 +34,7 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(bool edited READ edited NOTIFY changed FINAL)
     Q_PROPERTY(bool loaded READ loaded NOTIFY changed FINAL)
     Q_PROPERTY(bool hasProtocol READ hasProtocol NOTIFY changed FINAL)
+    Q_PROPERTY(bool analysing READ analysing NOTIFY analysingChanged FINAL)       ///< the analysis is open
     Q_PROPERTY(QString draft READ draft WRITE setDraft NOTIFY draftChanged FINAL) ///< of a remark
     Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
@@ -83,6 +84,7 @@ public:
     [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] ReportLoader* report() { return &m_report; }
     [[nodiscard]] ProtocolFileMaker* files() { return m_work.files.get(); }
+    [[nodiscard]] bool analysing() const { return m_analysing; }
     [[nodiscard]] ViewMemory* views() { return &m_views; }
 
     /// Sends the draft. Nothing when it is empty or a remark is on its way.
@@ -111,13 +113,14 @@ public:
 
     /// Reads the analysis that is stored, and again with every change of the meeting until it is closed.
     Q_INVOKABLE void openReport();
-    Q_INVOKABLE void closeReport() { m_analysing = false; }
+    Q_INVOKABLE void closeReport();
     /// Asks for an analysis.
     Q_INVOKABLE void buildReport();
 
 signals:
     void changed();
     void draftChanged();
+    void analysingChanged();
     void built(const QString& path);
     void corrected(int row); ///< the protocol was: where, in the list of sections
 
@@ -146,7 +149,7 @@ private:
     Work m_work;
     ReportLoader m_report;
     std::optional<QString> m_protocol;
-    bool m_analysing = false; ///< the analysis is open
+    bool m_analysing = false;
     ViewMemory m_views{nullptr};
     bool m_edited = false;
     bool m_loaded = false;

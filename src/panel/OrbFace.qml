@@ -21,7 +21,7 @@ Item {
     property bool waiting: false
 
     readonly property bool alive: moving && opacity > 0 && Theme.motion && !waiting
-    property real time // in milliseconds, of the movement
+    property real time: pulseTime / 2 // in milliseconds, of the movement, which begins in its middle
     readonly property real beat: alive ? Math.round((1 - Math.cos(Math.PI * time / pulseTime)) * 8) / 16 : 0.5 // 0 … 1, there and back
 
     anchors.fill: parent

@@ -18,14 +18,14 @@ Rectangle {
     color: Theme.bgWindow
     Component.onCompleted: {
         model.opened();
-        place.start();
+        if (memory !== null) place.start();
     }
     Component.onDestruction: memory?.keep("settings", scroll.contentY)
 
     Timer {
         id: place
         interval: 0 // once the rows have their places
-        onTriggered: scroll.contentY = root.memory?.kept("settings", 0) ?? 0
+        onTriggered: scroll.contentY = root.memory.kept("settings", 0)
     }
     Scroller {
         id: scroll

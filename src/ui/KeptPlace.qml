@@ -13,9 +13,9 @@ QtObject {
     Component.onCompleted: {
         const place = memory?.kept(key, null) ?? null;
         if (place === null || place.row >= list.count) return;
+        list.currentIndex = place.current; // before the place, which it may change
         list.positionViewAtIndex(place.row, ListView.Beginning);
         list.contentY += place.beyond;
-        list.currentIndex = place.current;
         restored = true;
     }
     Component.onDestruction: {

@@ -108,8 +108,8 @@ QtObject {
 
     // Type: size and line in pixels, tracking in pixels. What is made to hold text grows with it.
     readonly property string family: Look.family
-    function type(size: real, line: real, weight: int, tracking: real, family: string): var {
-        return { size: size * Look.textScale, line: Math.round(line * Look.textScale), weight, tracking, family: family || Look.family };
+    function type(size: real, line: real, weight: int, tracking: real, family = Look.family): var {
+        return { size: size * Look.textScale, line: grown(line), weight, tracking, family };
     }
     function grown(pixels: real): int {
         return Math.round(pixels * Look.textScale);

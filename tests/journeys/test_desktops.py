@@ -8,7 +8,7 @@ from pathlib import Path
 
 from gi.repository import Gio, GLib
 
-from session import PYTHON, REPOSITORY, JourneyTest, Session
+from session import PYTHON, REPOSITORY, JourneyTest
 from waiting import wait_for
 
 ITEM, ITEM_PATH = "org.kde.StatusNotifierItem", "/StatusNotifierItem"

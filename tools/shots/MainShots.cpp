@@ -229,7 +229,6 @@ bool shoot(const MainShot& shot, const Frame& frame)
     if (shot.report) {
         model.detail()->openReport();
         await([&] { return model.detail()->report()->asked(); });
-        setInViews(window, "analysing", true);
         if (!shot.build.isNull()) model.detail()->buildReport();
         settle(300);
         model.detail()->report()->toggle(u"[00:12:31]"_s);

@@ -57,8 +57,7 @@ signals:
 private:
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
-    uint32_t m_announcement =
-        0; ///< the type of the message by which a manager of something says that it is there
+    uint32_t m_announcement = 0; ///< the type of message by which a tray says that it is there
 };
 
 } // namespace murmeli

@@ -52,7 +52,7 @@ void notify(const QString& title, const QString& message)
                                                        u"org.freedesktop.Notifications"_s, u"Notify"_s);
     constexpr int shownFor = 4500; // milliseconds
     call.setArguments(
-        {QGuiApplication::applicationDisplayName(), 0U, QGuiApplication::desktopFileName(), title,
+        {QGuiApplication::applicationDisplayName(), 0U, QGuiApplication::applicationName(), title,
          message.toHtmlEscaped(), QStringList{},
          QVariantMap{{u"desktop-entry"_s, QGuiApplication::desktopFileName()}, {u"transient"_s, true}},
          shownFor});

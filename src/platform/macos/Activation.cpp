@@ -2,7 +2,7 @@
 
 namespace murmeli {
 
-void listenToDesktop(const QString&, QObject*, std::function<void(const QString&)>) {
-} // it starts no second one
+// The system starts no second one.
+void listenToDesktop(const QString&, QObject*, std::function<void(const QString&)>) {}
 
 } // namespace murmeli

@@ -57,6 +57,7 @@ ViewCase {
             window.active = true;
         };
         const list = name => find(item => item.positionViewAtIndex && item.Accessible.name === name && item.visible, window.item);
+        list("Встречи").currentIndex = 1; // out of sight
         list("Встречи").positionViewAtIndex(20, ListView.Beginning);
         const meetings = list("Встречи").contentY;
         anew();
