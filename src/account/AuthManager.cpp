@@ -124,6 +124,7 @@ void AuthManager::cancelLogin()
 {
     m_attempt.end();
     m_addressRefused = false;
+    m_typedAddress.clear();
     emit changed();
 }
 
@@ -138,6 +139,7 @@ bool AuthManager::handle(const QString& address)
     if (!session.isUsable()) return false;
     m_attempt.end();
     m_addressRefused = false;
+    m_typedAddress.clear();
     keep(session);
     adopt(session, accountFile::Tokens::FromSession);
     emit didLogin();

@@ -27,6 +27,9 @@ class AuthManager final : public QObject {
     Q_PROPERTY(bool signingIn READ signingIn NOTIFY changed FINAL) ///< the browser has been sent to the site
     Q_PROPERTY(bool takesAddress READ takesAddress NOTIFY changed FINAL) ///< an address may be pasted
     Q_PROPERTY(bool addressRefused READ addressRefused NOTIFY changed FINAL)
+    /// What was typed for an address so far; in memory alone, since it may hold tokens, and gone with the
+    /// attempt.
+    Q_PROPERTY(QString typedAddress MEMBER m_typedAddress FINAL)
 
 public:
     struct Place {
@@ -98,6 +101,7 @@ private:
     Lease m_attempt; ///< the sign-in under way
     Lease m_sync;
     bool m_addressRefused = false;
+    QString m_typedAddress;
     bool m_fileIsBehind = false; ///< account.json has not got this sign-in's session yet
     bool m_decided = false;      ///< the user has signed in or out, or a session was restored
     QThreadPool m_writer;        ///< one thread, so that files are written in the order of the calls

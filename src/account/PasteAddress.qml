@@ -43,7 +43,8 @@ Card {
                 name: L.t("account.paste.name")
                 placeholderText: "murmeli:"
                 onAccepted: root.account.paste(text)
-                onVisibleChanged: clear()
+                onTextChanged: root.account.typedAddress = text
+                Component.onCompleted: text = root.account.typedAddress
             }
             PillButton {
                 kind: PillButton.Tinted

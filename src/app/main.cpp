@@ -16,6 +16,7 @@
 #include "ui/Look.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QQuickWindow>
 #include <QSessionManager>
@@ -93,7 +94,7 @@ int main(int argc, char* argv[])
     QApplication::setDesktopFileName(QLatin1StringView{Paths::appAgentLabel});
     QApplication::setQuitOnLastWindowClosed(false);
     windowSystem::settle();
-    if (windowSystem::drawsInSoftware()) QQuickWindow::setSceneGraphBackend(u"software"_s);
+    if (windowSystem::drawsInSoftware(QDir::rootPath())) QQuickWindow::setSceneGraphBackend(u"software"_s);
     endSignals::quitOn(&app);
     // Whether it starts with the session is a preference of its own.
     QObject::connect(&app, &QGuiApplication::saveStateRequest,

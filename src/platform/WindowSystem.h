@@ -11,9 +11,10 @@ namespace murmeli::windowSystem {
 /// would wait for it without end.
 void prepare();
 
-/// Whether there is nothing that draws but the processor, and the user has not named another way to draw:
-/// then Qt Quick's own renderer is quicker and smaller than a graphics library that stands in for hardware.
-bool drawsInSoftware();
+/// Whether there is nothing that draws but the processor, by what the kernel tells under `root` ("/"), and
+/// the user has not named another way to draw: then Qt Quick's own renderer is quicker and smaller than a
+/// graphics library that stands in for hardware.
+bool drawsInSoftware(const QString& root);
 
 /// After it is made: keeps the program out of the Dock, where there is one, and gives fonts the screen's
 /// resolution where Qt has made the first of them without knowing it.

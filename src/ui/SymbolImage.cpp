@@ -18,13 +18,16 @@ QByteArray source(const QString& name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray{};
 }
 
+/// A picture that was drawn into keeps its painter's tools, which weigh many times what it shows; a copy has none.
+QImage withoutTools(const QImage& image) { return image.copy(); }
+
 QImage rendered(QByteArray svg, int pixels)
 {
     if (svg.isEmpty() || pixels <= 0) return {};
     QBuffer buffer{&svg};
     QImageReader reader{&buffer, "svg"};
     reader.setScaledSize({pixels, pixels});
-    return reader.read().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    return withoutTools(reader.read().convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
 /// The symbol in black, to be inked. A few dozen symbols in a handful of sizes at most.
@@ -53,7 +56,7 @@ QImage inked(const QString& name, int pixels, const QColor& ink)
 
 QImage onBar(const QString& name, int pixels, bool dark)
 {
-    return inked(name, pixels, dark ? QColor{0xff, 0xff, 0xff} : QColor{0x1b, 0x1c, 0x22});
+    return withoutTools(inked(name, pixels, dark ? QColor{0xff, 0xff, 0xff} : QColor{0x1b, 0x1c, 0x22}));
 }
 
 QImage onAnyBar(const QString& name, int pixels, bool dark)
@@ -65,7 +68,7 @@ QImage onAnyBar(const QString& name, int pixels, bool dark)
     for (const QPoint& aside : {QPoint{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}})
         painter.drawImage(aside, hair);
     painter.drawImage(QPoint{}, onBar(name, pixels, dark));
-    return image;
+    return withoutTools(image);
 }
 
 QIcon program()

@@ -7,13 +7,37 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QFont>
 #include <QGuiApplication>
 #include <QWindow>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace murmeli::windowSystem {
+
+namespace {
+
+/// Of a render node. Drivers without any hardware have one too, and that of a virtual machine has one also
+/// where its host draws nothing for it: bit 0 of what host and guest have agreed on tells.
+bool hasHardware(const QDir& device)
+{
+    const QString driver = QFileInfo{QFile::symLinkTarget(device.filePath(u"driver"_s))}.fileName();
+    const QString name = QFileInfo{device.canonicalPath()}.fileName();
+    if (name == "vgem"_L1 || name == "vkms"_L1 || driver == "vgem"_L1 || driver == "vkms"_L1) return false;
+    QStringList places{device.filePath(u"features"_s)};
+    for (const QString& part : device.entryList({u"virtio*"_s}, QDir::Dirs))
+        places.append(device.filePath(part + u"/features"_s));
+    return std::ranges::none_of(places, [](const QString& place) {
+        QFile features{place};
+        return features.open(QIODevice::ReadOnly) && features.read(1) == "0";
+    });
+}
+
+} // namespace
 
 void prepare()
 {
@@ -24,12 +48,16 @@ void prepare()
     }
 }
 
-bool drawsInSoftware()
+bool drawsInSoftware(const QString& root)
 {
     const bool named = qEnvironmentVariableIsSet("QT_QUICK_BACKEND") ||
                        qEnvironmentVariableIsSet("QSG_RHI_BACKEND") ||
                        qEnvironmentVariableIsSet("QMLSCENE_DEVICE");
-    return !named && QDir{u"/dev/dri"_s}.entryList({u"renderD*"_s}, QDir::System).isEmpty();
+    const QStringList nodes =
+        QDir{root + u"/dev/dri"_s}.entryList({u"renderD*"_s}, QDir::System | QDir::Files);
+    return !named && std::ranges::none_of(nodes, [&](const QString& node) {
+        return hasHardware(root + u"/sys/class/drm/"_s + node + u"/device"_s);
+    });
 }
 
 // On Wayland screens come after the application's font, from which every font of a view takes the resolution.

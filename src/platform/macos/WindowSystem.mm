@@ -11,7 +11,7 @@ void prepare() { qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1")
 
 void settle() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
 
-bool drawsInSoftware() { return false; }
+bool drawsInSoftware(const QString&) { return false; }
 
 bool placesWindows() { return true; }
 

@@ -225,11 +225,14 @@ private slots:
         QVERIFY(!auth->handle(u"murmeli://auth#access_token="_s));
         QVERIFY(auth->signingIn());
         QVERIFY(!auth->addressRefused()); // nothing was pasted
+        auth->setProperty("typedAddress", u"https"_s);
         auth->paste(u"https://example.org/account"_s);
         QVERIFY(auth->addressRefused());
+        QCOMPARE(auth->property("typedAddress"), u"https"_s);
         auth->paste(u"  \n"_s + callback.arg(annasToken) + u'\n');
         QVERIFY(auth->isAuthed());
         QVERIFY(!auth->addressRefused());
+        QCOMPARE(auth->property("typedAddress"), QString{});               // which may hold tokens
         QVERIFY(!auth->handle(callback.arg(token(R"({"sub":"other"})")))); // once
         QCOMPARE(auth->accessToken(), annasToken);
     }

@@ -2,6 +2,7 @@
 #include "platform/Desktop.h"
 #include "platform/PanelPlacement.h"
 #include "platform/SingleInstance.h"
+#include "platform/WindowSystem.h"
 #include "registeredTests.h"
 #include "support/Cases.h"
 
@@ -28,6 +29,35 @@ class PlatformTest : public QObject {
     Q_OBJECT
 
 private slots:
+#ifdef Q_OS_LINUX
+    void whatDraws()
+    {
+        for (const auto* other : {"QT_QUICK_BACKEND", "QSG_RHI_BACKEND", "QMLSCENE_DEVICE"})
+            qunsetenv(other);
+        // The device's folder, and what its host draws; "" where nothing is told.
+        const Cases<QString, QString, bool> cases{
+            {"a graphics card", u"0000:00:02.0"_s, {}, false},
+            {"a driver without hardware", u"vgem"_s, {}, true},
+            {"a virtual machine whose host draws", u"virtio0"_s, u"1100"_s, false},
+            {"a virtual machine whose host does not", u"virtio0"_s, u"0100"_s, true},
+        };
+        for (const auto& [name, device, features, software] : cases) {
+            CASE(name);
+            const QTemporaryDir root;
+            QVERIFY(QDir{root.path()}.mkpath(u"dev/dri"_s));
+            QVERIFY(windowSystem::drawsInSoftware(root.path())); // no node
+            QVERIFY(QDir{root.path()}.mkpath(u"sys/devices/"_s + device));
+            QVERIFY(QDir{root.path()}.mkpath(u"sys/class/drm/renderD128"_s));
+            QVERIFY(files::writeAtomic(root.filePath(u"dev/dri/renderD128"_s), {}));
+            QVERIFY(QFile::link(root.filePath(u"sys/devices/"_s + device),
+                                root.filePath(u"sys/class/drm/renderD128/device"_s)));
+            if (!features.isEmpty())
+                QVERIFY(files::writeAtomic(root.filePath(u"sys/devices/"_s + device + u"/features"_s),
+                                           features.toUtf8()));
+            QCOMPARE(windowSystem::drawsInSoftware(root.path()), software);
+        }
+    }
+#endif
     void placement()
     {
         const QRect screen{0, 24, 1280, 876};
