@@ -18,7 +18,8 @@ QByteArray source(const QString& name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray{};
 }
 
-/// A picture that was drawn into keeps its painter's tools, which weigh many times what it shows; a copy has none.
+/// A picture that was drawn into keeps its painter's tools, which weigh many times what it shows; a copy has
+/// none.
 QImage withoutTools(const QImage& image) { return image.copy(); }
 
 QImage rendered(QByteArray svg, int pixels)
