@@ -105,7 +105,8 @@ int main(int argc, char* argv[])
     SystemProcesses processes;
     const auto desktop = makeDesktop(home);
     const auto secrets = makeSecretStore();
-    Program program{Paths{home},
+    const auto own = desktop->ownFolders();
+    Program program{Paths{home, {.data = own.data, .cache = own.cache, .config = own.config}},
                     {.scheduler = scheduler,
                      .http = http,
                      .processes = processes,

@@ -9,7 +9,9 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <tuple>
 #include <unistd.h>
 
@@ -282,6 +284,51 @@ bool append(const QString& path, const QByteArray& bytes)
     if (!nothingElseThan(name)) return false;
     const Descriptor file{name, O_WRONLY | O_CREAT | O_APPEND};
     return file.regular() && writeAll(file.get(), bytes);
+}
+
+bool appendLine(const QString& path, const QByteArray& line, Durable durable)
+{
+    const QByteArray name = encoded(path);
+    if (!nothingElseThan(name)) return false;
+    const Descriptor file{name, O_RDWR | O_CREAT | O_APPEND, 0600};
+    const auto info = file.regular();
+    if (!info) return false;
+    char last = '\n';
+    if (info->st_size > 0 && ::pread(file.get(), &last, 1, info->st_size - 1) != 1) return false;
+    const QByteArray whole = (last == '\n' ? QByteArray{} : QByteArray{"\n"}) + line + '\n';
+    return writeAll(file.get(), whole) && (durable == Durable::No || ::fsync(file.get()) == 0);
+}
+
+bool makePrivateFolder(const QString& path)
+{
+    const QByteArray folder = encoded(path);
+    if (!folder.startsWith('/')) return false;
+    for (qsizetype end = folder.indexOf('/', 1);; end = folder.indexOf('/', end + 1)) {
+        const QByteArray part = folder.first(end < 0 ? folder.size() : end);
+        if (::mkdir(part.constData(), 0700) != 0 && errno != EEXIST && errno != EROFS && errno != EACCES)
+            return false;
+        if (end < 0) break;
+    }
+    struct stat info {};
+    return ::stat(folder.constData(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+Lock::Lock(const QString& path, std::chrono::milliseconds patience)
+{
+    using namespace std::chrono_literals;
+    const QByteArray name = encoded(path);
+    if (!nothingElseThan(name)) return;
+    m_fd = ::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
+    if (m_fd < 0) return;
+    const auto end = std::chrono::steady_clock::now() + patience;
+    // Asked again and again, since a wait for a lock cannot be given up.
+    while (!(m_held = ::flock(m_fd, LOCK_EX | LOCK_NB) == 0) && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(5ms);
+}
+
+Lock::~Lock()
+{
+    if (m_fd >= 0) ::close(m_fd);
 }
 
 } // namespace murmeli::files

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -80,5 +81,29 @@ bool isPrivate(const QString& path);
 
 /// At the end of the file, which is made when missing.
 [[nodiscard]] bool append(const QString& path, const QByteArray& bytes);
+
+/// `line` and a line feed at the end of a file that the owner alone may read, and that is made when missing;
+/// after a line that was cut off it begins a new one. With Durable::Yes it waits for the disk. \return false
+/// when anything failed; a part of the line may then stand there.
+[[nodiscard]] bool appendLine(const QString& path, const QByteArray& line, Durable durable);
+
+/// Makes the folder, and those above it that are missing, for the owner alone. \return whether it is there.
+[[nodiscard]] bool makePrivateFolder(const QString& path);
+
+/// An advisory lock between processes and threads: whoever holds a lock on the same file keeps others from
+/// theirs until it goes, also by being killed.
+class Lock {
+public:
+    /// Waits up to `patience` for the others. The file is made when missing, its folder is not.
+    Lock(const QString& path, std::chrono::milliseconds patience);
+    ~Lock();
+    Q_DISABLE_COPY_MOVE(Lock)
+
+    [[nodiscard]] bool held() const { return m_held; }
+
+private:
+    int m_fd = -1;
+    bool m_held = false;
+};
 
 } // namespace murmeli::files

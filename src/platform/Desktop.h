@@ -88,6 +88,12 @@ public:
 
     /// Where the program keeps drafts and logs of its own; not made here.
     [[nodiscard]] virtual QString stateFolder() const = 0;
+
+    struct OwnFolders {
+        QString data, cache, config;
+    };
+    /// Where the system wants a program to keep what is its own; not made here.
+    [[nodiscard]] virtual OwnFolders ownFolders() const = 0;
 };
 
 /// Of the user with that home folder.

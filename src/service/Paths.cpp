@@ -4,7 +4,7 @@ using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
-Paths::Paths(const QString& homeFolder)
+Paths::Paths(const QString& homeFolder, const Own& own)
     : home(homeFolder),
       root(home + u"/MeetingNotes"_s),
       recordings(root + u"/done"_s),
@@ -25,6 +25,9 @@ Paths::Paths(const QString& homeFolder)
       recorderScript(root + u"/pipeline/native_rec.py"_s),
       notificationsLog(logs + u"/notifications.log"_s),
       appAgentFile(home + u"/Library/LaunchAgents/"_s + QLatin1StringView{appAgentLabel} + u".plist"_s),
+      ownData(own.data),
+      ownCache(own.cache),
+      ownConfig(own.config),
       agentLoader(u"/bin/launchctl"_s)
 {
 }

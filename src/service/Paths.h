@@ -4,10 +4,15 @@
 
 namespace murmeli {
 
-/// Every file and folder shared with the service, derived once from the home folder. Nothing here looks at
-/// the disk: the folders are made by the service and the setup.
+/// Every file and folder shared with the service, derived once from the home folder, and Murmeli's own ones.
+/// Nothing here looks at the disk: the shared folders are made by the service and the setup, our own ones by
+/// the first write.
 struct Paths {
-    explicit Paths(const QString& home);
+    /// Folders of our own, where the system wants them.
+    struct Own {
+        QString data, cache, config;
+    };
+    explicit Paths(const QString& home, const Own& own = {});
 
     QString home;
     QString root; ///< "MeetingNotes"
@@ -29,6 +34,9 @@ struct Paths {
     QString recorderScript; ///< the recorder's answers about permissions
     QString notificationsLog;
     QString appAgentFile;
+    QString ownData;     ///< what cannot be made again
+    QString ownCache;    ///< what may be deleted at any moment
+    QString ownConfig;   ///< preferences that the service need not know
     QString agentLoader; ///< loads and unloads the login agent, where the system has such agents
 
     static constexpr auto appAgentLabel = "com.valdor.quillet.app";

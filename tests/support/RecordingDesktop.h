@@ -65,6 +65,7 @@ public:
     [[nodiscard]] QString computerName() const override { return name; }
     [[nodiscard]] QStringList preferredLanguages() const override { return languages; }
     [[nodiscard]] QString stateFolder() const override { return states; }
+    [[nodiscard]] OwnFolders ownFolders() const override { return {}; }
 };
 
 } // namespace murmeli

@@ -67,6 +67,12 @@ public:
     {
         return baseFolder("XDG_STATE_HOME", m_home + u"/.local/state"_s) + u"/murmeli"_s;
     }
+    [[nodiscard]] OwnFolders ownFolders() const override
+    {
+        return {.data = baseFolder("XDG_DATA_HOME", m_home + u"/.local/share"_s) + u"/murmeli"_s,
+                .cache = baseFolder("XDG_CACHE_HOME", m_home + u"/.cache"_s) + u"/murmeli"_s,
+                .config = baseFolder("XDG_CONFIG_HOME", m_home + u"/.config"_s) + u"/murmeli"_s};
+    }
 
 private:
     QString m_home;

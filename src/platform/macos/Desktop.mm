@@ -112,6 +112,12 @@ public:
         return QString::fromNSString([[NSHost currentHost] localizedName]);
     }
     [[nodiscard]] QString stateFolder() const override { return m_home + u"/Library/Application Support/Murmeli"_s; }
+    [[nodiscard]] OwnFolders ownFolders() const override
+    {
+        return {.data = stateFolder(),
+                .cache = m_home + u"/Library/Caches/Murmeli"_s,
+                .config = m_home + u"/Library/Preferences/Murmeli"_s};
+    }
 
 private:
     QString m_home;

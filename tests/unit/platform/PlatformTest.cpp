@@ -152,6 +152,24 @@ private slots:
         }
     }
 
+    void ownFolders()
+    {
+#ifndef Q_OS_LINUX
+        QSKIP("They are fixed there.");
+#endif
+        const auto desktop = makeDesktop(u"/home"_s);
+        const Cases<QByteArray, QString> cases{
+            {"not named", {}, u"/home/.local/share/murmeli"_s},
+            {"named", "/data", u"/data/murmeli"_s},
+            {"named by what no one can follow", "data", u"/home/.local/share/murmeli"_s}};
+        for (const auto& [name, variable, data] : cases) {
+            CASE(name);
+            qputenv("XDG_DATA_HOME", variable);
+            QCOMPARE(desktop->ownFolders().data, data);
+        }
+        qunsetenv("XDG_DATA_HOME");
+    }
+
     void theDesktopsOwnList()
     {
 #ifdef Q_OS_MACOS
