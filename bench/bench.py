@@ -217,7 +217,7 @@ def show(name, values, unit="MB", digits=1):
 def main():
     programs = {"murmeli": [str(BIN / "murmeli")], "minimal_tray": [str(BIN / "minimal_tray")]}
     if shutil.which("keepassxc"):
-        programs["keepassxc"] = ["keepassxc", "--minimized"]
+        programs["keepassxc"] = ["keepassxc"]
     starts = {program: [] for program in programs}
     rests = {program: [] for program in programs}
     first, later = [], []
