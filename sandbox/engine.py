@@ -33,6 +33,7 @@ AUTH_NOTICE = {
 class Faults:
     torn: bool = False
     deaf: bool = False
+    breathless: float | None = None  # after so many seconds it does nothing any more
     auth: bool = False
     slow: float = 0.0
 
@@ -41,8 +42,8 @@ class Faults:
         faults = cls()
         for name in names:
             key, _, value = name.partition("=")
-            if key == "slow":
-                faults.slow = seconds(value)
+            if key in ("slow", "breathless"):
+                setattr(faults, key, seconds(value))
             elif key in ("torn", "deaf", "auth") and not value:
                 setattr(faults, key, True)
             else:
@@ -61,6 +62,7 @@ class Engine:
     home: Home
     processing_seconds: float
     poll_seconds: float
+    beat_seconds: float  # how often it writes what has not changed; 0: never
     seed: int
     telegram: bool
     faults: Faults
@@ -76,8 +78,10 @@ class Engine:
     def run(self) -> None:
         self.publish()
         say(f"ready in {self.home.folder}")
+        begun = time.monotonic()
         while not self.stopping.wait(self.poll_seconds):
-            self.tick()
+            if self.faults.breathless is None or time.monotonic() - begun < self.faults.breathless:
+                self.tick()
         self.finish()
 
     def tick(self) -> None:
@@ -184,7 +188,8 @@ class Engine:
         text, now = self.state(), time.monotonic()
         known = text == self.published and self.home.state.exists()
         # A clumsy writer rewrites also what did not change, so that every reader meets it.
-        if known and not (self.faults.torn and now - self.published_at >= TORN_EVERY_SECONDS):
+        beat = TORN_EVERY_SECONDS if self.faults.torn else self.beat_seconds
+        if known and not (beat and now - self.published_at >= beat):
             return
         try:
             if self.faults.torn and not self.stopping.is_set():
@@ -219,9 +224,11 @@ def main() -> int:
     parser.add_argument("--home", required=True, metavar="DIR")
     parser.add_argument("--processing-seconds", type=seconds, default=6.0, metavar="S")
     parser.add_argument("--poll-seconds", type=seconds, default=0.1, metavar="S")
+    parser.add_argument("--beat-seconds", type=seconds, default=0.0, metavar="S",
+                        help="write the state so often also while nothing changes (default: never)")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--no-telegram", action="store_true")
-    parser.add_argument("--fault", action="append", default=[], metavar="torn|deaf|auth|slow=SECONDS")
+    parser.add_argument("--fault", action="append", default=[], metavar="torn|deaf|auth|slow=SECONDS|breathless=SECONDS")
     arguments = parser.parse_args()
     try:
         faults = Faults.parse(arguments.fault)
@@ -243,7 +250,7 @@ def main() -> int:
         lock.write(str(os.getpid()))
         lock.flush()
         engine = Engine(home, arguments.processing_seconds, max(arguments.poll_seconds, 0.01),
-                        arguments.seed, not arguments.no_telegram, faults)
+                        arguments.beat_seconds, arguments.seed, not arguments.no_telegram, faults)
         for number in (signal.SIGTERM, signal.SIGINT):
             signal.signal(number, lambda *_: engine.stopping.set())
         engine.run()

@@ -20,6 +20,7 @@ FLOORS = {  # a room includes from lower floors only, or from rooms of its own f
 WITHIN_FLOOR = {
     "glossary": {"account"}, "protocol": {"meetings", "account", "glossary"}, "report": {"meetings", "account"},
     "settings": {"account", "update", "permissions"}, "setup": {"permissions", "update"},
+    "notices": {"permissions"},
     "windows": {"detail"},
 }
 faults = []
@@ -135,7 +136,7 @@ def check_literals():
             literals.update(found)
             for literal in found:
                 whole = re.fullmatch(r"[a-z_]+(\.[a-z0-9_]+)+\.?", literal)
-                foreign = re.match(r"(org|com)\.", literal) or literal in symbols
+                foreign = re.match(r"(org|com)\.|.*\.jsonl?$", literal) or literal in symbols
                 if whole and not foreign and literal not in keys and not any(
                         key.startswith(literal.rstrip(".") + ".") for key in keys):
                     fault(path, number, f"no text and no symbol is called {literal}")

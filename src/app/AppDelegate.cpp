@@ -14,6 +14,8 @@
 #include <QLibraryInfo>
 #include <QScreen>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -24,10 +26,14 @@ namespace {
 constexpr auto startTime = 20s;  ///< after which what has to be done at the start is done
 constexpr auto handOver = 500ms; ///< in which a window manager activates a window that asks for it
 
-QRect availableGeometry()
+/// For a card: one that takes clicks keeps off the open panel.
+QRect roomFor(const ToastText& toast, const QRect& panel)
 {
     const QScreen* screen = QGuiApplication::primaryScreen();
-    return screen ? screen->availableGeometry() : QRect{};
+    QRect room = screen ? screen->availableGeometry() : QRect{};
+    if (!toast.actions.isEmpty() && !panel.isEmpty() && panel.center().x() > room.center().x())
+        room.setRight(std::min(room.right(), panel.left()));
+    return room;
 }
 
 QString view(const char* name) { return u"qrc:/qt/qml/Murmeli/"_s + QLatin1StringView{name} + u".qml"_s; }
@@ -48,10 +54,12 @@ AppDelegate::AppDelegate(Program& program, Desktop& desktop, Scheduler& schedule
                   look.install(engine);
                   translateQt();
               }),
-      m_toasts(m_views, scheduler, availableGeometry),
+      m_toasts(m_views, scheduler,
+               [this](const ToastText& toast) { return roomFor(toast, m_panel.shape()); }),
       m_face(statusItem, program.state, program.record, program.panel, program.language, look, scheduler),
-      m_panel(m_views, look, scheduler, statusItem,
-              {program.state, program.record, program.panel, program.account, program.updater}),
+      m_panel(
+          m_views, look, scheduler, statusItem,
+          {program.state, program.record, program.panel, program.account, program.updater, program.board}),
       m_settings(m_views, program.language,
                  {.url = view("Settings/SettingsView"),
                   .properties = {{u"model"_s, QVariant::fromValue(&program.settings)}, {u"windowed"_s, true}},
@@ -121,6 +129,8 @@ void AppDelegate::connectWindows()
                                &PanelModel::settingsRequested, &PanelModel::updateRequested}) {
         connect(panel, request, &m_panel, &PanelHost::close);
     }
+    for (const auto request : {&NoticeBoard::folderOpened, &NoticeBoard::installRequested})
+        connect(&m_program.board, request, &m_panel, &PanelHost::close);
     connect(&m_program, &Program::mainWindowWanted, this, &AppDelegate::showMain);
     connect(&m_program.quitQuestion, &QuitQuestion::asked, this, [this] {
         m_panel.close();
@@ -181,7 +191,8 @@ void AppDelegate::showMain()
             AppWindow::View{.url = view("Windows/MainWindowView"),
                             .properties = {{u"model"_s, QVariant::fromValue(&model)},
                                            {u"appState"_s, QVariant::fromValue(&m_program.state)},
-                                           {u"record"_s, QVariant::fromValue(&m_program.record)}},
+                                           {u"record"_s, QVariant::fromValue(&m_program.record)},
+                                           {u"board"_s, QVariant::fromValue(&m_program.board)}},
                             .titleKey = u"meetings.title"_s,
                             .size = {980, 680},
                             .least = {760, 520},

@@ -39,12 +39,25 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
       glossary(account, outside.http, prefs, outside.scheduler),
       notifier(paths, prefs, language, outside.desktop, outside.scheduler,
                [this](const ToastText& toast) { emit toastWanted(toast); }),
+      pulse({.paths = paths,
+             .state = state,
+             .record = record,
+             .processes = outside.processes,
+             .desktop = outside.desktop,
+             .scheduler = outside.scheduler,
+             .settingUp = [this] { return m_setup != nullptr; }}),
+      board({.paths = paths,
+             .pulse = pulse,
+             .record = record,
+             .language = language,
+             .desktop = outside.desktop}),
       quitQuestion(state, record),
       m_outside(outside),
       m_addresses(addresses)
 {
     connectState();
     connectPanel();
+    connectNotices();
 }
 
 Program::~Program() = default;
@@ -81,6 +94,27 @@ void Program::connectPanel()
     connect(&panel, &PanelModel::quitRequested, &quitQuestion, &QuitQuestion::ask);
     connect(&panel, &PanelModel::mainWindowRequested, this, &Program::mainWindowWanted);
     connect(&quitQuestion, &QuitQuestion::agreed, this, &Program::quitWanted);
+}
+
+void Program::connectNotices()
+{
+    connect(&pulse, &Pulse::unanswered, this, [this] { announce(noticeKind::Trouble); });
+    connect(&pulse, &Pulse::diskRanLow, this, [this] { announce(noticeKind::Disk); });
+    connect(&board, &NoticeBoard::permissionsRequested, &panel, &PanelModel::settingsRequested);
+    connect(&board, &NoticeBoard::installRequested, this, [this] {
+        if (!m_setup) beginSetup();
+    });
+}
+
+void Program::announce(noticeKind::NoticeKind kind)
+{
+    const Notice notice = board.notice(kind);
+    notifier.announce({.title = notice.title,
+                       .message = notice.body,
+                       .tone = notice.tone,
+                       .symbol = notice.symbol,
+                       .actions = notice.actions,
+                       .pressed = [this, kind](int action) { board.act(kind, action); }});
 }
 
 void Program::start(bool forceSetup)

@@ -3,7 +3,9 @@
 #include "account/AuthManager.h"
 #include "glossary/GlossaryStore.h"
 #include "localisation/Language.h"
+#include "notices/NoticeBoard.h"
 #include "notices/Notifier.h"
+#include "notices/Pulse.h"
 #include "panel/PanelModel.h"
 #include "platform/Installation.h"
 #include "service/AppInfo.h"
@@ -82,6 +84,8 @@ public:
     SettingsModel settings;
     GlossaryStore glossary;
     Notifier notifier;
+    Pulse pulse;
+    NoticeBoard board;
     QuitQuestion quitQuestion;
 
 signals:
@@ -97,6 +101,8 @@ signals:
 private:
     void connectState();
     void connectPanel();
+    void connectNotices();
+    void announce(noticeKind::NoticeKind kind);
     void beginSetup();
     void finishSetup();
 

@@ -11,6 +11,7 @@
 #include <memory>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <thread>
 #include <tuple>
 #include <unistd.h>
@@ -297,6 +298,18 @@ bool appendLine(const QString& path, const QByteArray& line, Durable durable)
     if (info->st_size > 0 && ::pread(file.get(), &last, 1, info->st_size - 1) != 1) return false;
     const QByteArray whole = (last == '\n' ? QByteArray{} : QByteArray{"\n"}) + line + '\n';
     return writeAll(file.get(), whole) && (durable == Durable::No || ::fsync(file.get()) == 0);
+}
+
+std::optional<qint64> freeBytes(const QString& folder)
+{
+    struct statvfs disk = {};
+    QByteArray path = QFile::encodeName(folder);
+    while (::statvfs(path.constData(), &disk) != 0) {
+        const auto end = path.lastIndexOf('/');
+        if (end <= 0) return std::nullopt;
+        path.truncate(end);
+    }
+    return qint64(disk.f_bavail) * qint64(disk.f_frsize);
 }
 
 bool makePrivateFolder(const QString& path)

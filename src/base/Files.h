@@ -87,6 +87,9 @@ bool isPrivate(const QString& path);
 /// when anything failed; a part of the line may then stand there.
 [[nodiscard]] bool appendLine(const QString& path, const QByteArray& line, Durable durable);
 
+/// Bytes that the user may still write on the disk of a folder, or of the nearest one above it that is there.
+std::optional<qint64> freeBytes(const QString& folder);
+
 /// Makes the folder, and those above it that are missing, for the owner alone. \return whether it is there.
 [[nodiscard]] bool makePrivateFolder(const QString& path);
 

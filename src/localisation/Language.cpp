@@ -105,6 +105,23 @@ QString Language::spokenPercent(const QString& language, int percent)
     return numbers::spokenPercent(percent, language);
 }
 
+QString Language::shortDuration(const QString& language, qint64 seconds)
+{
+    const auto part = [&](qint64 count, const char* unit) {
+        return QString::number(count) + QChar{QChar::Nbsp} + text(language, QString::fromLatin1(unit));
+    };
+    if (seconds < 60) return part(seconds, "unit.seconds");
+    const qint64 minutes = seconds / 60;
+    if (minutes < 60) return part(minutes, "unit.minutes");
+    const QString hours = part(minutes / 60, "unit.hours");
+    return minutes % 60 == 0 ? hours : hours + u' ' + part(minutes % 60, "unit.minutes");
+}
+
+QString Language::megabytes(const QString& language, qint64 bytes)
+{
+    return text(language, u"unit.megabytes"_s, QString::number(bytes / 1'000'000));
+}
+
 void Language::install(QQmlEngine& engine) { engine.setProperty(engineProperty, QVariant::fromValue(this)); }
 
 Language* Language::create(QQmlEngine* engine, QJSEngine*)

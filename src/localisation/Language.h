@@ -60,6 +60,10 @@ public:
     /// A running time as it is read out: "17 минут 38 секунд".
     Q_INVOKABLE static QString spokenDuration(const QString& language, double seconds);
 
+    /// As it is written in a line of text: "1 ч 37 мин", of less than a minute "48 с".
+    static QString shortDuration(const QString& language, qint64 seconds);
+    static QString megabytes(const QString& language, qint64 bytes);
+
     /// Hands this object to the views of `engine`, which must not outlive it.
     void install(QQmlEngine& engine);
     static Language* create(QQmlEngine* engine, QJSEngine*);

@@ -32,12 +32,18 @@ void Notifier::recordingChanged(const QString& from, const QString& to)
     const bool ended = from == "recording"_L1;
     if (from == to || (!started && !ended)) return;
 
+    const QString key = started ? u"notify.started"_s : u"notify.finished"_s;
+    announce({.title = m_language.t(key + u".title"_s),
+              .message = m_language.t(key + u".body"_s),
+              .tone = started ? noticeTone::Starting : noticeTone::Passing});
+}
+
+void Notifier::announce(const ToastText& toast)
+{
     if (!m_prefs.get(pref::notifications)) {
         log(u"пропущено: уведомления выключены"_s);
         return;
     }
-    const QString key = started ? u"notify.started"_s : u"notify.finished"_s;
-    const ToastText toast{m_language.t(key + u".title"_s), m_language.t(key + u".body"_s), started};
     m_desktop.askForPeace(&m_asking, [this, toast](bool wanted) {
         if (!wanted) m_show(toast);
         log(wanted ? u"пропущено: не беспокоить"_s : u"показано: "_s + toast.title);

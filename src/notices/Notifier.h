@@ -26,6 +26,9 @@ public:
     /// To be told the status before and after every reading of the state.
     void recordingChanged(const QString& from, const QString& to);
 
+    /// Shows a card unless the user wants none.
+    void announce(const ToastText& toast);
+
     /// Appends a line with the time to the notifications log; a line that cannot be written is lost.
     void log(const QString& text) const;
 

@@ -1,4 +1,5 @@
 import QtQuick
+import Murmeli.Notices
 import Murmeli.Panel
 import Murmeli.Ui
 
@@ -15,9 +16,11 @@ Item {
     property bool closable: false
     property string closeHelp
     property alias action: actionSlot.data
+    property list<noticeAction> actions // below the text
     readonly property bool prominent: body.length > 0
 
     signal dismissed()
+    signal acted(int action)
 
     property real unfolded: shown ? 1 : 0
 
@@ -48,7 +51,7 @@ Item {
             id: glyph
             anchors.left: parent.left
             anchors.leftMargin: Theme.padPanel
-            y: root.closable ? texts.y : (parent.height - height) / 2
+            y: root.closable || buttons.visible ? texts.y : (parent.height - height) / 2
             size: Theme.symbolBanner
             name: root.symbol
             ink: root.ink
@@ -80,6 +83,14 @@ Item {
                 elide: Text.ElideRight
                 text: root.body
                 Accessible.ignored: true
+            }
+            NoticeButtons {
+                id: buttons
+                width: parent.width
+                topPadding: 6
+                visible: root.actions.length > 0
+                actions: root.actions
+                onActed: action => root.acted(action)
             }
         }
         Row {

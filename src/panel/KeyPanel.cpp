@@ -2,6 +2,7 @@
 
 #include "PanelModel.h"
 #include "account/AuthManager.h"
+#include "notices/NoticeBoard.h"
 #include "platform/ClickOutside.h"
 #include "platform/Memory.h"
 #include "platform/WindowSystem.h"
@@ -46,6 +47,7 @@ KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
                           {u"panel"_s, QVariant::fromValue(&parts.panel)},
                           {u"account"_s, QVariant::fromValue(&parts.account)},
                           {u"updater"_s, QVariant::fromValue(&parts.updater)},
+                          {u"board"_s, QVariant::fromValue(&parts.board)},
                           {u"actions"_s, QVariant::fromValue(&m_actions)},
                           {u"floating"_s, floating}});
     connect(&m_actions, &WindowActions::faded, this, &QWindow::hide);

@@ -11,6 +11,7 @@ namespace murmeli {
 class AppState;
 class AuthManager;
 class ClickOutside;
+class NoticeBoard;
 class PanelModel;
 class RecordControl;
 class Updater;
@@ -30,6 +31,7 @@ public:
         PanelModel& panel;
         AuthManager& account;
         Updater& updater;
+        NoticeBoard& board;
     };
 
     KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts);

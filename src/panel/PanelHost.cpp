@@ -138,8 +138,11 @@ void PanelHost::place()
     KeyPanel* panel = floating();
     const PanelPlacement place = placePanel(icon, screen->availableGeometry(), panel->contentSize());
     m_parts.state.setArrowX(place.arrowX);
+    m_shape = place.panel;
     panel->openAt(place.panel, icon, place.above);
 }
+
+QRect PanelHost::shape() const { return m_floating && m_floating->isOpen() ? m_shape : QRect{}; }
 
 void PanelHost::close()
 {

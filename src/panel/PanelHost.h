@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QPoint>
+#include <QRect>
 
 #include <memory>
 
@@ -35,6 +36,7 @@ public:
     void openOrdinary();
     void raise(); ///< over what has come meanwhile
     [[nodiscard]] bool isOpen() const;
+    [[nodiscard]] QRect shape() const; ///< of the open floating panel on the screen; empty when there is none
 
 signals:
     void activated(); ///< the floating panel has the keyboard
@@ -54,6 +56,7 @@ private:
     std::unique_ptr<KeyPanel> m_floating;
     std::unique_ptr<KeyPanel> m_window; ///< where there is no tray
     double m_closedFromOutside = 0;     ///< when, in seconds since 1970
+    QRect m_shape;
     QPoint m_pressedAt; ///< where the pointer last pressed the icon, on desktops that keep its place to
                         ///< themselves
 };

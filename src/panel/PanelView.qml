@@ -3,6 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Window
 import Murmeli.Account
 import Murmeli.Localisation
+import Murmeli.Notices
 import Murmeli.Panel
 import Murmeli.Service
 import Murmeli.Ui
@@ -17,6 +18,7 @@ Item {
     required property PanelModel panel
     required property AuthManager account
     required property Updater updater
+    required property NoticeBoard board
     required property WindowActions actions
     property bool floating: true
     property bool open: false
@@ -150,6 +152,15 @@ Item {
                         closable: true
                         closeHelp: L.t("panel.auth.dismiss")
                         onDismissed: root.appState.dismissAuthBanner()
+                    }
+                    Repeater {
+                        model: root.board.notices.length
+                        delegate: NoticeBanner {
+                            required property int index
+                            Layout.fillWidth: true
+                            board: root.board
+                            kind: index
+                        }
                     }
                     Banner {
                         Layout.fillWidth: true

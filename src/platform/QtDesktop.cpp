@@ -1,5 +1,7 @@
 #include "QtDesktop.h"
 
+#include "base/Files.h"
+
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QDir>
@@ -134,5 +136,7 @@ void QtDesktop::askWhereToSave(const FileQuestion& question, QWindow* window, QO
 }
 
 QStringList QtDesktop::preferredLanguages() const { return QLocale::system().uiLanguages(); }
+
+std::optional<qint64> QtDesktop::freeBytes(const QString& folder) const { return files::freeBytes(folder); }
 
 } // namespace murmeli

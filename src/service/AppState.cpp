@@ -63,6 +63,7 @@ void AppState::read(int rereads)
         return;
     }
 
+    m_reading = {file, bytes ? qHash(*bytes) : 0};
     Snapshot snapshot;
     if (bytes && !object && std::abs(files::nsSinceWritten(file)) < restlessTime) {
         // It is at it all the time: what was known is nearer to the truth than "idle".

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Paths.h"
+#include "base/Files.h"
 #include "base/Lease.h"
 
 #include <QObject>
@@ -46,6 +47,13 @@ public:
     [[nodiscard]] QString authTitle() const { return m_shown.authTitle; }
     [[nodiscard]] QString authBody() const { return m_shown.authBody; }
     [[nodiscard]] bool welcome() const { return m_welcome; }
+
+    /// What stood in the state file at the last reading.
+    struct Reading {
+        files::Identity file;
+        size_t content = 0; ///< equal for equal bytes
+    };
+    [[nodiscard]] const Reading& reading() const { return m_reading; }
     [[nodiscard]] double arrowX() const { return m_arrowX; }
 
     /// Reads the files now; what they hold is published from the event loop.
@@ -90,6 +98,7 @@ private:
     Paths m_paths;
     Scheduler& m_scheduler;
     Snapshot m_shown;
+    Reading m_reading;
     bool m_welcome = false;
     double m_arrowX = 170;
     Lease m_rereading;

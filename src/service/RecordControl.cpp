@@ -31,7 +31,17 @@ void RecordControl::toggle()
     const bool written = commandFile::write(
         m_commandFile, stop ? commandFile::Action::Stop : commandFile::Action::Start, m_scheduler.now());
     set(!written ? Pending::None : stop ? Pending::Stopping : Pending::Starting, !written);
-    m_scheduler.after(answerTime, m_patience.renew(), [this] { set(Pending::None); });
+    m_request = written ? files::identity(m_commandFile) : files::Identity{};
+    m_scheduler.after(answerTime, m_patience.renew(), [this] {
+        const Pending request = m_pending;
+        set(Pending::None);
+        if (request != Pending::None) emit unanswered(request);
+    });
+}
+
+bool RecordControl::requestLies() const
+{
+    return m_request.size >= 0 && files::identity(m_commandFile) == m_request;
 }
 
 void RecordControl::set(Pending pending, bool refused)

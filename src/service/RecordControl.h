@@ -35,8 +35,13 @@ public:
     /// given up after 12 s. For as long a request counts as refused that could not be written.
     Q_INVOKABLE void toggle();
 
+    /// Whether the last request that was written still lies where the service takes requests from.
+    [[nodiscard]] bool requestLies() const;
+
 signals:
     void pendingChanged();
+    /// The service has not done in time what it was asked for; nothing is awaited any more.
+    void unanswered(murmeli::RecordControl::Pending request);
 
 private:
     void set(Pending pending, bool refused = false);
@@ -46,7 +51,8 @@ private:
     Scheduler& m_scheduler;
     Pending m_pending = Pending::None;
     bool m_refused = false;
-    Lease m_patience; ///< with the latest request
+    files::Identity m_request; ///< the file of the latest one
+    Lease m_patience;          ///< with it
 };
 
 } // namespace murmeli

@@ -206,6 +206,7 @@ QtObject {
 
     readonly property int toastWidth: grown(330)
     readonly property int toastHeight: grown(74)
+    readonly property int cardHeight: grown(112) // with buttons
     readonly property int toastDisc: 42
     readonly property int toastMargin: 12 // to the screen's edge
     readonly property int toastGap: 8
@@ -297,4 +298,10 @@ QtObject {
     readonly property color toastStartTo: "#EA4579"
     readonly property color toastEndFrom: "#27BFE4"
     readonly property color toastEndTo: "#3B6FEF"
+    readonly property color toastWarnFrom: "#F472B6"
+    readonly property color toastWarnTo: "#B3246F"
+    readonly property color toastFailFrom: "#FF7A6B"
+    readonly property color toastFailTo: "#C9283A"
+    readonly property color toastGoodFrom: "#34D999"
+    readonly property color toastGoodTo: "#0B7A52"
 }

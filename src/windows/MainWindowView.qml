@@ -3,6 +3,7 @@ import QtQuick.Window
 import Murmeli.Detail
 import Murmeli.Glossary
 import Murmeli.Meetings
+import Murmeli.Notices
 import Murmeli.Service
 import Murmeli.Settings
 import Murmeli.Ui
@@ -15,6 +16,7 @@ Rectangle {
     required property MainModel model
     required property AppState appState
     required property RecordControl record
+    required property NoticeBoard board
     readonly property bool onMeetings: model.tab === MainModel.Meetings
     readonly property bool onAssistant: model.tab === MainModel.Assistant
     readonly property bool onSettings: model.tab === MainModel.Settings
@@ -55,6 +57,7 @@ Rectangle {
         model: root.model
         appState: root.appState
         record: root.record
+        board: root.board
     }
     Item {
         id: content

@@ -3,6 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Localisation
+import Murmeli.Notices
 import Murmeli.Service
 import Murmeli.Ui
 import Murmeli.Windows
@@ -14,6 +15,7 @@ Rectangle {
     required property MainModel model
     required property AppState appState
     required property RecordControl record
+    required property NoticeBoard board
     readonly property var tabs: [
         { tab: MainModel.Meetings, symbol: "calendar", key: "tab.meetings" },
         { tab: MainModel.Assistant, symbol: "brain", key: "tab.assistant" },
@@ -72,11 +74,11 @@ Rectangle {
         }
         Label {
             width: parent.width
-            visible: root.record.refused
+            visible: text.length > 0
             type: Theme.caption
-            color: Theme.inkRed
+            color: root.record.refused || root.board.lineFails ? Theme.inkRed : Theme.inkPink
             wrapMode: Text.Wrap
-            text: L.t("record.refused")
+            text: root.record.refused ? L.t("record.refused") : root.board.line
             Accessible.role: Accessible.AlertMessage
         }
     }

@@ -71,3 +71,22 @@ class Toasts(JourneyTest):
         self.assertGreater(toast.extents.bottom, orb.extents.y, "the toast lies over the panel")
         session.screen.click(toast.extents.middle[0], orb.extents.y + 30)
         wait_for(session.command_file.exists, "the press to reach the orb below the toast")
+
+
+class Pulse(JourneyTest):
+    def test_a_service_that_does_not_start_is_told_and_asked_again_from_the_card(self):
+        session = self.open_session(engine=["--fault", "deaf"])
+        session.open_panel()
+        session.press("push button", "Начать запись")
+        wait_for(session.command_file.exists, "the request")
+        asked = session.command_file.read_bytes()
+        told = "Запись не началась. Служба не ответила за 12 секунд"
+        session.tree.wait("alert message", told, 16)
+        wait_for(lambda: len(session.tree.all("alert message", told)) == 2, "the banner and its card")
+        [card] = [node for node in session.tree.all("alert message", told) if node.extents.width == 330]
+        self.assertEqual(card.extents.height, 112)
+        [again] = [node for node in session.tree.all("push button", "Попробовать ещё")
+                   if card.extents.contains(node.extents)]
+        session.screen.click(*again.extents.middle)
+        wait_for(lambda: session.command_file.read_bytes() != asked, "the press on the card to ask again")
+        session.tree.wait_gone("alert message", told)

@@ -21,6 +21,9 @@ public:
     /// Moves the clock on, running in order what falls due on the way, also what is added meanwhile.
     void advance(Milliseconds time);
 
+    /// The computer sleeps: the clock moves on, and nothing runs.
+    void sleep(Milliseconds time) { m_start += double(time.count()) / 1000; }
+
     /// How many times something would run within the next `time`, were nothing added or removed.
     [[nodiscard]] int wakeUpsWithin(Milliseconds time) const;
 

@@ -51,6 +51,20 @@ struct TestProgram {
     }
     void serviceSays(const QByteArray& status) { serviceWrites("{\"status\":\"" + status + "\"}"); }
 
+    /// The service writes the same again, so many times and so often, as its files then tell.
+    void serviceBeats(int times, double seconds)
+    {
+        QFile file{paths.stateFile};
+        for (int i = 0; i < times; ++i) {
+            scheduler.advance(std::chrono::milliseconds{qint64(seconds * 1000)});
+            if (!file.open(QIODevice::ReadWrite)) qFatal("There is no state to be written again");
+            file.setFileTime(scheduler.moment(), QFileDevice::FileModificationTime);
+            file.close();
+            state.load();
+            scheduler.advance(std::chrono::milliseconds{0});
+        }
+    }
+
     /// The engine's part, in a shell instead of its own language.
     void installScript(const QString& script, const QByteArray& text) const
     {
@@ -116,7 +130,9 @@ struct TestProgram {
 private:
     static Paths pathsIn(const QString& home)
     {
-        Paths paths{home};
+        Paths paths{home,
+                    {home + QStringLiteral("/own/data"), home + QStringLiteral("/own/cache"),
+                     home + QStringLiteral("/own/config")}};
         paths.agentLoader = home + QStringLiteral("/launchctl");
         return paths;
     }

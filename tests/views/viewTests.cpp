@@ -21,6 +21,7 @@ class Fixture : public QObject {
     Q_PROPERTY(QObject* panel READ panel CONSTANT)
     Q_PROPERTY(QObject* account READ account CONSTANT)
     Q_PROPERTY(QObject* updater READ updater CONSTANT)
+    Q_PROPERTY(QObject* board READ board CONSTANT)
     Q_PROPERTY(QObject* settings READ settings CONSTANT)
     Q_PROPERTY(murmeli::MainModel* library READ library NOTIFY libraryChanged)
 
@@ -33,6 +34,7 @@ public:
     [[nodiscard]] QObject* panel() { return &m.panel; }
     [[nodiscard]] QObject* account() { return &m.account; }
     [[nodiscard]] QObject* updater() { return &m.updater; }
+    [[nodiscard]] QObject* board() { return &m.program.board; }
     [[nodiscard]] QObject* settings() { return &m.settings; }
     [[nodiscard]] MainModel* library() { return m_library.get(); }
 
@@ -51,6 +53,7 @@ public:
         m.panel.setHoverOrb(false);
         m.look.setReducedMotion(true);
         advance(13'000);
+        m.program.pulse.dismissTrouble();
     }
     Q_INVOKABLE void advance(int milliseconds)
     {

@@ -198,7 +198,8 @@ bool shoot(const MainShot& shot, const Frame& frame)
                      {.url = u"qrc:/qt/qml/Murmeli/Windows/MainWindowView.qml"_s,
                       .properties = {{u"model"_s, QVariant::fromValue(&model)},
                                      {u"appState"_s, QVariant::fromValue(&m.state)},
-                                     {u"record"_s, QVariant::fromValue(&m.record)}},
+                                     {u"record"_s, QVariant::fromValue(&m.record)},
+                                     {u"board"_s, QVariant::fromValue(&m.program.board)}},
                       .titleKey = u"meetings.title"_s,
                       .size = {980, shot.height}}};
     window.present();

@@ -27,6 +27,11 @@ struct PanelShot {
     bool update = false;
     bool installing = false;
     bool focus = false;
+    bool silent = false;                         ///< the service has stopped writing
+    bool unanswered = false;                     ///< it did not do what it was asked for
+    std::optional<qint64> free = 84'000'000'000; ///< bytes on the disk
+    bool engine = true;                          ///< is installed
+    QByteArray permissions = {};                 ///< what the recorder says of them
 };
 
 QList<PanelShot> panelShots()
@@ -80,6 +85,22 @@ QList<PanelShot> panelShots()
          .signingIn = true,
          .refused = true},
         {.name = u"signed-out"_s, .state = R"({"status":"idle"})"},
+        {.name = u"pulse-silent"_s, .state = idle, .signedIn = true, .silent = true},
+        {.name = u"pulse-not-installed"_s,
+         .state = idle,
+         .signedIn = true,
+         .unanswered = true,
+         .engine = false},
+        {.name = u"pulse-denied"_s,
+         .state = idle,
+         .signedIn = true,
+         .unanswered = true,
+         .permissions = R"({"microphone":"denied","screen":true})"},
+        {.name = u"pulse-disk"_s, .state = idle, .signedIn = true, .unanswered = true, .free = 320'000'000},
+        {.name = u"pulse-not-started"_s, .state = idle, .signedIn = true, .silent = true, .unanswered = true},
+        {.name = u"pulse-busy"_s, .state = processing, .signedIn = true, .unanswered = true},
+        {.name = u"pulse-not-stopped"_s, .state = recording, .signedIn = true, .unanswered = true},
+        {.name = u"pulse-disk-recording"_s, .state = recording, .signedIn = true, .free = 320'000'000},
     };
 }
 
@@ -107,8 +128,25 @@ bool shoot(const PanelShot& shot, const Frame& frame)
     m.write(m.paths.stateFile, shot.state);
     m.scheduler.advance(1500ms);
     if (shot.greet) m.state.greet();
+    m.desktop.free = shot.free;
+    if (shot.engine) m.installScript(m.paths.recorderScript, "echo '" + shot.permissions + "'");
+    if (shot.silent) {
+        m.serviceBeats(10, 2);
+        m.scheduler.advance(48s);
+    }
+    if (shot.unanswered) {
+        m.record.toggle();
+        m.scheduler.advance(12s);
+        settle(200);
+    }
+    if (shot.free) {
+        m.scheduler.advance(30s);
+        settle(100);
+    }
 
-    KeyPanel window{engine, KeyPanel::Kind::Floating, {m.state, m.record, m.panel, m.account, m.updater}};
+    KeyPanel window{engine,
+                    KeyPanel::Kind::Floating,
+                    {m.state, m.record, m.panel, m.account, m.updater, m.program.board}};
     window.setColor(frame.dark ? QColor{0x23, 0x24, 0x2c} : QColor{0xd9, 0xda, 0xe1}); // the desk
     window.openAt({QPoint{100, 100}, window.contentSize()});
     settle(100);
@@ -148,14 +186,15 @@ bool shootToasts(const Frame& frame, const QString& only)
         m.install(engine);
         const QString key = starting ? u"notify.started"_s : u"notify.finished"_s;
         QQmlComponent component{&engine, QUrl{u"qrc:/qt/qml/Murmeli/Notices/Toast.qml"_s}};
-        const std::unique_ptr<QObject> toast{
-            component.createWithInitialProperties({{u"available"_s, QRectF{0, 0, 500, 300}},
-                                                   {u"others"_s, 0},
-                                                   {u"cardTitle"_s, m.language.t(key + u".title"_s)},
-                                                   {u"message"_s, m.language.t(key + u".body"_s)},
-                                                   {u"starting"_s, starting},
-                                                   {u"symbol"_s, u"waveform"_s},
-                                                   {u"shown"_s, true}})};
+        const std::unique_ptr<QObject> toast{component.createWithInitialProperties(
+            {{u"available"_s, QRectF{0, 0, 500, 300}},
+             {u"above"_s, 0},
+             {u"cardTitle"_s, m.language.t(key + u".title"_s)},
+             {u"message"_s, m.language.t(key + u".body"_s)},
+             {u"tone"_s, starting ? noticeTone::Starting : noticeTone::Passing},
+             {u"symbol"_s, u"waveform"_s},
+             {u"actions"_s, QVariant::fromValue(QList<NoticeAction>{})},
+             {u"shown"_s, true}})};
         auto* window = qobject_cast<QQuickWindow*>(toast.get());
         if (!window) return false;
         window->setColor(frame.dark ? QColor{0x23, 0x24, 0x2c} : QColor{0xd9, 0xda, 0xe1});

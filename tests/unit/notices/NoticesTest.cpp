@@ -27,7 +27,7 @@ private slots:
                              engine.addImportPath(u"qrc:/qt/qml"_s);
                              look.install(engine);
                          }};
-        ToastCenter toasts{views, scheduler, [&] { return screen; }};
+        ToastCenter toasts{views, scheduler, [&](const ToastText&) { return screen; }};
         toasts.show({u"a"_s, {}});
         QCOMPARE(toasts.count(), 0); // there is no screen to show it on
 
@@ -51,7 +51,8 @@ private:
         QStringList cards;
         for (const QWindow* window : QGuiApplication::topLevelWindows()) {
             if (window->isVisible())
-                cards.append(u"%1 %2"_s.arg(window->title()).arg(window->property("others").toInt()));
+                cards.append(
+                    u"%1 %2"_s.arg(window->title()).arg(qRound(window->property("above").toDouble() / 82)));
         }
         cards.sort();
         return cards;

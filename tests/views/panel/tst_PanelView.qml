@@ -18,6 +18,7 @@ ViewCase {
             panel: fixture.panel
             account: fixture.account
             updater: fixture.updater
+            board: fixture.board
             actions: WindowActions { }
             open: true
         }

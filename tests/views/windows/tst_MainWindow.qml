@@ -15,6 +15,7 @@ ViewCase {
             model: fixture.library
             appState: fixture.appState
             record: fixture.record
+            board: fixture.board
         }
     }
 

@@ -1,0 +1,167 @@
+#include "NoticeBoard.h"
+
+#include "Pulse.h"
+#include "base/Dates.h"
+#include "localisation/Language.h"
+#include "platform/Desktop.h"
+#include "service/Paths.h"
+#include "service/RecordControl.h"
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+NoticeBoard::NoticeBoard(const Ground& ground, QObject* parent) : QObject(parent), m_ground(ground)
+{
+    connect(&ground.pulse, &Pulse::changed, this, &NoticeBoard::changed);
+    connect(&ground.language, &Language::changed, this, &NoticeBoard::changed);
+}
+
+QList<Notice> NoticeBoard::notices() const
+{
+    QList<Notice> notices;
+    for (int kind = 0; kind < noticeKind::count; ++kind)
+        notices.append(notice(kind));
+    return notices;
+}
+
+Notice NoticeBoard::notice(int kind) const
+{
+    switch (kind) {
+    case noticeKind::Trouble:
+        return trouble();
+    case noticeKind::Disk:
+        return disk();
+    default:
+        return {};
+    }
+}
+
+NoticeAction NoticeBoard::action(NoticeAction::Action action, const char* key, bool first) const
+{
+    NoticeAction button;
+    button.action = action;
+    button.text = m_ground.language.t(QString::fromLatin1(key));
+    button.first = first;
+    return button;
+}
+
+Notice NoticeBoard::trouble() const
+{
+    const Pulse& pulse = m_ground.pulse;
+    const Language& language = m_ground.language;
+    Notice notice;
+    const auto kind = pulse.trouble();
+    if (kind == Pulse::Trouble::None) return notice;
+    notice.shown = true;
+    if (kind == Pulse::Trouble::Silent) {
+        notice.symbol = u"pulse"_s;
+        notice.title = language.t(u"pulse.silent"_s);
+        notice.body = language.t(u"pulse.silent.body"_s,
+                                 Language::shortDuration(language.current(), pulse.secondsQuiet()));
+        notice.actions = {action(NoticeAction::ShowLog, "notice.log"),
+                          action(NoticeAction::ShowPermissions, "notice.permissions")};
+        return notice;
+    }
+    notice.tone = noticeTone::Failure;
+    notice.symbol = u"exclamationmark.triangle"_s;
+    notice.title =
+        language.t(kind == Pulse::Trouble::NotStarted ? u"pulse.not_started"_s : u"pulse.not_stopped"_s);
+    notice.closable = true;
+    notice.actions = {action(NoticeAction::TryAgain, "notice.try_again", true)};
+    const auto because = [&](const char* key, const QString& argument = {}) {
+        notice.body = language.t(QString::fromLatin1(key), argument);
+    };
+    switch (pulse.reason()) {
+    case Pulse::Reason::NotInstalled:
+        because("pulse.reason.not_installed");
+        notice.actions = {action(NoticeAction::Install, "notice.install", true),
+                          action(NoticeAction::TryAgain, "notice.try_again")};
+        return notice;
+    case Pulse::Reason::Denied:
+        because("pulse.reason.denied", PermissionsModel::names(pulse.deniedKeys(), language.current()));
+        notice.actions += action(NoticeAction::ShowPermissions, "notice.permissions");
+        return notice;
+    case Pulse::Reason::DiskFull:
+        because("pulse.reason.disk", Language::megabytes(language.current(), pulse.freeBytes().value_or(0)));
+        notice.actions += action(NoticeAction::ShowRecordings, "notice.recordings");
+        return notice;
+    case Pulse::Reason::Busy:
+        because("pulse.reason.busy");
+        return notice;
+    case Pulse::Reason::Silent:
+        because("pulse.reason.silent",
+                dates::bySkeleton(QDateTime::fromMSecsSinceEpoch(qint64(pulse.lastWritten() * 1000)),
+                                  language.current(), u"Hm"_s));
+        break;
+    case Pulse::Reason::NotTaken:
+        because("pulse.reason.not_taken");
+        break;
+    case Pulse::Reason::NoAnswer:
+        because("pulse.reason.no_answer");
+        break;
+    }
+    notice.actions += action(NoticeAction::ShowLog, "notice.log");
+    return notice;
+}
+
+Notice NoticeBoard::disk() const
+{
+    Notice notice;
+    notice.shown = m_ground.pulse.diskRunsOut();
+    if (!notice.shown) return notice;
+    const Language& language = m_ground.language;
+    notice.symbol = u"exclamationmark.triangle"_s;
+    notice.title =
+        language.t(u"pulse.reason.disk"_s,
+                   Language::megabytes(language.current(), m_ground.pulse.freeBytes().value_or(0)));
+    notice.body = language.t(u"pulse.disk.body"_s);
+    notice.actions = {action(NoticeAction::ShowRecordings, "notice.recordings")};
+    notice.closable = true;
+    return notice;
+}
+
+QString NoticeBoard::line() const
+{
+    const Notice now = trouble();
+    if (!now.shown) return {};
+    return lineFails() ? now.title + u". "_s + now.body : now.title;
+}
+
+bool NoticeBoard::lineFails() const
+{
+    const auto kind = m_ground.pulse.trouble();
+    return kind == Pulse::Trouble::NotStarted || kind == Pulse::Trouble::NotStopped;
+}
+
+void NoticeBoard::act(int kind, int action)
+{
+    if (!notice(kind).shown) return; // a card may outlive what it says
+    switch (action) {
+    case NoticeAction::TryAgain:
+        return m_ground.record.toggle();
+    case NoticeAction::Install:
+        emit installRequested();
+        return;
+    case NoticeAction::ShowPermissions:
+        emit permissionsRequested();
+        return;
+    case NoticeAction::ShowRecordings:
+        m_ground.desktop.openFolder(m_ground.paths.recordings);
+        break;
+    case NoticeAction::ShowLog:
+        m_ground.desktop.openFolder(m_ground.paths.logs);
+        break;
+    default:
+        return;
+    }
+    emit folderOpened();
+}
+
+void NoticeBoard::dismiss(int kind)
+{
+    if (kind == noticeKind::Trouble) m_ground.pulse.dismissTrouble();
+    if (kind == noticeKind::Disk) m_ground.pulse.dismissDisk();
+}
+
+} // namespace murmeli

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Notice.h"
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+namespace murmeli {
+
+class Desktop;
+class Language;
+struct Paths;
+class Pulse;
+class RecordControl;
+
+/// What stands at the top of the panel about the service, and what its buttons do. The words are made when
+/// somebody looks. Main thread only.
+class NoticeBoard final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made once and handed to each view")
+    Q_PROPERTY(QList<murmeli::Notice> notices READ notices NOTIFY changed FINAL) ///< by their NoticeKind
+    Q_PROPERTY(
+        QString line READ line NOTIFY changed FINAL) ///< the trouble in a line; empty when there is none
+    Q_PROPERTY(bool lineFails READ lineFails NOTIFY changed FINAL) ///< and it is a failure
+
+public:
+    /// What it stands among; all of it outlives the object.
+    struct Ground {
+        const Paths& paths;
+        Pulse& pulse;
+        RecordControl& record;
+        const Language& language;
+        Desktop& desktop;
+    };
+
+    explicit NoticeBoard(const Ground& ground, QObject* parent = nullptr);
+
+    [[nodiscard]] QList<Notice> notices() const;
+    [[nodiscard]] Notice notice(int kind) const; ///< a NoticeKind
+    [[nodiscard]] QString line() const;
+    [[nodiscard]] bool lineFails() const;
+
+    Q_INVOKABLE void act(int kind, int action); ///< a NoticeAction::Action
+    Q_INVOKABLE void dismiss(int kind);
+
+signals:
+    void changed();
+    void installRequested();
+    void permissionsRequested();
+    void folderOpened(); ///< in a window of its own
+
+private:
+    [[nodiscard]] Notice trouble() const;
+    [[nodiscard]] Notice disk() const;
+    [[nodiscard]] NoticeAction action(NoticeAction::Action action, const char* key, bool first = false) const;
+
+    Ground m_ground;
+};
+
+} // namespace murmeli
