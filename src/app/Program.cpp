@@ -3,6 +3,8 @@
 #include "base/Scheduler.h"
 #include "platform/Desktop.h"
 
+#include <QFileInfo>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -15,6 +17,7 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
     : QObject(parent),
       paths(where),
       prefs(paths.prefsFile, outside.desktop.stateFolder() + u"/prefs.json"_s),
+      own(paths),
       language(prefs, [desktop = &outside.desktop] { return desktop->preferredLanguages(); }),
       state(paths, outside.scheduler),
       record(paths, state, outside.scheduler),
@@ -30,6 +33,7 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
               [this] { return !state.isRecording() && !(m_setup && m_setup->runner()->isRunning()); }),
       settings({.paths = paths,
                 .prefs = prefs,
+                .own = own,
                 .state = state,
                 .account = account,
                 .updater = updater,
@@ -46,8 +50,10 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
              .desktop = outside.desktop,
              .scheduler = outside.scheduler,
              .settingUp = [this] { return m_setup != nullptr; }}),
+      longRecording(state, prefs, own, outside.scheduler),
       board({.paths = paths,
              .pulse = pulse,
+             .longRecording = longRecording,
              .record = record,
              .language = language,
              .desktop = outside.desktop}),
@@ -82,6 +88,8 @@ void Program::connectState()
                           .symbol = u"exclamationmark.triangle"_s});
     };
     connect(&settings, &SettingsModel::notStored, this, sayWhy);
+    connect(&own, &OwnSettings::notStored, this,
+            [this](OwnWritten why) { sayNotWritten(why, paths.ownConfig + u"/settings.json"_s); });
     connect(&panel, &PanelModel::notStored, this, sayWhy);
 }
 
@@ -100,17 +108,26 @@ void Program::connectNotices()
 {
     connect(&pulse, &Pulse::unanswered, this, [this] { announce(noticeKind::Trouble); });
     connect(&pulse, &Pulse::diskRanLow, this, [this] { announce(noticeKind::Disk); });
+    connect(&longRecording, &LongRecording::asked, this, [this] { announce(noticeKind::Forgotten); });
     connect(&board, &NoticeBoard::permissionsRequested, &panel, &PanelModel::settingsRequested);
     connect(&board, &NoticeBoard::installRequested, this, [this] {
         if (!m_setup) beginSetup();
     });
 }
 
+void Program::sayNotWritten(OwnWritten why, const QString& file)
+{
+    const QString key = why == OwnWritten::Unreadable ? u"own.unreadable"_s : u"own.failed"_s;
+    emit toastWanted({.title = u"Murmeli"_s,
+                      .message = language.t(key, QFileInfo{file}.fileName()),
+                      .symbol = u"exclamationmark.triangle"_s});
+}
+
 void Program::announce(noticeKind::NoticeKind kind)
 {
     const Notice notice = board.notice(kind);
     notifier.announce({.title = notice.title,
-                       .message = notice.body,
+                       .message = notice.brief.isEmpty() ? notice.body : notice.brief,
                        .tone = notice.tone,
                        .symbol = notice.symbol,
                        .actions = notice.actions,

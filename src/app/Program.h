@@ -3,6 +3,7 @@
 #include "account/AuthManager.h"
 #include "glossary/GlossaryStore.h"
 #include "localisation/Language.h"
+#include "notices/LongRecording.h"
 #include "notices/NoticeBoard.h"
 #include "notices/Notifier.h"
 #include "notices/Pulse.h"
@@ -10,6 +11,7 @@
 #include "platform/Installation.h"
 #include "service/AppInfo.h"
 #include "service/AppState.h"
+#include "service/OwnSettings.h"
 #include "service/Paths.h"
 #include "service/Prefs.h"
 #include "service/RecordControl.h"
@@ -75,6 +77,7 @@ public:
 
     const Paths paths;
     Prefs prefs;
+    OwnSettings own;
     Language language;
     AppState state;
     RecordControl record;
@@ -85,6 +88,7 @@ public:
     GlossaryStore glossary;
     Notifier notifier;
     Pulse pulse;
+    LongRecording longRecording;
     NoticeBoard board;
     QuitQuestion quitQuestion;
 
@@ -102,6 +106,7 @@ private:
     void connectState();
     void connectPanel();
     void connectNotices();
+    void sayNotWritten(OwnWritten why, const QString& file);
     void announce(noticeKind::NoticeKind kind);
     void beginSetup();
     void finishSetup();

@@ -117,9 +117,12 @@ QString Language::shortDuration(const QString& language, qint64 seconds)
     return minutes % 60 == 0 ? hours : hours + u' ' + part(minutes % 60, "unit.minutes");
 }
 
-QString Language::megabytes(const QString& language, qint64 bytes)
+QString Language::size(const QString& language, qint64 bytes)
 {
-    return text(language, u"unit.megabytes"_s, QString::number(bytes / 1'000'000));
+    constexpr qint64 kilobyte = 1000, megabyte = 1000 * kilobyte;
+    return bytes < megabyte
+               ? text(language, u"unit.kilobytes"_s, QString::number((bytes + kilobyte - 1) / kilobyte))
+               : text(language, u"unit.megabytes"_s, QString::number(bytes / megabyte));
 }
 
 void Language::install(QQmlEngine& engine) { engine.setProperty(engineProperty, QVariant::fromValue(this)); }

@@ -62,7 +62,8 @@ public:
 
     /// As it is written in a line of text: "1 ч 37 мин", of less than a minute "48 с".
     static QString shortDuration(const QString& language, qint64 seconds);
-    static QString megabytes(const QString& language, qint64 bytes);
+    /// Of a file or a disk, as "320 МБ", of less than a megabyte "12 КБ".
+    static QString size(const QString& language, qint64 bytes);
 
     /// Hands this object to the views of `engine`, which must not outlive it.
     void install(QQmlEngine& engine);

@@ -11,9 +11,9 @@ namespace noticeKind {
 Q_NAMESPACE
 QML_NAMED_ELEMENT(NoticeKind)
 /// What the program says of the service unasked, in the order in which it stands in the panel.
-enum NoticeKind { Trouble, Disk };
+enum NoticeKind { Trouble, Disk, Forgotten };
 Q_ENUM_NS(NoticeKind)
-inline constexpr int count = Disk + 1;
+inline constexpr int count = Forgotten + 1;
 } // namespace noticeKind
 
 namespace noticeTone {
@@ -32,7 +32,7 @@ class NoticeAction {
     Q_PROPERTY(bool first MEMBER first FINAL)
 
 public:
-    enum Action { TryAgain, Install, ShowPermissions, ShowRecordings, ShowLog };
+    enum Action { TryAgain, Install, ShowPermissions, ShowRecordings, ShowLog, Stop, GoOn };
     int action = TryAgain;
     QString text;
     bool first = false; ///< what most will want
@@ -57,6 +57,7 @@ public:
     QString symbol;
     QString title;
     QString body;
+    QString brief; ///< what a card has room for; empty: all of the body
     QList<NoticeAction> actions;
     bool closable = false;
     bool operator==(const Notice&) const = default;

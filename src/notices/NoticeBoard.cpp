@@ -1,5 +1,6 @@
 #include "NoticeBoard.h"
 
+#include "LongRecording.h"
 #include "Pulse.h"
 #include "base/Dates.h"
 #include "localisation/Language.h"
@@ -14,6 +15,7 @@ namespace murmeli {
 NoticeBoard::NoticeBoard(const Ground& ground, QObject* parent) : QObject(parent), m_ground(ground)
 {
     connect(&ground.pulse, &Pulse::changed, this, &NoticeBoard::changed);
+    connect(&ground.longRecording, &LongRecording::changed, this, &NoticeBoard::changed);
     connect(&ground.language, &Language::changed, this, &NoticeBoard::changed);
 }
 
@@ -32,6 +34,8 @@ Notice NoticeBoard::notice(int kind) const
         return trouble();
     case noticeKind::Disk:
         return disk();
+    case noticeKind::Forgotten:
+        return forgotten();
     default:
         return {};
     }
@@ -83,7 +87,7 @@ Notice NoticeBoard::trouble() const
         notice.actions += action(NoticeAction::ShowPermissions, "notice.permissions");
         return notice;
     case Pulse::Reason::DiskFull:
-        because("pulse.reason.disk", Language::megabytes(language.current(), pulse.freeBytes().value_or(0)));
+        because("pulse.reason.disk", Language::size(language.current(), pulse.freeBytes().value_or(0)));
         notice.actions += action(NoticeAction::ShowRecordings, "notice.recordings");
         return notice;
     case Pulse::Reason::Busy:
@@ -112,12 +116,31 @@ Notice NoticeBoard::disk() const
     if (!notice.shown) return notice;
     const Language& language = m_ground.language;
     notice.symbol = u"exclamationmark.triangle"_s;
-    notice.title =
-        language.t(u"pulse.reason.disk"_s,
-                   Language::megabytes(language.current(), m_ground.pulse.freeBytes().value_or(0)));
+    notice.title = language.t(u"pulse.reason.disk"_s,
+                              Language::size(language.current(), m_ground.pulse.freeBytes().value_or(0)));
     notice.body = language.t(u"pulse.disk.body"_s);
     notice.actions = {action(NoticeAction::ShowRecordings, "notice.recordings")};
     notice.closable = true;
+    return notice;
+}
+
+Notice NoticeBoard::forgotten() const
+{
+    const LongRecording& recording = m_ground.longRecording;
+    Notice notice;
+    notice.shown = recording.isAsking();
+    if (!notice.shown) return notice;
+    const Language& language = m_ground.language;
+    notice.symbol = u"timer"_s;
+    notice.title =
+        language.t(u"forgotten.title"_s, Language::shortDuration(language.current(), recording.seconds()));
+    notice.brief = language.t(u"forgotten.body"_s);
+    notice.body = notice.brief;
+    if (const auto left = recording.secondsLeft())
+        notice.body +=
+            u' ' + language.t(u"forgotten.stops"_s, Language::shortDuration(language.current(), *left));
+    notice.actions = {action(NoticeAction::Stop, "forgotten.stop", true),
+                      action(NoticeAction::GoOn, "forgotten.go_on")};
     return notice;
 }
 
@@ -140,6 +163,10 @@ void NoticeBoard::act(int kind, int action)
     switch (action) {
     case NoticeAction::TryAgain:
         return m_ground.record.toggle();
+    case NoticeAction::Stop:
+        return m_ground.record.toggle();
+    case NoticeAction::GoOn:
+        return m_ground.longRecording.goOn();
     case NoticeAction::Install:
         emit installRequested();
         return;

@@ -9,6 +9,7 @@ namespace murmeli {
 
 class Desktop;
 class Language;
+class LongRecording;
 struct Paths;
 class Pulse;
 class RecordControl;
@@ -29,6 +30,7 @@ public:
     struct Ground {
         const Paths& paths;
         Pulse& pulse;
+        LongRecording& longRecording;
         RecordControl& record;
         const Language& language;
         Desktop& desktop;
@@ -53,6 +55,7 @@ signals:
 private:
     [[nodiscard]] Notice trouble() const;
     [[nodiscard]] Notice disk() const;
+    [[nodiscard]] Notice forgotten() const;
     [[nodiscard]] NoticeAction action(NoticeAction::Action action, const char* key, bool first = false) const;
 
     Ground m_ground;

@@ -153,6 +153,8 @@ Item {
                         closeHelp: L.t("panel.auth.dismiss")
                         onDismissed: root.appState.dismissAuthBanner()
                     }
+                    // Bound as a whole, the file could not have its loaders.
+                    // qmllint disable unqualified
                     Repeater {
                         model: root.board.notices.length
                         delegate: NoticeBanner {
@@ -162,6 +164,7 @@ Item {
                             kind: index
                         }
                     }
+                    // qmllint enable unqualified
                     Banner {
                         Layout.fillWidth: true
                         shown: root.appState.welcome

@@ -75,4 +75,10 @@ bool Prefs::set(const QJsonObject& members)
     return files::writeInPlace(m_file, bytes);
 }
 
+int Prefs::get(const NumberPrefKey& key) const
+{
+    const auto stored = json::integer(load(), QLatin1StringView{key.name});
+    return int(std::clamp<qint64>(stored.value_or(key.fallback), key.least, key.most));
+}
+
 } // namespace murmeli

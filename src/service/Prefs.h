@@ -26,6 +26,7 @@ public:
     {
         return boolean(QString::fromLatin1(key.name), key.fallback);
     }
+    [[nodiscard]] int get(const NumberPrefKey& key) const;
     [[nodiscard]] QString get(const PrefKey<const char*>& key) const
     {
         return string(QString::fromLatin1(key.name), QString::fromLatin1(key.fallback));

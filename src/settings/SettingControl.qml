@@ -76,6 +76,13 @@ Loader {
                 help: root.subtitle
                 onClicked: root.model.run(actions.setting.action, root.Window.window)
             }
+            PillButton {
+                visible: root.now.secondKey.length > 0
+                text: L.t(root.now.secondKey)
+                spokenName: text + ": " + root.title
+                help: root.subtitle
+                onClicked: root.model.run(actions.setting.second, root.Window.window)
+            }
         }
     }
     // qmllint enable unqualified

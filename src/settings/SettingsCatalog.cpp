@@ -1,5 +1,6 @@
 #include "SettingsCatalog.h"
 
+#include "service/OwnSettings.h"
 #include "service/PrefKeys.h"
 
 using namespace Qt::StringLiterals;
@@ -55,6 +56,13 @@ QList<SettingSection> sections(const QString& language)
     SettingRow keepDays = stepper(pref::keepSourceDays, u"calendar"_s, u"unit.days"_s);
     keepDays.hiddenWhenOn = QString::fromLatin1(pref::deleteSourceOnSuccess.name);
 
+    SettingRow remindLong = toggle(ownSetting::remindLong, u"timer"_s);
+    remindLong.own = true;
+    const SettingRow ownData{.id = u"own_data"_s,
+                             .icon = u"folder"_s,
+                             .control = ActionSetting{settingAction::ShowOwnData, u"own_data.action"_s,
+                                                      settingAction::DeleteOwnData}};
+
     return {
         section(u"general"_s,
                 {choice(pref::locale, u"globe"_s, language,
@@ -80,6 +88,7 @@ QList<SettingSection> sections(const QString& language)
                     u"check_update.action"_s),
              action(u"account"_s, u"person.crop.circle"_s, settingAction::OpenAccount, u"account.action"_s),
              action(u"open_logs"_s, u"doc.plaintext"_s, settingAction::OpenLogs, u"open_logs.action"_s)}),
+        section(u"own"_s, {remindLong, ownData}),
     };
 }
 

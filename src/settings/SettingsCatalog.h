@@ -31,6 +31,8 @@ enum SettingAction {
     CheckUpdate,
     OpenLogs,
     OpenAccount,
+    ShowOwnData,
+    DeleteOwnData, ///< asks first
 };
 Q_ENUM_NS(SettingAction)
 } // namespace settingAction
@@ -89,10 +91,12 @@ struct ActionSetting {
     Q_GADGET
     QML_VALUE_TYPE(actionSetting)
     Q_PROPERTY(int action MEMBER action FINAL)
+    Q_PROPERTY(int second MEMBER second FINAL)
 
 public:
     int action = settingAction::LoadInstructions;
     QString buttonKey; ///< unless something else is to be done now
+    int second = -1;   ///< another action; none when negative
     bool operator==(const ActionSetting&) const = default;
 };
 
@@ -110,6 +114,7 @@ public:
     QString id;   ///< the preference's key too
     QString icon; ///< a symbol's name
     std::variant<ToggleSetting, ChoiceSetting, StepperSetting, ActionSetting> control;
+    bool own = false;     ///< a preference that the service need not know
     QString hiddenWhenOn; ///< the toggle that hides the row while it is on; empty: none does
 
     [[nodiscard]] int kind() const { return int(control.index()); } ///< a SettingKind
@@ -128,6 +133,7 @@ struct SettingState {
     Q_PROPERTY(QString lead MEMBER lead FINAL)
     Q_PROPERTY(murmeli::Message subtitle MEMBER subtitle FINAL)
     Q_PROPERTY(QString buttonKey MEMBER buttonKey FINAL)
+    Q_PROPERTY(QString secondKey MEMBER secondKey FINAL)
     Q_PROPERTY(bool hidden MEMBER hidden FINAL)
 
 public:
@@ -135,6 +141,7 @@ public:
     QString lead;   ///< what the subtitle begins with: a version, an address; empty for most
     Message subtitle;
     QString buttonKey; ///< of an action
+    QString secondKey; ///< of its second
     bool hidden = false;
 };
 

@@ -7,6 +7,8 @@
 #include "localisation/Language.h"
 #include "platform/Desktop.h"
 #include "service/AppState.h"
+#include "service/OwnData.h"
+#include "service/OwnSettings.h"
 #include "service/Paths.h"
 #include "service/Prefs.h"
 #include "update/Updater.h"
@@ -38,6 +40,8 @@ SettingsModel::SettingsModel(const Ground& ground, QObject* parent)
     connect(&ground.state, &AppState::changed, this, &SettingsModel::touch);
     connect(&ground.updater, &Updater::changed, this, &SettingsModel::touch);
     connect(&ground.account, &AuthManager::changed, this, &SettingsModel::touch);
+    connect(&ground.own, &OwnSettings::changed, this, &SettingsModel::touch);
+    connect(&ground.language, &Language::changed, this, &SettingsModel::touch);
 }
 
 SettingsModel::~SettingsModel() = default;
@@ -52,7 +56,30 @@ PermissionsModel* SettingsModel::permissionsFor(QObject* pane)
 void SettingsModel::opened()
 {
     m_loaded = instructionsFile::Loaded::Taken;
+    m_deletion = Deletion::None;
     touch();
+    measureOwnData();
+}
+
+void SettingsModel::measureOwnData()
+{
+    inBackground(
+        this, [paths = m_ground.paths] { return ownData::size(paths); },
+        [this](qint64 bytes) {
+            m_ownBytes = bytes;
+            touch();
+        });
+}
+
+void SettingsModel::deleteOwnData()
+{
+    inBackground(
+        this, [paths = m_ground.paths] { return ownData::removeAll(paths); },
+        [this](bool gone) {
+            m_deletion = gone ? Deletion::None : Deletion::Failed;
+            m_ground.own.load();
+            measureOwnData();
+        });
 }
 
 void SettingsModel::touch()
@@ -71,6 +98,7 @@ const QVariantMap& SettingsModel::states()
             state.lead = lead(row);
             state.subtitle = subtitle(row);
             state.buttonKey = buttonKey(row);
+            state.secondKey = secondKey(row);
             m_states[row.id] = QVariant::fromValue(state);
         }
     }
@@ -100,8 +128,9 @@ bool SettingsModel::telegramConnected() const { return m_ground.state.telegramCo
 QVariant SettingsModel::value(const SettingRow& row) const
 {
     const Prefs& prefs = m_ground.prefs;
-    if (const auto* toggle = std::get_if<ToggleSetting>(&row.control))
-        return prefs.boolean(row.id, toggle->fallback);
+    const auto* toggle = std::get_if<ToggleSetting>(&row.control);
+    if (toggle && row.own) return m_ground.own.get({row.id.toLatin1().constData(), toggle->fallback});
+    if (toggle) return prefs.boolean(row.id, toggle->fallback);
     if (const auto* choice = std::get_if<ChoiceSetting>(&row.control)) {
         const QString stored = prefs.string(row.id, choice->fallback);
         const bool known = std::ranges::any_of(
@@ -120,6 +149,10 @@ void SettingsModel::set(const QString& id, const QVariant& value)
     for (const SettingSection& section : m_sections) {
         for (const SettingRow& row : section.rows) {
             if (row.id != id) continue;
+            if (row.own) {
+                m_ground.own.set(id, value.toBool());
+                continue;
+            }
             if (std::holds_alternative<ToggleSetting>(row.control)) store(id, value.toBool());
             if (std::holds_alternative<ChoiceSetting>(row.control)) store(id, value.toString());
             if (const auto* stepper = std::get_if<StepperSetting>(&row.control))
@@ -164,6 +197,8 @@ Message SettingsModel::subtitle(const SettingRow& row) const
     case settingAction::CheckUpdate:
         if (m_ground.updater.phase() != Updater::Phase::Idle) return m_ground.updater.subtitle();
         break;
+    case settingAction::ShowOwnData:
+        return ownDataSubtitle();
     case settingAction::LoadInstructions:
         if (m_loaded == Loaded::NoText) return Message::of("instructions.subtitle.refused");
         if (m_loaded == Loaded::NotSaved) return Message::of("instructions.subtitle.not_saved");
@@ -177,6 +212,22 @@ Message SettingsModel::subtitle(const SettingRow& row) const
         break;
     }
     return {.key = row.id + u".subtitle"_s, .argument = {}, .own = {}};
+}
+
+Message SettingsModel::ownDataSubtitle() const
+{
+    if (m_deletion == Deletion::Asked) return Message::of("own_data.subtitle.sure");
+    if (m_deletion == Deletion::Failed) return Message::of("own_data.subtitle.failed");
+    if (m_ownBytes.value_or(0) == 0) return Message::of("own_data.subtitle.none");
+    const QString size = Language::size(m_ground.language.current(), *m_ownBytes);
+    return Message::of("own_data.subtitle", size);
+}
+
+QString SettingsModel::secondKey(const SettingRow& row) const
+{
+    const auto* action = std::get_if<ActionSetting>(&row.control);
+    if (!action || action->second < 0 || m_ownBytes.value_or(0) == 0) return {};
+    return m_deletion == Deletion::Asked ? u"own_data.delete.sure"_s : u"own_data.delete"_s;
 }
 
 QString SettingsModel::lead(const SettingRow& row) const
@@ -195,6 +246,8 @@ QString SettingsModel::buttonKey(const SettingRow& row) const
         return u"instructions.replace"_s;
     if (action->action == settingAction::ConnectTelegram && telegramConnected())
         return u"telegram.action.open"_s;
+    if (action->action == settingAction::ShowOwnData && m_deletion == Deletion::Asked)
+        return u"own_data.keep"_s;
     return action->buttonKey;
 }
 
@@ -237,6 +290,20 @@ void SettingsModel::run(int action, QWindow* window)
         break;
     case settingAction::CheckUpdate:
         m_ground.updater.check();
+        break;
+    case settingAction::ShowOwnData:
+        if (std::exchange(m_deletion, Deletion::None) == Deletion::Asked) { // it says "keep" now
+            touch();
+        } else {
+            m_ground.desktop.openFolder(m_ground.paths.ownData);
+        }
+        break;
+    case settingAction::DeleteOwnData:
+        if (std::exchange(m_deletion, Deletion::Asked) == Deletion::Asked) {
+            m_deletion = Deletion::None;
+            deleteOwnData();
+        }
+        touch();
         break;
     default:
         break;

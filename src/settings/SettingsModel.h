@@ -18,6 +18,7 @@ class AppState;
 class AuthManager;
 class Desktop;
 class Language;
+class OwnSettings;
 struct Paths;
 class Prefs;
 class Processes;
@@ -38,6 +39,7 @@ public:
     struct Ground {
         const Paths& paths;
         Prefs& prefs;
+        OwnSettings& own;
         const AppState& state;
         AuthManager& account;
         Updater& updater;
@@ -86,6 +88,10 @@ private:
     [[nodiscard]] Message subtitle(const SettingRow& row) const;
     [[nodiscard]] QString lead(const SettingRow& row) const;
     [[nodiscard]] QString buttonKey(const SettingRow& row) const;
+    [[nodiscard]] QString secondKey(const SettingRow& row) const;
+    [[nodiscard]] Message ownDataSubtitle() const;
+    void measureOwnData();
+    void deleteOwnData();
     void store(const QString& key, const QJsonValue& value);
     void setLaunchAtLogin(bool on);
     void touch();
@@ -94,7 +100,10 @@ private:
     QList<SettingSection> m_sections;
     QVariantMap m_states; ///< empty until somebody looks
     QJsonObject m_seen;
-    std::optional<qint64> m_instructionsSize;                            ///< bytes
+    std::optional<qint64> m_instructionsSize; ///< bytes
+    std::optional<qint64> m_ownBytes;         ///< of our own data; nothing until they are counted
+    enum class Deletion { None, Asked, Failed };
+    Deletion m_deletion = Deletion::None;                                ///< of them
     instructionsFile::Loaded m_loaded = instructionsFile::Loaded::Taken; ///< the file chosen last
 };
 

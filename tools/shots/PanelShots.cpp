@@ -100,6 +100,9 @@ QList<PanelShot> panelShots()
         {.name = u"pulse-not-started"_s, .state = idle, .signedIn = true, .silent = true, .unanswered = true},
         {.name = u"pulse-busy"_s, .state = processing, .signedIn = true, .unanswered = true},
         {.name = u"pulse-not-stopped"_s, .state = recording, .signedIn = true, .unanswered = true},
+        {.name = u"pulse-forgotten"_s,
+         .state = R"({"status":"recording","telegram_connected":true,"since":1731684180})",
+         .signedIn = true},
         {.name = u"pulse-disk-recording"_s, .state = recording, .signedIn = true, .free = 320'000'000},
     };
 }

@@ -143,6 +143,44 @@ private slots:
         QCOMPARE(cards.size(), 2); // and that it records
     }
 
+    void aLongRecordingIsAskedAfter()
+    {
+        const double begin = m->scheduler.now() + 1.5;
+        m->serviceWrites("{\"status\":\"recording\",\"since\":" + QByteArray::number(begin, 'f') + '}');
+        QSignalSpy asked{&m->program.longRecording, &LongRecording::asked};
+        m->scheduler.advance(90min - 3s);
+        QCOMPARE(asked.size(), 0);
+        m->scheduler.advance(3s);
+        QCOMPARE(asked.size(), 1);
+        QCOMPARE(forgotten().title, u"Запись идёт уже 1\u00A0ч 30\u00A0мин"_s);
+        QCOMPARE(forgotten().body, u"Всё ещё на встрече? Сама остановится через 1\u00A0ч 30\u00A0мин."_s);
+        m->scheduler.advance(45min);
+        QCOMPARE(asked.size(), 2); // nobody has answered
+        m->program.board.act(noticeKind::Forgotten, NoticeAction::GoOn);
+        QVERIFY(!forgotten().shown);
+        m->scheduler.advance(45min - 3s);
+        QCOMPARE(asked.size(), 2);
+        m->scheduler.advance(3s);
+        QCOMPARE(asked.size(), 3);
+        QCOMPARE(forgotten().body, u"Всё ещё на встрече?"_s); // its time to stop has passed
+
+        m->settings.set(u"remind_long"_s, false);
+        QVERIFY(!forgotten().shown);
+        m->settings.set(u"remind_long"_s, true);
+        QSignalSpy cards{&m->program, &Program::toastWanted};
+        m->prefs.set(u"notifications"_s, false);
+        m->scheduler.advance(45min);
+        QVERIFY(forgotten().shown);
+        QVERIFY(cards.isEmpty());
+        m->program.board.act(noticeKind::Forgotten, NoticeAction::Stop);
+        QCOMPARE(m->record.pending(), RecordControl::Pending::Stopping);
+        m->serviceSays("processing");
+        QVERIFY(!forgotten().shown);
+        m->serviceWrites(R"({"status":"recording","since":0})");
+        m->scheduler.advance(300min);
+        QVERIFY(!forgotten().shown);
+    }
+
     void aDayOfOrdinaryStates()
     {
         int said = 0;
@@ -169,6 +207,7 @@ private slots:
 
 private:
     [[nodiscard]] Pulse& pulse() const { return m->program.pulse; }
+    [[nodiscard]] Notice forgotten() const { return m->program.board.notice(noticeKind::Forgotten); }
 
     std::unique_ptr<TestProgram> m;
 };

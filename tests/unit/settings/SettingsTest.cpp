@@ -297,6 +297,40 @@ private slots:
         QCOMPARE(subtitle(), says("update.subtitle.available", u"0.9.0"_s));
     }
 
+    void ownSettingsAndAllOwnData()
+    {
+        const QString file = m->paths.ownConfig + u"/settings.json"_s;
+        m->write(file, R"({"v":1,"later":[1],"remind_long":false})");
+        m->program.own.load();
+        QTRY_COMPARE(m->settings.stateOf(u"remind_long"_s).value, QVariant{false});
+        m->settings.set(u"remind_long"_s, true);
+        QTRY_COMPARE(files::readWhole(file, 1000), QByteArray{R"({"v":1,"later":[1],"remind_long":true})"});
+        QVERIFY(!m->prefs.load().contains(u"remind_long"_s));
+
+        m->write(m->paths.ownData + u"/margin/a.json"_s, QByteArray(3000, ' '));
+        m->write(m->paths.ownData + u"/other"_s, "of somebody else");
+        m->settings.opened();
+        const auto size = [&] { return m->language.say(m->settings.stateOf(u"own_data"_s).subtitle); };
+        QTRY_COMPARE(size(), u"Пометки и настройки этого компьютера: 4 КБ"_s);
+        m->settings.run(settingAction::DeleteOwnData, nullptr);
+        QCOMPARE(m->settings.stateOf(u"own_data"_s).buttonKey, u"own_data.keep"_s);
+        m->settings.run(settingAction::ShowOwnData, nullptr); // which then says "keep"
+        QVERIFY(m->desktop.folders.isEmpty());
+        m->settings.run(settingAction::DeleteOwnData, nullptr);
+        QVERIFY(QFile::exists(file));
+        m->settings.run(settingAction::DeleteOwnData, nullptr);
+        QTRY_COMPARE(m->settings.stateOf(u"own_data"_s).subtitle.key, u"own_data.subtitle.none"_s);
+        QVERIFY(!QFile::exists(file));
+        QVERIFY(!QFile::exists(m->paths.ownData + u"/margin"_s));
+        QVERIFY(QFile::exists(m->paths.ownData + u"/other"_s));
+
+        m->write(file, R"({"v":2})");
+        QSignalSpy said{&m->program, &Program::toastWanted};
+        m->settings.set(u"remind_long"_s, false);
+        QTRY_COMPARE(said.size(), 1);
+        QCOMPARE(files::readWhole(file, 1000), QByteArray{R"({"v":2})"});
+    }
+
 private:
     [[nodiscard]] bool says(const char* key) const
     {

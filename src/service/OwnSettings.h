@@ -1,0 +1,46 @@
+#pragma once
+
+#include "OwnFile.h"
+#include "PrefKeys.h"
+
+#include <QObject>
+#include <QThreadPool>
+
+namespace murmeli {
+
+struct Paths;
+
+namespace ownSetting {
+inline constexpr PrefKey<bool> remindLong{"remind_long", true}; ///< of a recording that may be forgotten
+} // namespace ownSetting
+
+/// Preferences that the service need not know, in a file of our own, which is read and written beside the
+/// main thread. Main thread only.
+class OwnSettings final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit OwnSettings(const Paths& paths, QObject* parent = nullptr);
+    ~OwnSettings() override;
+    Q_DISABLE_COPY_MOVE(OwnSettings)
+
+    /// What holds for this run; the default until the file has been read.
+    [[nodiscard]] bool get(const PrefKey<bool>& key) const;
+
+    /// Counts at once, and is written then.
+    void set(const QString& key, bool value);
+
+    /// Reads the file again.
+    void load();
+
+signals:
+    void changed();
+    void notStored(murmeli::OwnWritten why);
+
+private:
+    OwnFile m_file;
+    QJsonObject m_values;
+    QThreadPool m_disk; ///< one thread, so that the latest value is the last one
+};
+
+} // namespace murmeli
