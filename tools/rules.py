@@ -12,7 +12,7 @@ FLOORS = {  # a room includes from lower floors only, or from rooms of its own f
     "base": 0,
     "service": 1, "platform": 1,
     "localisation": 2, "ui": 2,
-    "account": 3, "meetings": 3, "glossary": 3, "protocol": 3, "report": 3, "update": 3, "permissions": 3, "setup": 3,
+    "account": 3, "meetings": 3, "margin": 3, "glossary": 3, "protocol": 3, "report": 3, "update": 3, "permissions": 3, "setup": 3,
     "settings": 3, "notices": 3,
     "detail": 4, "panel": 4, "windows": 4,
     "app": 5,
@@ -20,7 +20,7 @@ FLOORS = {  # a room includes from lower floors only, or from rooms of its own f
 WITHIN_FLOOR = {
     "glossary": {"account"}, "protocol": {"meetings", "account", "glossary"}, "report": {"meetings", "account"},
     "settings": {"account", "update", "permissions"}, "setup": {"permissions", "update"},
-    "notices": {"permissions"},
+    "margin": {"meetings"}, "notices": {"permissions"},
     "windows": {"detail"},
 }
 faults = []

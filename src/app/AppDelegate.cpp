@@ -57,9 +57,9 @@ AppDelegate::AppDelegate(Program& program, Desktop& desktop, Scheduler& schedule
       m_toasts(m_views, scheduler,
                [this](const ToastText& toast) { return roomFor(toast, m_panel.shape()); }),
       m_face(statusItem, program.state, program.record, program.panel, program.language, look, scheduler),
-      m_panel(
-          m_views, look, scheduler, statusItem,
-          {program.state, program.record, program.panel, program.account, program.updater, program.board}),
+      m_panel(m_views, look, scheduler, statusItem,
+              {program.state, program.record, program.panel, program.account, program.updater, program.board,
+               program.marks}),
       m_settings(m_views, program.language,
                  {.url = view("Settings/SettingsView"),
                   .properties = {{u"model"_s, QVariant::fromValue(&program.settings)}, {u"windowed"_s, true}},

@@ -57,6 +57,8 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
              .record = record,
              .language = language,
              .desktop = outside.desktop}),
+      summaries(paths, state, outside.scheduler),
+      marks(paths, state, outside.scheduler),
       quitQuestion(state, record),
       m_outside(outside),
       m_addresses(addresses)
@@ -109,6 +111,10 @@ void Program::connectNotices()
     connect(&pulse, &Pulse::unanswered, this, [this] { announce(noticeKind::Trouble); });
     connect(&pulse, &Pulse::diskRanLow, this, [this] { announce(noticeKind::Disk); });
     connect(&longRecording, &LongRecording::asked, this, [this] { announce(noticeKind::Forgotten); });
+    connect(&summaries, &SummaryWatch::appeared, &marks,
+            [this](const Meeting& meeting) { marks.settle({meeting}); });
+    connect(&marks, &RecordingMarks::notWritten, this,
+            [this](OwnWritten why) { sayNotWritten(why, u"marks.jsonl"_s); });
     connect(&board, &NoticeBoard::permissionsRequested, &panel, &PanelModel::settingsRequested);
     connect(&board, &NoticeBoard::installRequested, this, [this] {
         if (!m_setup) beginSetup();

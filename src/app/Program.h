@@ -3,6 +3,8 @@
 #include "account/AuthManager.h"
 #include "glossary/GlossaryStore.h"
 #include "localisation/Language.h"
+#include "margin/RecordingMarks.h"
+#include "meetings/SummaryWatch.h"
 #include "notices/LongRecording.h"
 #include "notices/NoticeBoard.h"
 #include "notices/Notifier.h"
@@ -90,6 +92,8 @@ public:
     Pulse pulse;
     LongRecording longRecording;
     NoticeBoard board;
+    SummaryWatch summaries;
+    RecordingMarks marks;
     QuitQuestion quitQuestion;
 
 signals:

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Detail
 import Murmeli.Localisation
+import Murmeli.Margin
 import Murmeli.Protocol
 import Murmeli.Report
 import Murmeli.Ui
@@ -103,13 +104,20 @@ Item {
             }
             // Bound as a whole, the file could not have its loader below.
             // qmllint disable unqualified
-            header: SelectableText {
+            header: Column {
                 x: Theme.padMain
-                width: Math.min(640, list.width - 2 * Theme.padMain)
-                visible: root.detail.tldr.length > 0
-                bottomPadding: visible ? 20 : 0
-                color: Theme.text2
-                text: root.detail.tldr
+                width: list.width - 2 * Theme.padMain
+                SelectableText {
+                    width: Math.min(640, parent.width)
+                    visible: root.detail.tldr.length > 0
+                    bottomPadding: visible ? 20 : 0
+                    color: Theme.text2
+                    text: root.detail.tldr
+                }
+                MarkSection {
+                    width: parent.width
+                    marks: root.detail.marks
+                }
             }
             delegate: Item {
                 id: place

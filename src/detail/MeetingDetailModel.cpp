@@ -39,7 +39,8 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
                 .desktop = ground.desktop,
                 .scheduler = ground.scheduler,
                 .protocols = ground.store.protocols(),
-                .webOrigin = ground.webOrigin})
+                .webOrigin = ground.webOrigin}),
+      m_marks(ground.paths, meeting.id, ground.scheduler)
 {
     load();
     connect(&ground.store, &MeetingStore::scanned, this, [this] {
@@ -48,6 +49,7 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
             m_file.reset(); // its protocol's place is part of it
         }
         load();
+        m_marks.load();
     });
     connect(&ground.language, &Language::changed, this, &MeetingDetailModel::changed);
     connect(&ground.drafts, &Drafts::changed, this, [this](const QString& meeting) {

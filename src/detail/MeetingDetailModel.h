@@ -4,6 +4,7 @@
 #include "base/Drafts.h"
 #include "base/Files.h"
 #include "glossary/GlossaryStore.h"
+#include "margin/MeetingMarks.h"
 #include "meetings/Meeting.h"
 #include "protocol/ProtocolEditor.h"
 #include "protocol/ProtocolFileMaker.h"
@@ -42,6 +43,7 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::ReportLoader* report READ report CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolFileMaker* files READ files CONSTANT FINAL)
+    Q_PROPERTY(murmeli::MeetingMarks* marks READ marks CONSTANT FINAL)
     Q_PROPERTY(murmeli::ViewMemory* views READ views CONSTANT FINAL)
 
 public:
@@ -56,7 +58,7 @@ public:
         Processes& processes;
         Desktop& desktop;
         const Language& language;
-        const Scheduler& scheduler;
+        Scheduler& scheduler;
         QString webOrigin;
     };
     /// What goes on when the meeting is left, and is found again when it comes back.
@@ -85,6 +87,7 @@ public:
     [[nodiscard]] ReportLoader* report() { return &m_report; }
     [[nodiscard]] ProtocolFileMaker* files() { return m_work.files.get(); }
     [[nodiscard]] bool analysing() const { return m_analysing; }
+    [[nodiscard]] MeetingMarks* marks() { return &m_marks; }
     [[nodiscard]] ViewMemory* views() { return &m_views; }
 
     /// Sends the draft. Nothing when it is empty or a remark is on its way.
@@ -148,6 +151,7 @@ private:
     SectionListModel m_sections{nullptr};
     Work m_work;
     ReportLoader m_report;
+    MeetingMarks m_marks;
     std::optional<QString> m_protocol;
     bool m_analysing = false;
     ViewMemory m_views{nullptr};

@@ -372,6 +372,13 @@ const std::array<Text, ownTextCount> englishOwn = {{
     {"forgotten.stops", u"It will stop by itself in %@."},
     {"forgotten.go_on", u"Keep recording"},
     {"forgotten.stop", u"Stop"},
+    {"mark.placeholder", u"A mark at this minute"},
+    {"mark.section", u"MARKS"},
+    {"mark.edit", u"Edit the mark"},
+    {"mark.remove", u"Remove the mark"},
+    {"mark.removed", u"The mark was removed"},
+    {"mark.bring_back", u"Bring it back"},
+    {"mark.failed", u"The mark could not be written: shown is what is stored"},
 }};
 
 } // namespace murmeli::texts

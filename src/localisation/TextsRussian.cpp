@@ -372,6 +372,13 @@ const std::array<Text, ownTextCount> russianOwn = {{
     {"forgotten.stops", u"Сама остановится через %@."},
     {"forgotten.go_on", u"Продолжаю"},
     {"forgotten.stop", u"Остановить"},
+    {"mark.placeholder", u"Пометка к этой минуте"},
+    {"mark.section", u"ПОМЕТКИ"},
+    {"mark.edit", u"Изменить пометку"},
+    {"mark.remove", u"Убрать пометку"},
+    {"mark.removed", u"Пометка убрана"},
+    {"mark.bring_back", u"Вернуть"},
+    {"mark.failed", u"Не удалось записать пометку: показано то, что сохранено"},
 }};
 
 } // namespace murmeli::texts

@@ -2,6 +2,7 @@
 
 #include "PanelModel.h"
 #include "account/AuthManager.h"
+#include "margin/RecordingMarks.h"
 #include "notices/NoticeBoard.h"
 #include "platform/ClickOutside.h"
 #include "platform/Memory.h"
@@ -48,6 +49,7 @@ KeyPanel::KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts)
                           {u"account"_s, QVariant::fromValue(&parts.account)},
                           {u"updater"_s, QVariant::fromValue(&parts.updater)},
                           {u"board"_s, QVariant::fromValue(&parts.board)},
+                          {u"marks"_s, QVariant::fromValue(&parts.marks)},
                           {u"actions"_s, QVariant::fromValue(&m_actions)},
                           {u"floating"_s, floating}});
     connect(&m_actions, &WindowActions::faded, this, &QWindow::hide);

@@ -14,6 +14,7 @@ class ClickOutside;
 class NoticeBoard;
 class PanelModel;
 class RecordControl;
+class RecordingMarks;
 class Updater;
 
 /// A window that holds the panel view: floating under the status item, or an ordinary window where the
@@ -32,6 +33,7 @@ public:
         AuthManager& account;
         Updater& updater;
         NoticeBoard& board;
+        RecordingMarks& marks;
     };
 
     KeyPanel(QQmlEngine& engine, Kind kind, const Parts& parts);

@@ -3,6 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Window
 import Murmeli.Account
 import Murmeli.Localisation
+import Murmeli.Margin
 import Murmeli.Notices
 import Murmeli.Panel
 import Murmeli.Service
@@ -19,6 +20,7 @@ Item {
     required property AuthManager account
     required property Updater updater
     required property NoticeBoard board
+    required property RecordingMarks marks
     required property WindowActions actions
     property bool floating: true
     property bool open: false
@@ -274,6 +276,18 @@ Item {
                             }
                         }
                     }
+                    // Loaders take no bound components yet.
+                    // qmllint disable unqualified
+                    Loader { // only a recording has them
+                        Layout.fillWidth: true
+                        Layout.leftMargin: Theme.padPanel
+                        Layout.rightMargin: Theme.padPanel
+                        Layout.bottomMargin: Theme.gapGroup
+                        active: root.appState.recording
+                        visible: active
+                        sourceComponent: MarkField { marks: root.marks }
+                    }
+                    // qmllint enable unqualified
                     PreferenceRows {
                         Layout.fillWidth: true
                         Layout.leftMargin: Theme.padPanel

@@ -22,6 +22,7 @@ class Fixture : public QObject {
     Q_PROPERTY(QObject* account READ account CONSTANT)
     Q_PROPERTY(QObject* updater READ updater CONSTANT)
     Q_PROPERTY(QObject* board READ board CONSTANT)
+    Q_PROPERTY(QObject* marks READ marks CONSTANT)
     Q_PROPERTY(QObject* settings READ settings CONSTANT)
     Q_PROPERTY(murmeli::MainModel* library READ library NOTIFY libraryChanged)
 
@@ -35,6 +36,7 @@ public:
     [[nodiscard]] QObject* account() { return &m.account; }
     [[nodiscard]] QObject* updater() { return &m.updater; }
     [[nodiscard]] QObject* board() { return &m.program.board; }
+    [[nodiscard]] QObject* marks() { return &m.program.marks; }
     [[nodiscard]] QObject* settings() { return &m.settings; }
     [[nodiscard]] MainModel* library() { return m_library.get(); }
 

@@ -72,6 +72,7 @@ struct MainShot {
     QString query = {};
     bool recording = false;
     bool detail = false;
+    bool marks = false;
     QByteArray answer = {}; ///< to a remark; null: none is made
     bool signedIn = true;
     bool protocol = true;
@@ -105,6 +106,7 @@ QList<MainShot> mainShots(bool inRussian)
         {.name = u"main-empty"_s, .meetings = false},
         {.name = u"main-nothing-found"_s, .query = inRussian ? u"отпуск"_s : u"holiday"_s},
         {.name = u"detail"_s, .detail = true},
+        {.name = u"detail-marks"_s, .detail = true, .marks = true},
         {.name = u"detail-no-protocol"_s, .detail = true, .protocol = false},
         {.name = u"detail-fixed-teach"_s,
          .detail = true,
@@ -192,6 +194,21 @@ bool shoot(const MainShot& shot, const Frame& frame)
         await([&] { return !m.glossary.loading(); });
     }
     m.scheduler.advance(1500ms);
+    if (shot.marks) {
+        const QDateTime start{QDateTime::fromSecsSinceEpoch(qint64(m.scheduler.now())).date(), QTime{12, 0}};
+        const QString id = start.toString(u"yyyy-MM-dd HH-mm-ss"_s);
+        const bool ru = frame.language == "ru"_L1;
+        const double begin = double(start.toSecsSinceEpoch());
+        for (const auto& [at, text] :
+             {std::pair{581.0, ru ? u"спросить про стенд"_s : u"ask about the test rig"_s},
+              std::pair{1724.0, ru ? u"важно, проверить"_s : u"important, check"_s}}) {
+            Mark mark;
+            mark.begin = begin;
+            mark.time = begin + at;
+            mark.text = text;
+            std::ignore = MarkFiles{m.paths}.addTo(id, mark);
+        }
+    }
     MainModel model{m.mainGround()};
     AppWindow window{engine,
                      m.language,

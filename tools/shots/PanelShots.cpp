@@ -27,6 +27,7 @@ struct PanelShot {
     bool update = false;
     bool installing = false;
     bool focus = false;
+    QStringList marks = {};                      ///< the last one is being written
     bool silent = false;                         ///< the service has stopped writing
     bool unanswered = false;                     ///< it did not do what it was asked for
     std::optional<qint64> free = 84'000'000'000; ///< bytes on the disk
@@ -85,6 +86,10 @@ QList<PanelShot> panelShots()
          .signingIn = true,
          .refused = true},
         {.name = u"signed-out"_s, .state = R"({"status":"idle"})"},
+        {.name = u"marks"_s,
+         .state = R"({"status":"recording","telegram_connected":true,"since":1731689420})",
+         .signedIn = true,
+         .marks = {u"спросить про стенд"_s, u"важно, проверить"_s}},
         {.name = u"pulse-silent"_s, .state = idle, .signedIn = true, .silent = true},
         {.name = u"pulse-not-installed"_s,
          .state = idle,
@@ -131,6 +136,11 @@ bool shoot(const PanelShot& shot, const Frame& frame)
     m.write(m.paths.stateFile, shot.state);
     m.scheduler.advance(1500ms);
     if (shot.greet) m.state.greet();
+    for (const QString& mark : shot.marks) {
+        m.program.marks.setDraft(mark);
+        if (mark != shot.marks.last()) m.program.marks.add();
+        m.scheduler.advance(264s);
+    }
     m.desktop.free = shot.free;
     if (shot.engine) m.installScript(m.paths.recorderScript, "echo '" + shot.permissions + "'");
     if (shot.silent) {
@@ -149,7 +159,7 @@ bool shoot(const PanelShot& shot, const Frame& frame)
 
     KeyPanel window{engine,
                     KeyPanel::Kind::Floating,
-                    {m.state, m.record, m.panel, m.account, m.updater, m.program.board}};
+                    {m.state, m.record, m.panel, m.account, m.updater, m.program.board, m.program.marks}};
     window.setColor(frame.dark ? QColor{0x23, 0x24, 0x2c} : QColor{0xd9, 0xda, 0xe1}); // the desk
     window.openAt({QPoint{100, 100}, window.contentSize()});
     settle(100);

@@ -19,6 +19,7 @@ ViewCase {
             account: fixture.account
             updater: fixture.updater
             board: fixture.board
+            marks: fixture.marks
             actions: WindowActions { }
             open: true
         }
