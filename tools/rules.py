@@ -20,7 +20,7 @@ FLOORS = {  # a room includes from lower floors only, or from rooms of its own f
 WITHIN_FLOOR = {
     "glossary": {"account"}, "protocol": {"meetings", "account", "glossary"}, "report": {"meetings", "account"},
     "settings": {"account", "update", "permissions"}, "setup": {"permissions", "update"},
-    "margin": {"meetings"}, "notices": {"permissions"},
+    "margin": {"meetings"}, "notices": {"meetings", "permissions"},
     "windows": {"detail"},
 }
 faults = []

@@ -49,15 +49,18 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
              .processes = outside.processes,
              .desktop = outside.desktop,
              .scheduler = outside.scheduler,
-             .settingUp = [this] { return m_setup != nullptr; }}),
+             .settingUp = [this] { return m_setup != nullptr; },
+             .freeBytes = outside.freeBytes}),
       longRecording(state, prefs, own, outside.scheduler),
+      summaries(paths, state, outside.scheduler),
+      writeUp(paths, summaries, outside.scheduler),
       board({.paths = paths,
              .pulse = pulse,
              .longRecording = longRecording,
+             .writeUp = writeUp,
              .record = record,
              .language = language,
              .desktop = outside.desktop}),
-      summaries(paths, state, outside.scheduler),
       marks(paths, state, outside.scheduler),
       quitQuestion(state, record),
       m_outside(outside),
@@ -110,6 +113,13 @@ void Program::connectNotices()
 {
     connect(&pulse, &Pulse::unanswered, this, [this] { announce(noticeKind::Trouble); });
     connect(&pulse, &Pulse::diskRanLow, this, [this] { announce(noticeKind::Disk); });
+    connect(&writeUp, &WriteUp::becameReady, this, [this] { announce(noticeKind::Ready); });
+    connect(&writeUp, &WriteUp::becameSlow, this, [this] { announce(noticeKind::Slow); });
+    connect(&board, &NoticeBoard::meetingRequested, this, [this](const QString& id) {
+        emit mainWindowWanted();
+        main().openOnceThere(id);
+    });
+    connect(&writeUp, &WriteUp::changed, &panel, [this] { panel.setUsualMinutes(writeUp.usualMinutes()); });
     connect(&longRecording, &LongRecording::asked, this, [this] { announce(noticeKind::Forgotten); });
     connect(&summaries, &SummaryWatch::appeared, &marks,
             [this](const Meeting& meeting) { marks.settle({meeting}); });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "account/AuthManager.h"
+#include "base/Files.h"
 #include "glossary/GlossaryStore.h"
 #include "localisation/Language.h"
 #include "margin/RecordingMarks.h"
@@ -9,6 +10,7 @@
 #include "notices/NoticeBoard.h"
 #include "notices/Notifier.h"
 #include "notices/Pulse.h"
+#include "notices/WriteUp.h"
 #include "panel/PanelModel.h"
 #include "platform/Installation.h"
 #include "service/AppInfo.h"
@@ -25,7 +27,9 @@
 
 #include <QObject>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace murmeli {
 
@@ -55,6 +59,7 @@ public:
         Processes& processes;
         Desktop& desktop;
         SecretStore& secrets;
+        std::function<std::optional<qint64>(const QString& folder)> freeBytes = files::freeBytes;
     };
 
     Program(const Paths& paths, const Outside& outside, const Installation& installation,
@@ -91,8 +96,9 @@ public:
     Notifier notifier;
     Pulse pulse;
     LongRecording longRecording;
-    NoticeBoard board;
     SummaryWatch summaries;
+    WriteUp writeUp;
+    NoticeBoard board;
     RecordingMarks marks;
     QuitQuestion quitQuestion;
 

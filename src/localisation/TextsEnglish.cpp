@@ -379,6 +379,11 @@ const std::array<Text, ownTextCount> englishOwn = {{
     {"mark.removed", u"The mark was removed"},
     {"mark.bring_back", u"Bring it back"},
     {"mark.failed", u"The mark could not be written: shown is what is stored"},
+    {"pulse.ready", u"The protocol is ready"},
+    {"pulse.slow", u"The protocol takes longer than usual"},
+    {"pulse.usual", u"usually ready in ~%@ min"},
+    {"notice.open", u"Open"},
+    {"notice.copy_summary", u"Copy summary"},
 }};
 
 } // namespace murmeli::texts

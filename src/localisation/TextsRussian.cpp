@@ -379,6 +379,11 @@ const std::array<Text, ownTextCount> russianOwn = {{
     {"mark.removed", u"Пометка убрана"},
     {"mark.bring_back", u"Вернуть"},
     {"mark.failed", u"Не удалось записать пометку: показано то, что сохранено"},
+    {"pulse.ready", u"Протокол готов"},
+    {"pulse.slow", u"Протокол готовится дольше обычного"},
+    {"pulse.usual", u"обычно готово через ~%@ мин"},
+    {"notice.open", u"Открыть"},
+    {"notice.copy_summary", u"Скопировать итог"},
 }};
 
 } // namespace murmeli::texts

@@ -91,7 +91,7 @@ MarkFiles::Read MarkFiles::of(const QString& meeting) const
 {
     const OwnFile::Content content = margin(meeting).read();
     QList<Mark> marks;
-    for (const QJsonValue& value : content.object[u"marks"_s].toArray()) {
+    for (const auto& value : content.object[u"marks"_s].toArray()) {
         const QJsonObject object = value.toObject();
         const double at = json::number(object, "at"_L1).value_or(0);
         marks.append(markOf(object, json::number(object, "t"_L1).value_or(0) - at));

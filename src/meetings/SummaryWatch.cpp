@@ -58,6 +58,7 @@ void SummaryWatch::follow(const QString& from, const QString& to)
 void SummaryWatch::await(const Awaited& recording)
 {
     m_awaited.append(recording);
+    emit waitingChanged();
     if (m_regularly) return;
     if (QFileInfo::exists(m_folder)) m_watcher.addPath(m_folder);
     m_scheduler.every(interval, m_regularly.renew(), [this] { look(); });
@@ -115,7 +116,9 @@ void SummaryWatch::take(const Found& found)
         }
         emit appeared(meeting, took);
     }
+    const auto before = m_awaited.size();
     m_awaited.removeIf([&](const Awaited& one) { return now - one.end > longestWait; });
+    if (!found.meetings.isEmpty() || m_awaited.size() != before) emit waitingChanged();
     if (!isWaiting()) {
         m_regularly.end();
         m_soon.end();

@@ -23,17 +23,19 @@ class SummaryWatch final : public QObject {
 public:
     SummaryWatch(const Paths& paths, const AppState& state, Scheduler& scheduler, QObject* parent = nullptr);
 
-    [[nodiscard]] bool isWaiting() const { return !m_awaited.isEmpty(); }
-
     struct Awaited {
         double begin = 0; ///< of the recording, in seconds since 1970 UTC; 0 when nobody knows it
         double end = 0;
         bool operator==(const Awaited&) const = default;
     };
+    /// Recordings whose summaries have not come, the oldest first.
+    [[nodiscard]] const QList<Awaited>& awaited() const { return m_awaited; }
+    [[nodiscard]] bool isWaiting() const { return !m_awaited.isEmpty(); }
 
 signals:
     /// A summary has come. \param took seconds from its recording's end, when that was awaited.
     void appeared(const murmeli::Meeting& meeting, std::optional<double> took);
+    void waitingChanged();
 
 private:
     struct Found {

@@ -11,9 +11,9 @@ namespace noticeKind {
 Q_NAMESPACE
 QML_NAMED_ELEMENT(NoticeKind)
 /// What the program says of the service unasked, in the order in which it stands in the panel.
-enum NoticeKind { Trouble, Disk, Forgotten };
+enum NoticeKind { Trouble, Disk, Forgotten, Slow, Ready };
 Q_ENUM_NS(NoticeKind)
-inline constexpr int count = Forgotten + 1;
+inline constexpr int count = Ready + 1;
 } // namespace noticeKind
 
 namespace noticeTone {
@@ -32,7 +32,17 @@ class NoticeAction {
     Q_PROPERTY(bool first MEMBER first FINAL)
 
 public:
-    enum Action { TryAgain, Install, ShowPermissions, ShowRecordings, ShowLog, Stop, GoOn };
+    enum Action {
+        TryAgain,
+        Install,
+        ShowPermissions,
+        ShowRecordings,
+        ShowLog,
+        Stop,
+        GoOn,
+        Open,
+        CopySummary
+    };
     int action = TryAgain;
     QString text;
     bool first = false; ///< what most will want

@@ -2,6 +2,7 @@
 
 #include "LongRecording.h"
 #include "Pulse.h"
+#include "WriteUp.h"
 #include "base/Dates.h"
 #include "localisation/Language.h"
 #include "platform/Desktop.h"
@@ -16,6 +17,7 @@ NoticeBoard::NoticeBoard(const Ground& ground, QObject* parent) : QObject(parent
 {
     connect(&ground.pulse, &Pulse::changed, this, &NoticeBoard::changed);
     connect(&ground.longRecording, &LongRecording::changed, this, &NoticeBoard::changed);
+    connect(&ground.writeUp, &WriteUp::changed, this, &NoticeBoard::changed);
     connect(&ground.language, &Language::changed, this, &NoticeBoard::changed);
 }
 
@@ -36,6 +38,10 @@ Notice NoticeBoard::notice(int kind) const
         return disk();
     case noticeKind::Forgotten:
         return forgotten();
+    case noticeKind::Slow:
+        return slow();
+    case noticeKind::Ready:
+        return ready();
     default:
         return {};
     }
@@ -144,6 +150,33 @@ Notice NoticeBoard::forgotten() const
     return notice;
 }
 
+Notice NoticeBoard::slow() const
+{
+    Notice notice;
+    notice.shown = m_ground.writeUp.isSlow();
+    if (!notice.shown) return notice;
+    notice.symbol = u"hourglass"_s;
+    notice.title = m_ground.language.t(u"pulse.slow"_s);
+    notice.actions = {action(NoticeAction::ShowLog, "notice.log")};
+    notice.closable = true;
+    return notice;
+}
+
+Notice NoticeBoard::ready() const
+{
+    Notice notice;
+    notice.shown = m_ground.writeUp.ready().has_value();
+    if (!notice.shown) return notice;
+    notice.tone = noticeTone::Good;
+    notice.symbol = u"checkmark"_s;
+    notice.title = m_ground.language.t(u"pulse.ready"_s); // without its name: others may see it
+    notice.actions = {action(NoticeAction::Open, "notice.open", true)};
+    if (!m_ground.writeUp.ready()->tldr.isEmpty())
+        notice.actions += action(NoticeAction::CopySummary, "notice.copy_summary");
+    notice.closable = true;
+    return notice;
+}
+
 QString NoticeBoard::line() const
 {
     const Notice now = trouble();
@@ -167,6 +200,15 @@ void NoticeBoard::act(int kind, int action)
         return m_ground.record.toggle();
     case NoticeAction::GoOn:
         return m_ground.longRecording.goOn();
+    case NoticeAction::Open: {
+        const QString id = m_ground.writeUp.ready()->id;
+        m_ground.writeUp.dismissReady();
+        emit meetingRequested(id);
+        return;
+    }
+    case NoticeAction::CopySummary:
+        m_ground.desktop.copyText(m_ground.writeUp.ready()->tldr);
+        return m_ground.writeUp.dismissReady();
     case NoticeAction::Install:
         emit installRequested();
         return;
@@ -189,6 +231,8 @@ void NoticeBoard::dismiss(int kind)
 {
     if (kind == noticeKind::Trouble) m_ground.pulse.dismissTrouble();
     if (kind == noticeKind::Disk) m_ground.pulse.dismissDisk();
+    if (kind == noticeKind::Slow) m_ground.writeUp.dismissSlow();
+    if (kind == noticeKind::Ready) m_ground.writeUp.dismissReady();
 }
 
 } // namespace murmeli

@@ -13,6 +13,7 @@ class LongRecording;
 struct Paths;
 class Pulse;
 class RecordControl;
+class WriteUp;
 
 /// What stands at the top of the panel about the service, and what its buttons do. The words are made when
 /// somebody looks. Main thread only.
@@ -31,6 +32,7 @@ public:
         const Paths& paths;
         Pulse& pulse;
         LongRecording& longRecording;
+        WriteUp& writeUp;
         RecordControl& record;
         const Language& language;
         Desktop& desktop;
@@ -50,12 +52,15 @@ signals:
     void changed();
     void installRequested();
     void permissionsRequested();
+    void meetingRequested(const QString& id);
     void folderOpened(); ///< in a window of its own
 
 private:
     [[nodiscard]] Notice trouble() const;
     [[nodiscard]] Notice disk() const;
     [[nodiscard]] Notice forgotten() const;
+    [[nodiscard]] Notice slow() const;
+    [[nodiscard]] Notice ready() const;
     [[nodiscard]] NoticeAction action(NoticeAction::Action action, const char* key, bool first = false) const;
 
     Ground m_ground;

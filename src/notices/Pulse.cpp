@@ -3,7 +3,6 @@
 #include "base/Background.h"
 #include "base/Json.h"
 #include "base/Scheduler.h"
-#include "platform/Desktop.h"
 #include "service/Paths.h"
 
 #include <QFileInfo>
@@ -204,10 +203,7 @@ void Pulse::askDisk()
 {
     if (std::exchange(m_asking, true)) return;
     inBackground(
-        this,
-        [desktop = &m_ground.desktop, folder = m_ground.paths.recordings] {
-            return desktop->freeBytes(folder);
-        },
+        this, [ask = m_ground.freeBytes, folder = m_ground.paths.recordings] { return ask(folder); },
         [this](const std::optional<qint64>& bytes) {
             m_asking = false;
             m_free = bytes;

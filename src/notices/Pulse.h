@@ -34,6 +34,9 @@ public:
         Desktop& desktop;
         Scheduler& scheduler;
         std::function<bool()> settingUp; ///< there is nothing to be said yet
+        /// Bytes that the user may still write on the disk of a folder. Called on another thread, where a
+        /// dead disk may keep it beyond the end of everything else.
+        std::function<std::optional<qint64>(const QString& folder)> freeBytes;
     };
     static constexpr qint64 leastFree = 500'000'000; ///< bytes
 

@@ -95,6 +95,17 @@ Message PanelModel::line() const
     return Message::of("panel.subtitle.idle");
 }
 
+void PanelModel::setUsualMinutes(std::optional<qint64> minutes)
+{
+    if (std::exchange(m_usualMinutes, minutes) != minutes) emit changed();
+}
+
+Message PanelModel::usualLine() const
+{
+    const bool wanted = face() == Face::Processing && lineKind() == Line::Subtitle && m_usualMinutes;
+    return wanted ? Message::of("pulse.usual", QString::number(*m_usualMinutes)) : Message{};
+}
+
 Message PanelModel::jobsLine() const
 {
     if (!m_state.isRecording() || m_state.jobs() < 1) return {};

@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
+#include <optional>
+
 namespace murmeli {
 
 class Language;
@@ -22,6 +24,7 @@ class PanelModel final : public QObject {
     Q_PROPERTY(murmeli::Message title READ title NOTIFY changed FINAL)
     Q_PROPERTY(
         murmeli::Message line READ line NOTIFY changed FINAL) ///< under the title, unless the time runs there
+    Q_PROPERTY(murmeli::Message usualLine READ usualLine NOTIFY changed FINAL) ///< while a summary is written
     Q_PROPERTY(murmeli::Message jobsLine READ jobsLine NOTIFY changed FINAL)
     Q_PROPERTY(murmeli::Message orbName READ orbName NOTIFY changed FINAL)
     Q_PROPERTY(murmeli::Message orbHelp READ orbHelp NOTIFY changed FINAL)
@@ -48,6 +51,7 @@ public:
     [[nodiscard]] Line lineKind() const;
     [[nodiscard]] Message title() const;
     [[nodiscard]] Message line() const;
+    [[nodiscard]] Message usualLine() const;
     [[nodiscard]] Message jobsLine() const;
     [[nodiscard]] Message orbName() const;
     [[nodiscard]] Message orbHelp() const;
@@ -68,6 +72,9 @@ public:
     void setFormat(const QString& format);
     void setAutoRecord(bool on);
     void setHoverOrb(bool over);
+
+    /// In which the summary that is being written is usually ready; nothing when nobody knows.
+    void setUsualMinutes(std::optional<qint64> minutes);
 
     /// Looks which preferences have changed.
     void readPreferences();
@@ -98,6 +105,7 @@ private:
     QString m_format;
     bool m_autoRecord = true;
     bool m_hoverOrb = false;
+    std::optional<qint64> m_usualMinutes;
     int m_watchers = 0; ///< panels on screen
     Lease m_clock;      ///< tells the time once a second
 };

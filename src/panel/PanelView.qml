@@ -231,7 +231,7 @@ Item {
                                 maximumLineCount: 3
                                 elide: Text.ElideRight
                                 type: Theme.sub
-                                text: L.say(root.panel.line)
+                                text: L.say(root.panel.line) + (root.panel.usualLine.empty ? "" : L.t("common.dot") + L.say(root.panel.usualLine))
                                 color: root.panel.lineKind === PanelModel.Refused ? Theme.inkRed
                                     : root.panel.lineKind !== PanelModel.Invitation ? Theme.text2
                                     : root.panel.face === PanelModel.Recording ? Theme.inkRed : Theme.inkViolet

@@ -7,7 +7,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 class QObject;
 class QWindow;
@@ -89,10 +88,6 @@ public:
 
     /// Where the program keeps drafts and logs of its own; not made here.
     [[nodiscard]] virtual QString stateFolder() const = 0;
-
-    /// Bytes that the user may still write on the disk of a folder, or of the nearest one above it that is
-    /// there. Any thread; waits for the disk.
-    [[nodiscard]] virtual std::optional<qint64> freeBytes(const QString& folder) const = 0;
 
     struct OwnFolders {
         QString data, cache, config;

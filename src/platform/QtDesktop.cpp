@@ -1,7 +1,5 @@
 #include "QtDesktop.h"
 
-#include "base/Files.h"
-
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QDir>
@@ -136,7 +134,5 @@ void QtDesktop::askWhereToSave(const FileQuestion& question, QWindow* window, QO
 }
 
 QStringList QtDesktop::preferredLanguages() const { return QLocale::system().uiLanguages(); }
-
-std::optional<qint64> QtDesktop::freeBytes(const QString& folder) const { return files::freeBytes(folder); }
 
 } // namespace murmeli

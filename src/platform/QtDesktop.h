@@ -15,7 +15,6 @@ public:
     void askWhereToSave(const FileQuestion& question, QWindow* window, QObject* context,
                         Chosen chosen) override;
     [[nodiscard]] QStringList preferredLanguages() const override;
-    [[nodiscard]] std::optional<qint64> freeBytes(const QString& folder) const override;
 };
 
 } // namespace murmeli

@@ -49,6 +49,15 @@ void MainModel::open(const QString& id)
     leave(std::move(old));
 }
 
+void MainModel::openOnceThere(const QString& id)
+{
+    setTab(Tab::Meetings);
+    if (m_store.list()->find(id)) return open(id);
+    connect(
+        &m_store, &MeetingStore::scanned, this, [this, id] { open(id); }, Qt::SingleShotConnection);
+    m_store.reload();
+}
+
 MeetingDetailModel::Work MainModel::workOn(const Meeting& meeting)
 {
     if (m_work.contains(meeting.id)) return m_work[meeting.id];

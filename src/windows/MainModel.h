@@ -61,6 +61,8 @@ public:
     [[nodiscard]] ViewMemory* views() { return &m_views; }
 
     Q_INVOKABLE void open(const QString& id);
+    /// The same for one that the next scan may bring; in the tab of the meetings.
+    void openOnceThere(const QString& id);
     /// Back to the list. \return the meeting that was open.
     Q_INVOKABLE QString back();
 

@@ -54,7 +54,7 @@ class Recording(JourneyTest):
         [protocol] = (session.home / "Documents").rglob("*.md")
         self.assertNotIn("## Кратко", protocol.read_text("utf-8"), "what only the long form has")
         self.assertEqual(session.notifications(),
-                         ["показано: Murmeli записывает встречу", "показано: Запись завершена"])
+                         ["показано: Murmeli записывает встречу", "показано: Запись завершена", "показано: Протокол готов"])
 
     def watch_the_time_run(self, session: Session) -> None:
         node = session.tree.wait("label", lambda name: seconds_told(name) is not None)

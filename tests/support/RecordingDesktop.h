@@ -29,8 +29,7 @@ public:
     bool peace = false;
     QString name; ///< of the computer
     QStringList languages;
-    QString states;                              ///< folder
-    std::optional<qint64> free = 84'000'000'000; ///< bytes
+    QString states; ///< folder
 
     void openUrl(const QUrl& url) override { opened.append(url); }
     void openFolder(const QString& path) override { folders.append(path); }
@@ -66,7 +65,6 @@ public:
     [[nodiscard]] QString computerName() const override { return name; }
     [[nodiscard]] QStringList preferredLanguages() const override { return languages; }
     [[nodiscard]] QString stateFolder() const override { return states; }
-    [[nodiscard]] std::optional<qint64> freeBytes(const QString&) const override { return free; }
     [[nodiscard]] OwnFolders ownFolders() const override { return {}; }
 };
 

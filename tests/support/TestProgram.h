@@ -18,6 +18,10 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <atomic>
+#include <memory>
+#include <optional>
+
 namespace murmeli {
 
 /// The program in a home of its own. The clock stands still until a test moves it; nothing here touches the
@@ -27,7 +31,10 @@ struct TestProgram {
         const Installation& installation = {.bundlePath = QStringLiteral("/opt/murmeli/bin/murmeli")},
         const QString& homeName = QStringLiteral("murmeli"))
         : home(QDir::tempPath() + u'/' + homeName + QStringLiteral("-XXXXXX")),
-          program(paths, {scheduler, http, processes, desktop, secrets}, installation,
+          program(paths,
+                  {scheduler, http, processes, desktop, secrets,
+                   [free = freeBytes](const QString&) { return std::optional{free->load()}; }},
+                  installation,
                   {.web = server.origin(),
                    .accountSite = QStringLiteral("http://127.0.0.1:1/account"),
                    .backend = server.origin(),
@@ -116,6 +123,8 @@ struct TestProgram {
     SystemProcesses processes;
     RecordingDesktop desktop{home.filePath(QStringLiteral("state/murmeli"))};
     MemorySecrets secrets;
+    std::shared_ptr<std::atomic<qint64>> freeBytes =
+        std::make_shared<std::atomic<qint64>>(84'000'000'000); ///< on the disk
     Program program;
     Prefs& prefs = program.prefs;
     Language& language = program.language;

@@ -27,12 +27,13 @@ struct PanelShot {
     bool update = false;
     bool installing = false;
     bool focus = false;
-    QStringList marks = {};                      ///< the last one is being written
-    bool silent = false;                         ///< the service has stopped writing
-    bool unanswered = false;                     ///< it did not do what it was asked for
-    std::optional<qint64> free = 84'000'000'000; ///< bytes on the disk
-    bool engine = true;                          ///< is installed
-    QByteArray permissions = {};                 ///< what the recorder says of them
+    QStringList marks = {};       ///< the last one is being written
+    bool ready = false;           ///< a summary has come
+    bool silent = false;          ///< the service has stopped writing
+    bool unanswered = false;      ///< it did not do what it was asked for
+    qint64 free = 84'000'000'000; ///< bytes on the disk
+    bool engine = true;           ///< is installed
+    QByteArray permissions = {};  ///< what the recorder says of them
 };
 
 QList<PanelShot> panelShots()
@@ -108,6 +109,7 @@ QList<PanelShot> panelShots()
         {.name = u"pulse-forgotten"_s,
          .state = R"({"status":"recording","telegram_connected":true,"since":1731684180})",
          .signedIn = true},
+        {.name = u"pulse-ready"_s, .state = idle, .signedIn = true, .ready = true},
         {.name = u"pulse-disk-recording"_s, .state = recording, .signedIn = true, .free = 320'000'000},
     };
 }
@@ -141,7 +143,12 @@ bool shoot(const PanelShot& shot, const Frame& frame)
         if (mark != shot.marks.last()) m.program.marks.add();
         m.scheduler.advance(264s);
     }
-    m.desktop.free = shot.free;
+    *m.freeBytes = shot.free;
+    if (shot.ready) {
+        Meeting meeting;
+        meeting.tldr = u"…"_s;
+        emit m.program.summaries.appeared(meeting, {});
+    }
     if (shot.engine) m.installScript(m.paths.recorderScript, "echo '" + shot.permissions + "'");
     if (shot.silent) {
         m.serviceBeats(10, 2);
@@ -152,7 +159,7 @@ bool shoot(const PanelShot& shot, const Frame& frame)
         m.scheduler.advance(12s);
         settle(200);
     }
-    if (shot.free) {
+    if (shot.state.contains("recording")) {
         m.scheduler.advance(30s);
         settle(100);
     }

@@ -157,6 +157,7 @@ private slots:
         opened.remove(1);
         m->scheduler.advance(8s);
         QVERIFY(!opened.removed());
+        QTRY_COMPARE(files().of(u"x"_s).marks.size(), 1);
 
         m->write(m->paths.ownData + u"/margin/x.json"_s,
                  R"({"v":2,"marks":[{"t":1,"at":1,"text":"newer"}]})");

@@ -102,7 +102,7 @@ private slots:
         QFETCH(Reason, reason);
         m->installScript(m->paths.recorderScript, "echo '" + permissions + "'");
         if (rest.contains(u"no engine"_s)) QFile::remove(m->paths.python);
-        m->desktop.free = Pulse::leastFree - rest.contains(u"full"_s);
+        *m->freeBytes = Pulse::leastFree - rest.contains(u"full"_s);
         if (rest.contains(u"taken before"_s)) {
             m->record.toggle();
             QFile::remove(m->paths.commandFile);
@@ -130,11 +130,11 @@ private slots:
     void aFullDiskIsToldOnceARecording()
     {
         QSignalSpy cards{&m->program, &Program::toastWanted};
-        m->desktop.free = Pulse::leastFree;
+        *m->freeBytes = Pulse::leastFree;
         m->serviceSays("recording");
         QTRY_VERIFY(pulse().freeBytes());
         QVERIFY(!pulse().diskRunsOut());
-        m->desktop.free = Pulse::leastFree - 1;
+        *m->freeBytes = Pulse::leastFree - 1;
         m->scheduler.advance(30s);
         QTRY_VERIFY(pulse().diskRunsOut());
         pulse().dismissDisk();
@@ -181,6 +181,51 @@ private slots:
         QVERIFY(!forgotten().shown);
     }
 
+    void whatIsReadyAndWhatIsSlow()
+    {
+        const auto meet = [&](const QByteArray& name, std::chrono::seconds writing) {
+            const double begin = m->scheduler.now();
+            m->serviceWrites("{\"status\":\"recording\",\"since\":" + QByteArray::number(begin, 'f') + '}');
+            m->scheduler.advance(600s - 3s);
+            m->serviceSays("processing");
+            m->scheduler.advance(writing);
+            if (name.isEmpty()) return;
+            m->write(m->paths.logs + u'/' + QString::fromLatin1(name) + u".protocol.json"_s,
+                     "{\"title\":\"secret\",\"tldr\":\"all in "
+                     "short\",\"_meta\":{\"duration_min\":10,\"started_at\":\"" +
+                         QDateTime::fromSecsSinceEpoch(qint64(begin)).toUTC().toString(Qt::ISODate).toUtf8() +
+                         "\"}}");
+            QTRY_VERIFY((m->scheduler.advance(200ms), notice(noticeKind::Ready).shown));
+            m->serviceSays("idle");
+        };
+        QSignalSpy cards{&m->program, &Program::toastWanted};
+        for (const QByteArray& name : {QByteArray{"a"}, QByteArray{"b"}, QByteArray{"c"}}) {
+            QVERIFY(m->panel.usualLine().isEmpty());
+            meet(name, 120s);
+            QVERIFY(!notice(noticeKind::Ready).title.contains(u"secret"_s));
+            m->program.board.dismiss(noticeKind::Ready);
+        }
+        QCOMPARE(cards.size(), 9); // that it records, that it has ended, that it is ready
+        meet({}, 60s);
+        QCOMPARE(m->panel.usualLine(), Message::of("pulse.usual", u"2"_s));
+        m->scheduler.advance(500s); // three times as long as usual, but not ten minutes
+        QVERIFY(!notice(noticeKind::Slow).shown);
+        m->scheduler.advance(90s);
+        QVERIFY(notice(noticeKind::Slow).shown);
+        m->program.board.dismiss(noticeKind::Slow);
+        m->scheduler.advance(600s);
+        QVERIFY(!notice(noticeKind::Slow).shown);
+
+        m->serviceSays("idle");
+        meet("e", 10s);
+        m->program.board.act(noticeKind::Ready, NoticeAction::CopySummary);
+        QCOMPARE(m->desktop.copiedText, u"all in short"_s);
+        QVERIFY(!notice(noticeKind::Ready).shown);
+        meet("f", 10s);
+        m->scheduler.advance(24h);
+        QVERIFY(!notice(noticeKind::Ready).shown);
+    }
+
     void aDayOfOrdinaryStates()
     {
         int said = 0;
@@ -207,7 +252,8 @@ private slots:
 
 private:
     [[nodiscard]] Pulse& pulse() const { return m->program.pulse; }
-    [[nodiscard]] Notice forgotten() const { return m->program.board.notice(noticeKind::Forgotten); }
+    [[nodiscard]] Notice notice(int kind) const { return m->program.board.notice(kind); }
+    [[nodiscard]] Notice forgotten() const { return notice(noticeKind::Forgotten); }
 
     std::unique_ptr<TestProgram> m;
 };
