@@ -187,7 +187,8 @@ class FirstDay(JourneyTest):
                                              None), "the meeting", 30)
         wait_for(lambda: self.session.status() == "idle", "the service to be idle")
         self.wait("panel.title.idle")
-        self.session.tree.wait_gone("alert message", seconds=20)  # banners move what is below them
+        self.press("panel.auth.dismiss")  # that it is ready
+        self.session.tree.wait_gone("alert message", seconds=30)  # banners move what is below them
 
     def read_and_correct(self) -> None:
         self.press("panel.open_app")

@@ -159,7 +159,7 @@ class Tokens(JourneyTest):
         session.press("push button", "Начать запись")
         session.tree.wait("label", "Идёт запись")
         session.press("push button", "Остановить запись")
-        wait_for(lambda: len(session.notifications()) == 2, "the notices")
+        wait_for(lambda: len(session.notifications()) == 3, "the notices")
         values = values_in(address)
         wait_for(lambda: stored(session) == values, "the secrets")
         self.assert_nowhere_else(session, values)
