@@ -1,9 +1,11 @@
-// What a long list and a long analysis take to be seen: views_bench. Prints figures and bounds.
+// What a long list, a long analysis and a long transcript take to be seen: views_bench. Prints figures and
+// bounds.
 
 #include "meetings/MeetingStore.h"
 #include "meetings/ProtocolFinder.h"
 #include "report/ReportLoader.h"
 #include "support/TestProgram.h"
+#include "transcript/TranscriptModel.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -24,6 +26,7 @@ namespace {
 
 constexpr int lines = 12'000; // three hours
 constexpr int items = 500;
+constexpr int transcriptLines = 20'000; // eight hours
 
 void row(const char* what, double figure, const char* unit, double bound)
 {
@@ -172,6 +175,46 @@ void measureReport(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
         "ms", 16.7);
 }
 
+void measureTranscript(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
+{
+    const Meeting meeting{
+        .id = u"b"_s, .title = u"План"_s, .protocolPath = m.home.filePath(u"b.md"_s), .jsonPath = u"/b"_s};
+    QByteArray protocol = "## Транскрипт\n\n";
+    for (int i = 0; i < transcriptLines; ++i) {
+        protocol += "> " + stamp(i) + (i % 3 > 0 ? " Анна: " : " Илья: ") +
+                    QByteArray{"надо решить, кто пишет тексты и когда мы их увидим. "}.repeated(1 + i % 4) +
+                    '\n';
+    }
+    m.write(*meeting.protocolPath, protocol);
+    MeetingMarks marks{m.paths, meeting.id, m.scheduler};
+    TranscriptModel transcript{{.protocols = std::make_shared<ProtocolFinder>(m.paths.vaultDir),
+                                .language = m.language,
+                                .desktop = m.desktop,
+                                .marks = marks}};
+    const double loading =
+        until(&transcript, &TranscriptModel::loadedChanged, [&] { transcript.load(meeting); });
+    View view{engine,
+              window,
+              u"Transcript/TranscriptPane.qml"_s,
+              {{u"transcript"_s, QVariant::fromValue(&transcript)}, {u"meetingLine"_s, u"План"_s}}};
+    row("20 000 lines of a transcript, from the file to the first picture", loading + view.opening(), "ms",
+        100);
+    QQuickItem* list = nullptr;
+    for (QQuickItem* item : view.item()->childItems()) {
+        if (item->inherits("QQuickListView")) list = item;
+    }
+    double worst = 0;
+    for (int step = 0; step < 300; ++step) {
+        worst = std::max(worst, until(&window, &QQuickWindow::frameSwapped, [&] {
+                             list->setProperty("contentY", list->property("contentY").toDouble() + 120);
+                         }));
+    }
+    row("scrolling it, the slowest of 300 pictures", worst, "ms", 16.7);
+    row("finding a word in all of it",
+        until(&transcript, &TranscriptModel::hitsChanged, [&] { transcript.setQuery(u"увидел"_s); }), "ms",
+        100);
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -187,5 +230,6 @@ int main(int argc, char* argv[])
     window.show();
     measureList(m, engine, window);
     measureReport(m, engine, window);
+    measureTranscript(m, engine, window);
     return 0;
 }

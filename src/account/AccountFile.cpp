@@ -6,8 +6,10 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QThread>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -17,6 +19,7 @@ namespace {
 
 constexpr qint64 sizeLimit = 1024 * 1024; // bytes; the file has a few thousand
 constexpr int patience = 20;              // a file that changes so often is nobody's to write
+constexpr int looksAtTorn = 5;
 
 QString chatText(const QJsonValue& value)
 {
@@ -66,7 +69,9 @@ Chat chatIn(const QByteArray& answer)
     if (!document.isArray()) return {};
     const QJsonArray links = document.array();
     if (!std::ranges::all_of(links, [](const QJsonValue& link) { return link.isObject(); })) return {};
-    return {.known = true, .id = chatText(links.isEmpty() ? QJsonValue{} : links[0][u"chat_id"_s])};
+    const QJsonValue id = links.isEmpty() ? QJsonValue{} : links[0][u"chat_id"_s];
+    if (id.isDouble() && std::floor(id.toDouble()) != id.toDouble()) return {};
+    return {.known = true, .id = chatText(id)};
 }
 
 QJsonObject content(const std::optional<QJsonObject>& file, const Session& session, const QString& accountId,
@@ -95,6 +100,10 @@ bool update(const QString& path, const Session& session, const QString& accountI
     for (int tries = 0; tries < patience; ++tries) {
         const auto before = files::readWhole(path, sizeLimit);
         const auto file = before ? json::object(*before) : std::nullopt;
+        if (before && !file && tries < looksAtTorn) {
+            QThread::msleep(40); // the service may be in the middle of its write
+            continue;
+        }
         const QJsonObject object = content(file, session, accountId, chat, tokens);
         if (file == object && files::isPrivate(path)) return true;
         const auto same = [&] { return files::readWhole(path, sizeLimit) == before; };

@@ -172,6 +172,7 @@ void AuthManager::registerDevice()
     QString name = m_desktop.computerName();
     if (name.isEmpty()) name = u"Mac"_s;
     m_http.send(
+        Purpose{u"device"_s},
         m_backend.request("POST", u"/rest/v1/rpc/register_device"_s, freshToken(), {{u"p_name"_s, name}}),
         this, [](const HttpAnswer&) {}); // tried again at the next start
 }
@@ -183,7 +184,8 @@ void AuthManager::syncAccount()
     if (!accountId) return;
     // A new session reaches the service at once: the answer may take a minute, and the store may be missing.
     if (m_fileIsBehind) writeFile(*accountId, {}, sync);
-    m_http.send(m_backend.request("GET", u"/rest/v1/telegram_links?select=chat_id"_s, freshToken()), sync,
+    m_http.send(Purpose{u"account"_s},
+                m_backend.request("GET", u"/rest/v1/telegram_links?select=chat_id"_s, freshToken()), sync,
                 [this, sync, id = *accountId](const HttpAnswer& answer) {
                     writeFile(id, accountFile::chatIn(answer.body), sync);
                 });

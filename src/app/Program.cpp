@@ -1,9 +1,12 @@
 #include "Program.h"
 
+#include "base/Background.h"
+#include "base/Files.h"
 #include "base/Scheduler.h"
 #include "platform/Desktop.h"
 
 #include <QFileInfo>
+#include <QThreadPool>
 
 #include <utility>
 
@@ -69,6 +72,12 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
     connectState();
     connectPanel();
     connectNotices();
+    // Of writes that a kill has ended.
+    startOn(*QThreadPool::globalInstance(),
+            [command = paths.commandFile, spare = outside.desktop.stateFolder() + u"/prefs.json"_s] {
+                files::removeUnfinished(command);
+                files::removeUnfinished(spare);
+            });
 }
 
 Program::~Program() = default;
@@ -87,15 +96,18 @@ void Program::connectState()
     // The panel and the settings show some of the same preferences.
     connect(&settings, &SettingsModel::stored, &panel, &PanelModel::readPreferences);
     connect(&panel, &PanelModel::preferencesChanged, &settings, &SettingsModel::refresh);
-    const auto sayWhy = [this] {
-        emit toastWanted({.title = language.t(u"prefs.unsaved"_s),
-                          .message = language.t(u"prefs.unsaved.why"_s),
-                          .symbol = u"exclamationmark.triangle"_s});
+    const auto saysWhy = [this](const char* title) {
+        return [this, title] {
+            emit toastWanted({.title = language.t(QString::fromLatin1(title)),
+                              .message = language.t(u"prefs.unsaved.why"_s),
+                              .symbol = u"exclamationmark.triangle"_s});
+        };
     };
-    connect(&settings, &SettingsModel::notStored, this, sayWhy);
+    connect(&settings, &SettingsModel::notStored, this, saysWhy("prefs.unsaved"));
     connect(&own, &OwnSettings::notStored, this,
             [this](OwnWritten why) { sayNotWritten(why, paths.ownConfig + u"/settings.json"_s); });
-    connect(&panel, &PanelModel::notStored, this, sayWhy);
+    connect(&panel, &PanelModel::notStored, this, saysWhy("prefs.unsaved"));
+    connect(&glossary, &GlossaryStore::notStored, this, saysWhy("assistant.error.save"));
 }
 
 void Program::connectPanel()
@@ -125,7 +137,10 @@ void Program::connectNotices()
             [this](const Meeting& meeting) { marks.settle({meeting}); });
     connect(&marks, &RecordingMarks::notWritten, this,
             [this](OwnWritten why) { sayNotWritten(why, u"marks.jsonl"_s); });
-    connect(&board, &NoticeBoard::permissionsRequested, &panel, &PanelModel::settingsRequested);
+    connect(&board, &NoticeBoard::permissionsRequested, this, [this] {
+        emit panel.settingsRequested();
+        emit settings.permissionsWanted();
+    });
     connect(&board, &NoticeBoard::installRequested, this, [this] {
         if (!m_setup) beginSetup();
     });
@@ -173,6 +188,8 @@ MainModel& Program::main()
 {
     if (!m_main) {
         m_main = std::make_unique<MainModel>(MainModel::Ground{.paths = paths,
+                                                               .state = state,
+                                                               .marks = marks,
                                                                .account = account,
                                                                .http = m_outside.http,
                                                                .processes = m_outside.processes,

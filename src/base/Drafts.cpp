@@ -29,6 +29,7 @@ Drafts::Drafts(QString file, Scheduler& scheduler, QObject* parent)
     : QObject(parent), m_file(std::move(file)), m_scheduler(scheduler)
 {
     m_writer.setMaxThreadCount(1);
+    startOn(m_writer, [file = m_file] { files::removeUnfinished(file); });
     const auto read = [file = m_file] {
         return json::object(files::readWhole(file, sizeLimit).value_or(QByteArray{})).value_or(QJsonObject{});
     };

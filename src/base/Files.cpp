@@ -4,6 +4,7 @@
 #include <QRandomGenerator>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <dirent.h>
@@ -119,7 +120,8 @@ public:
     Beside(const QByteArray& target, mode_t mode) : m_target(target)
     {
         for (int tries = 0; m_fd < 0 && tries < 100; ++tries) {
-            m_name = target + unfinished + QByteArray::number(QRandomGenerator::global()->generate(), 36);
+            m_name = target + unfinished + QByteArray::number(::getpid()) + '-' +
+                     QByteArray::number(QRandomGenerator::global()->generate(), 36);
             m_fd = ::open(m_name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
             if (m_fd < 0 && errno != EEXIST) return;
         }
@@ -186,6 +188,26 @@ std::optional<QByteArray> readWhole(const QByteArray& nativePath, qint64 limit, 
     }
 }
 
+std::optional<QByteArray> readBeginning(const QString& path, qint64 limit)
+{
+    if (auto bytes = readWhole(path, limit)) return bytes;
+    const QByteArray name = encoded(path);
+    if (!regularAt(name)) return std::nullopt;
+    const Descriptor file{name, O_RDONLY};
+    if (!file.regular()) return std::nullopt;
+    QByteArray bytes(qsizetype(limit), Qt::Uninitialized);
+    qsizetype size = 0;
+    while (size < bytes.size()) {
+        const ssize_t got = ::pread(file.get(), bytes.data() + size, size_t(bytes.size() - size), size);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return std::nullopt;
+        if (got == 0) break;
+        size += got;
+    }
+    bytes.truncate(size);
+    return bytes;
+}
+
 bool isReadable(const QString& path)
 {
     const QByteArray name = encoded(path);
@@ -245,22 +267,42 @@ bool moveOver(const QString& from, const QString& to)
     return ::rename(encoded(from).constData(), encoded(to).constData()) == 0;
 }
 
-bool writeAtomic(const QString& path, const QByteArray& bytes, Durable durable)
+namespace {
+
+Written put(Beside& file, const QByteArray& bytes, Durable durable, const std::function<bool()>& stillWanted)
+{
+    if (!file.write(bytes, durable)) return Written::Failed;
+    if (stillWanted && !stillWanted()) return Written::Overtaken;
+    return file.moveOver() ? Written::Yes : Written::Failed;
+}
+
+Written replace(const QString& path, const QByteArray& bytes, Durable durable,
+                const std::function<bool()>& stillWanted)
 {
     const QByteArray name = behindLinks(encoded(path));
-    if (!nothingElseThan(name)) return false;
+    if (!nothingElseThan(name)) return Written::Failed;
     const auto old = regularAt(name);
     Beside file{name, 0666}; // what the user's mask leaves of it
     if (old) file.setMode(old->st_mode & 07777);
-    return file.write(bytes, durable) && file.moveOver();
+    return put(file, bytes, durable, stillWanted);
+}
+
+} // namespace
+
+bool writeAtomic(const QString& path, const QByteArray& bytes, Durable durable)
+{
+    return replace(path, bytes, durable, {}) == Written::Yes;
+}
+
+Written writeAtomicIf(const QString& path, const QByteArray& bytes, const std::function<bool()>& stillWanted)
+{
+    return replace(path, bytes, Durable::Yes, stillWanted);
 }
 
 Written writePrivate(const QString& path, const QByteArray& bytes, const std::function<bool()>& stillWanted)
 {
     Beside file{encoded(path), 0600};
-    if (!file.write(bytes, Durable::Yes)) return Written::Failed;
-    if (stillWanted && !stillWanted()) return Written::Overtaken;
-    return file.moveOver() ? Written::Yes : Written::Failed;
+    return put(file, bytes, Durable::Yes, stillWanted);
 }
 
 void removeUnfinished(const QString& path)
@@ -268,8 +310,12 @@ void removeUnfinished(const QString& path)
     const QByteArray target = encoded(path);
     const qsizetype slash = target.lastIndexOf('/') + 1;
     const QByteArray folder = target.left(slash);
+    const QByteArray begin = target.sliced(slash) + unfinished;
     for (const QByteArray& name : namesIn(folder).value_or(QList<QByteArray>{})) {
-        if (name.startsWith(target.sliced(slash) + unfinished)) ::unlink((folder + name).constData());
+        if (!name.startsWith(begin)) continue;
+        const pid_t writer = name.sliced(begin.size()).split('-').first().toInt();
+        const bool lives = writer > 0 && (::kill(writer, 0) == 0 || errno == EPERM);
+        if (!lives) ::unlink((folder + name).constData());
     }
 }
 

@@ -27,6 +27,9 @@ std::optional<QByteArray> readWhole(const QString& path, qint64 limit);
 /// The same for a path as the file system spells it; `identity`, when asked for, is that of what was read.
 std::optional<QByteArray> readWhole(const QByteArray& nativePath, qint64 limit, Identity* identity);
 
+/// The same, but of a larger file its first `limit` bytes.
+std::optional<QByteArray> readBeginning(const QString& path, qint64 limit);
+
 /// Whether a regular file stands at `path` that we may read, whatever its size.
 bool isReadable(const QString& path);
 
@@ -68,12 +71,18 @@ enum class Durable { Yes, No };
 
 enum class Written { Yes, Overtaken, Failed };
 
+/// As writeAtomic with Durable::Yes, but only if `stillWanted`, asked when all but the move is done, agrees;
+/// otherwise it is overtaken.
+[[nodiscard]] Written writeAtomicIf(const QString& path, const QByteArray& bytes,
+                                    const std::function<bool()>& stillWanted);
+
 /// As writeAtomic, but readable by the owner alone from the first byte on, whatever stood there before, and
 /// only if `stillWanted`, asked when all but the move is done, agrees; otherwise it is overtaken.
 [[nodiscard]] Written writePrivate(const QString& path, const QByteArray& bytes,
                                    const std::function<bool()>& stillWanted = {});
 
-/// Removes what a kill left of earlier writes to `path` that were not in place.
+/// Removes what a kill left of earlier writes to `path` that were not in place; of programs that live,
+/// nothing.
 void removeUnfinished(const QString& path);
 
 /// Whether a regular file stands at `path` that nobody but its owner may read or write.

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -30,12 +31,25 @@ public:
     ~Exchange() override
     {
         m_reply->disconnect(this);
+        m_brokenOff = m_brokenOff || m_reply->isRunning();
         if (m_reply->isRunning()) m_reply->abort();
+        if (m_brokenOff) endElsewhere();
         m_manager->deleteLater(); // and the reply with it
     }
     Q_DISABLE_COPY_MOVE(Exchange)
 
 private:
+    /// The end of a manager waits until its connection's thread has read what has come, which for a head of
+    /// megabytes takes seconds.
+    void endElsewhere() const
+    {
+        auto* thread = new QThread;
+        connect(m_manager, &QObject::destroyed, thread, &QThread::quit);
+        connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+        m_manager->moveToThread(thread);
+        thread->start(QThread::IdlePriority);
+    }
+
     /// Whether the connection broke off, also behind a status that is an error of its own.
     [[nodiscard]] bool broke(QNetworkReply::NetworkError error) const
     {
@@ -55,6 +69,7 @@ private:
     {
         if (m_answer.failure != HttpAnswer::Failure::None) return;
         m_answer.failure = failure;
+        m_brokenOff = true;
         if (failure == HttpAnswer::Failure::Timeout)
             m_answer.errorText = QCoreApplication::translate("QAbstractSocket", "Socket operation timed out");
         m_answer.body.clear();
@@ -94,6 +109,7 @@ private:
     QNetworkReply* m_reply;
     qint64 m_limit;
     Http::Done m_done;
+    bool m_brokenOff = false; ///< before the server had said all
     HttpAnswer m_answer;
 };
 
@@ -133,7 +149,7 @@ bool isHeaderText(const QByteArray& text)
 
 } // namespace
 
-void NetworkHttp::send(const HttpRequest& request, QObject* context, Done done)
+void NetworkHttp::send(const Purpose&, const HttpRequest& request, QObject* context, Done done)
 {
     const auto plain = [](const auto& header) {
         return isHeaderText(header.first) && isHeaderText(header.second);

@@ -3,14 +3,24 @@
 #include <QByteArray>
 #include <QList>
 #include <QPair>
+#include <QString>
 #include <QUrl>
 
 #include <chrono>
 #include <functional>
+#include <utility>
 
 class QObject;
 
 namespace murmeli {
+
+/// What a request is for, so that nothing leaves the computer unnamed. The rooms above agree on the words.
+struct Purpose {
+    explicit Purpose(QString kind, QString stem = {}) : kind{std::move(kind)}, stem{std::move(stem)} {}
+
+    QString kind; ///< "analysis", "remark", "glossary", "device", "version" or "account"
+    QString stem; ///< of the meeting of which something is sent; empty for most
+};
 
 struct HttpRequest {
     QByteArray method = "GET";
@@ -43,14 +53,14 @@ public:
     /// `done` runs once, on the main thread, or never if `context` has gone (the exchange then ends too).
     /// An HTTP error status is an answer like any other. A request is sent at most once, whatever happens to
     /// its connection, and never with a header that a control character would break.
-    virtual void send(const HttpRequest& request, QObject* context, Done done) = 0;
+    virtual void send(const Purpose& purpose, const HttpRequest& request, QObject* context, Done done) = 0;
 };
 
 /// Over Qt's network stack, with a connection for each request: one that was kept could be gone when it is
 /// needed. Main thread only; nothing is left of a request that has ended.
 class NetworkHttp final : public Http {
 public:
-    void send(const HttpRequest& request, QObject* context, Done done) override;
+    void send(const Purpose& purpose, const HttpRequest& request, QObject* context, Done done) override;
 };
 
 } // namespace murmeli

@@ -42,6 +42,15 @@ Walk walk(const QString& text, qsizetype limit)
 
 QString trimmed(const QString& text) { return text.trimmed(); }
 
+QStringView stripped(QStringView text, QStringView characters)
+{
+    while (!text.isEmpty() && characters.contains(text.front()))
+        text = text.sliced(1);
+    while (!text.isEmpty() && characters.contains(text.back()))
+        text.chop(1);
+    return text;
+}
+
 QString capitalizedFirst(const QString& text)
 {
     const qsizetype end = walk(text, 1).end;

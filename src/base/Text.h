@@ -10,6 +10,9 @@ namespace murmeli::text {
 /// Without white space and line breaks at both ends.
 QString trimmed(const QString& text);
 
+/// Without any of `characters` at both ends.
+QStringView stripped(QStringView text, QStringView characters);
+
 /// First character upper-cased, the rest unchanged.
 QString capitalizedFirst(const QString& text);
 

@@ -3,6 +3,7 @@ import QtQuick.Controls.Basic
 import QtQuick.Window
 import Murmeli.Detail
 import Murmeli.Localisation
+import Murmeli.Meetings
 import Murmeli.Protocol
 import Murmeli.Ui
 
@@ -18,6 +19,9 @@ Column {
 
     function focusFirst(): void {
         back.forceActiveFocus(Qt.OtherFocusReason);
+    }
+    function focusTranscript(): void {
+        transcript.forceActiveFocus(Qt.OtherFocusReason);
     }
     function focusAnalysis(): void {
         analysis.forceActiveFocus(Qt.OtherFocusReason);
@@ -97,6 +101,11 @@ Column {
         color: Theme.text2
         text: root.detail.dateLine
     }
+    HeardNote {
+        width: parent.width
+        topPadding: Theme.gapSmall
+        key: root.detail.heard
+    }
     Flow {
         width: parent.width
         topPadding: 16
@@ -139,6 +148,18 @@ Column {
             type: Theme.sub
             color: Theme.text3
             text: L.t("detail.no_protocol")
+        }
+    }
+    Flow {
+        x: -Theme.gapSmall
+        width: parent.width
+        topPadding: visible ? 6 : 0
+        visible: root.detail.hasTranscript
+        LinkButton {
+            id: transcript
+            symbol: "text.bubble"
+            text: L.t("detail.transcript")
+            onClicked: root.detail.openTranscript("")
         }
     }
     FileLine {

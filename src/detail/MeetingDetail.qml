@@ -5,6 +5,7 @@ import Murmeli.Localisation
 import Murmeli.Margin
 import Murmeli.Protocol
 import Murmeli.Report
+import Murmeli.Transcript
 import Murmeli.Ui
 
 // A meeting's protocol, and the tools to correct it and to pass it on.
@@ -13,6 +14,7 @@ Item {
 
     required property MeetingDetailModel detail
     readonly property bool analysing: detail.analysing
+    readonly property bool reading: detail.reading
 
     signal closed()
 
@@ -20,8 +22,20 @@ Item {
         header.focusFirst();
     }
 
+    // In what is open; whether there is a search in it.
+    function search(): bool {
+        if (reading) (transcript.item as TranscriptPane).search();
+        return reading;
+    }
+
     // One step: from the analysis to the protocol, from there to the meetings.
     function back(): void {
+        if (root.reading) {
+            root.detail.closeTranscript();
+            if (root.analysing) (analysis.item as ReportPane).focusFirst();
+            else header.focusTranscript();
+            return;
+        }
         if (!root.analysing) {
             root.closed();
             return;
@@ -31,7 +45,17 @@ Item {
     }
 
     Keys.onEscapePressed: root.back()
+    Keys.onPressed: event => event.accepted = !root.analysing && !root.reading && ScrollKeys.take(list, event)
 
+    Connections {
+        target: root.Window.window
+        function onActiveFocusItemChanged() {
+            const item = root.Window.activeFocusItem;
+            for (let up = item; up; up = up.parent) {
+                if (up === list.headerItem) list.show(item);
+            }
+        }
+    }
     Connections {
         target: root.detail
         function onChanged() {
@@ -46,7 +70,7 @@ Item {
     Item {
         width: parent.width
         height: parent.height
-        enabled: !root.analysing
+        enabled: !root.analysing && !root.reading
         visible: enabled || opacity > 0
         opacity: enabled ? 1 : 0
         x: enabled ? 0 : -Theme.slide
@@ -69,6 +93,12 @@ Item {
             // Whoever presses a text to select in it is not led by the keyboard.
             readonly property bool led: activeFocus && root.Window.activeFocusItem === list
 
+            // What stands above the protocol's items scrolls with them.
+            function show(item: Item): void {
+                const top = item.mapToItem(contentItem, 0, 0).y;
+                if (top < contentY) contentY = Math.max(originY, top - Theme.padMain);
+                else if (top + item.height > contentY + height) contentY = top + item.height - height + Theme.padMain;
+            }
             function step(by: int): void {
                 if (by < 0 && currentIndex <= 0) positionViewAtBeginning(); // the summary has no stop of its own
                 currentIndex = Math.max(0, Math.min(count - 1, currentIndex + by));
@@ -93,7 +123,7 @@ Item {
             onActiveFocusChanged: if (activeFocus && currentIndex < 0 && count > 0) currentIndex = 0
             Keys.onUpPressed: step(-1)
             Keys.onDownPressed: step(1)
-            Keys.onMenuPressed: if (currentIndex >= 0) menu.openAt(currentItem, Qt.point(176, 30), currentIndex, "")
+            Keys.onMenuPressed: if (currentIndex >= 0) menu.openAt(currentItem, Qt.point(Theme.grown(176), 30), currentIndex, "")
             Keys.onPressed: event => {
                 if (event.matches(StandardKey.Copy)) {
                     root.detail.copyItem(currentIndex);
@@ -212,7 +242,7 @@ Item {
         x: (1 - presence) * Theme.slide
         opacity: presence
         active: presence > 0
-        enabled: root.analysing
+        enabled: root.analysing && !root.reading
         Behavior on presence { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
         onLoaded: (item as ReportPane).focusFirst()
         sourceComponent: ReportPane {
@@ -221,6 +251,23 @@ Item {
             memory: root.detail.views
             meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine
             onBuildAsked: root.detail.buildReport()
+            onClosed: root.back()
+        }
+    }
+    Loader {
+        id: transcript
+        property real presence: root.reading ? 1 : 0
+        width: parent.width
+        height: parent.height
+        x: (1 - presence) * Theme.slide
+        opacity: presence
+        active: presence > 0
+        enabled: root.reading
+        Behavior on presence { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
+        onLoaded: (item as TranscriptPane).focusFirst()
+        sourceComponent: TranscriptPane {
+            transcript: root.detail.transcript
+            meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine
             onClosed: root.back()
         }
     }

@@ -8,6 +8,7 @@
 #include "localisation/Language.h"
 #include "meetings/MeetingCaptions.h"
 #include "meetings/MeetingStore.h"
+#include "meetings/ProtocolFile.h"
 #include "meetings/SummaryFile.h"
 #include "platform/Desktop.h"
 #include "service/Paths.h"
@@ -40,9 +41,14 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
                 .scheduler = ground.scheduler,
                 .protocols = ground.store.protocols(),
                 .webOrigin = ground.webOrigin}),
-      m_marks(ground.paths, meeting.id, ground.scheduler)
+      m_marks(ground.paths, meeting.id, ground.scheduler),
+      m_transcript({.protocols = ground.store.protocols(),
+                    .language = ground.language,
+                    .desktop = ground.desktop,
+                    .marks = m_marks})
 {
     load();
+    connect(&m_report, &ReportLoader::momentWanted, this, &MeetingDetailModel::openTranscript);
     connect(&ground.store, &MeetingStore::scanned, this, [this] {
         if (const Meeting* now = m_ground.store.list()->find(m_meeting.id); now && *now != m_meeting) {
             m_meeting = *now;
@@ -76,11 +82,21 @@ QString MeetingDetailModel::dateLine() const
     return captions::dateLine(m_meeting, today, m_ground.language.current());
 }
 
+QString MeetingDetailModel::heard() const { return captions::heardKey(m_meeting.heard); }
+
 void MeetingDetailModel::load(const std::optional<Correction>& correction)
 {
     const auto read = [meeting = m_meeting, known = m_file, protocol = m_protocol,
+                       knownProtocol = m_protocolFile, hadTranscript = m_hasTranscript,
                        protocols = m_ground.store.protocols()] {
         Content content;
+        const auto lookAtProtocol = [&] {
+            if (!content.protocol) return;
+            content.protocolFile = files::identity(*content.protocol);
+            content.hasTranscript = content.protocolFile == knownProtocol
+                                        ? hadTranscript
+                                        : protocolFile::transcript(*content.protocol).has_value();
+        };
         const auto find = [&] {
             const auto found = protocols->find(meeting);
             return found && QFileInfo::exists(*found) ? found : std::nullopt; // it may have gone meanwhile
@@ -90,6 +106,7 @@ void MeetingDetailModel::load(const std::optional<Correction>& correction)
         if (!content.changed) {
             // The service may write the protocol later than its summary.
             content.protocol = protocol && QFileInfo::exists(*protocol) ? protocol : find();
+            lookAtProtocol();
             return content;
         }
         files::Identity file;
@@ -101,6 +118,7 @@ void MeetingDetailModel::load(const std::optional<Correction>& correction)
             content.edited = protocolItems::isEdited(*summary);
         }
         content.protocol = find();
+        lookAtProtocol();
         return content;
     };
     inBackground(this, read, [this, correction](const Content& content) { take(content, correction); });
@@ -119,6 +137,9 @@ void MeetingDetailModel::take(const Content& content, const std::optional<Correc
     }
     const bool moved = std::exchange(m_protocol, content.protocol) != content.protocol;
     if (m_analysing && (content.changed || moved)) m_report.follow(m_meeting);
+    const bool rewritten = std::exchange(m_protocolFile, content.protocolFile) != content.protocolFile;
+    m_hasTranscript = content.hasTranscript;
+    if (m_reading && (moved || rewritten)) m_transcript.load(m_meeting);
     emit changed(); // and the day may have
     if (correction)
         emit corrected(m_sections.markCorrected(correction->section, correction->index, correction->before));
@@ -194,6 +215,21 @@ void MeetingDetailModel::openReport()
 void MeetingDetailModel::closeReport()
 {
     if (std::exchange(m_analysing, false)) emit analysingChanged();
+}
+
+void MeetingDetailModel::openTranscript(const QString& stamp)
+{
+    m_transcript.openAt(stamp);
+    if (std::exchange(m_reading, true)) return;
+    m_transcript.load(m_meeting);
+    emit readingChanged();
+}
+
+void MeetingDetailModel::closeTranscript()
+{
+    if (!std::exchange(m_reading, false)) return;
+    emit readingChanged();
+    m_transcript.close();
 }
 
 void MeetingDetailModel::buildReport() { m_report.build(m_meeting); }

@@ -10,6 +10,7 @@
 #include "protocol/ProtocolFileMaker.h"
 #include "protocol/SectionListModel.h"
 #include "report/ReportLoader.h"
+#include "transcript/TranscriptModel.h"
 #include "ui/ViewMemory.h"
 
 #include <QObject>
@@ -32,9 +33,13 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(QString title READ title NOTIFY changed FINAL)
     Q_PROPERTY(QString tldr READ tldr NOTIFY changed FINAL)
     Q_PROPERTY(QString dateLine READ dateLine NOTIFY changed FINAL) ///< day and time
+    Q_PROPERTY(
+        QString heard READ heard NOTIFY changed FINAL) ///< key of what is wrong with its sound, or empty
     Q_PROPERTY(bool edited READ edited NOTIFY changed FINAL)
     Q_PROPERTY(bool loaded READ loaded NOTIFY changed FINAL)
     Q_PROPERTY(bool hasProtocol READ hasProtocol NOTIFY changed FINAL)
+    Q_PROPERTY(bool hasTranscript READ hasTranscript NOTIFY changed FINAL)
+    Q_PROPERTY(bool reading READ reading NOTIFY readingChanged FINAL)             ///< the transcript is open
     Q_PROPERTY(bool analysing READ analysing NOTIFY analysingChanged FINAL)       ///< the analysis is open
     Q_PROPERTY(QString draft READ draft WRITE setDraft NOTIFY draftChanged FINAL) ///< of a remark
     Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
@@ -43,6 +48,7 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::ReportLoader* report READ report CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolFileMaker* files READ files CONSTANT FINAL)
+    Q_PROPERTY(murmeli::TranscriptModel* transcript READ transcript CONSTANT FINAL)
     Q_PROPERTY(murmeli::MeetingMarks* marks READ marks CONSTANT FINAL)
     Q_PROPERTY(murmeli::ViewMemory* views READ views CONSTANT FINAL)
 
@@ -75,6 +81,7 @@ public:
     [[nodiscard]] QString title() const;
     [[nodiscard]] QString tldr() const;
     [[nodiscard]] QString dateLine() const;
+    [[nodiscard]] QString heard() const;
     [[nodiscard]] bool edited() const { return m_edited; }
     [[nodiscard]] bool loaded() const { return m_loaded; }
     [[nodiscard]] bool hasProtocol() const { return m_protocol.has_value(); }
@@ -87,6 +94,9 @@ public:
     [[nodiscard]] ReportLoader* report() { return &m_report; }
     [[nodiscard]] ProtocolFileMaker* files() { return m_work.files.get(); }
     [[nodiscard]] bool analysing() const { return m_analysing; }
+    [[nodiscard]] bool hasTranscript() const { return m_hasTranscript; }
+    [[nodiscard]] bool reading() const { return m_reading; }
+    [[nodiscard]] TranscriptModel* transcript() { return &m_transcript; }
     [[nodiscard]] MeetingMarks* marks() { return &m_marks; }
     [[nodiscard]] ViewMemory* views() { return &m_views; }
 
@@ -117,6 +127,9 @@ public:
     /// Reads the analysis that is stored, and again with every change of the meeting until it is closed.
     Q_INVOKABLE void openReport();
     Q_INVOKABLE void closeReport();
+    /// Opens the transcript, at a stamp if there is one.
+    Q_INVOKABLE void openTranscript(const QString& stamp);
+    Q_INVOKABLE void closeTranscript();
     /// Asks for an analysis.
     Q_INVOKABLE void buildReport();
 
@@ -124,6 +137,7 @@ signals:
     void changed();
     void draftChanged();
     void analysingChanged();
+    void readingChanged();
     void built(const QString& path);
     void corrected(int row); ///< the protocol was: where, in the list of sections
 
@@ -135,6 +149,8 @@ private:
         QList<ProtocolSection> sections;
         bool edited = false;
         std::optional<QString> protocol;
+        files::Identity protocolFile;
+        bool hasTranscript = false;
     };
     struct Correction {
         QString section;
@@ -152,8 +168,12 @@ private:
     Work m_work;
     ReportLoader m_report;
     MeetingMarks m_marks;
+    TranscriptModel m_transcript;
     std::optional<QString> m_protocol;
+    files::Identity m_protocolFile;
+    bool m_hasTranscript = false;
     bool m_analysing = false;
+    bool m_reading = false;
     ViewMemory m_views{nullptr};
     bool m_edited = false;
     bool m_loaded = false;

@@ -79,7 +79,7 @@ void GlossaryStore::followPerson()
     const auto before = std::exchange(m_person, person);
     if (before == person) return;
     if (!before) { // the first to sign in here
-        if (m_unsent || !m_entries.isEmpty()) m_prefs.set(personKey, *person);
+        if (m_unsent || !m_entries.isEmpty()) store({{personKey, *person}});
         return;
     }
     QJsonObject others = m_prefs.load().value(othersKey).toObject();
@@ -95,10 +95,10 @@ void GlossaryStore::followPerson()
     setEntries(text);
     emit personChanged();
     // In one write, so that no interruption gives one person's words to another.
-    m_prefs.set({{othersKey, others},
-                 {baseKey, m_unsent ? QJsonValue{m_base} : QJsonValue{}},
-                 {copyKey, text},
-                 {personKey, *person}});
+    store({{othersKey, others},
+           {baseKey, m_unsent ? QJsonValue{m_base} : QJsonValue{}},
+           {copyKey, text},
+           {personKey, *person}});
     emit changed();
 }
 
@@ -108,7 +108,7 @@ void GlossaryStore::setEntries(const QString& text)
     if (std::exchange(m_entries, entries) != entries) emit entriesChanged();
 }
 
-void GlossaryStore::keepCopy(const QString& text, bool sent)
+bool GlossaryStore::keepCopy(const QString& text, bool sent)
 {
     m_unsent = !sent;
     if (sent) m_base = text;
@@ -116,7 +116,14 @@ void GlossaryStore::keepCopy(const QString& text, bool sent)
     if (!sent) members[baseKey] = m_base;
     if (sent && m_prefs.load().contains(baseKey)) members[baseKey] = QJsonValue::Null;
     if (m_person) members[personKey] = *m_person;
-    m_prefs.set(members);
+    return store(members);
+}
+
+bool GlossaryStore::store(const QJsonObject& members)
+{
+    const bool stored = m_prefs.set(members);
+    if (!stored) emit notStored();
+    return stored;
 }
 
 bool GlossaryStore::known() const { return m_loaded || !m_account.isAuthed(); }
@@ -129,7 +136,7 @@ void GlossaryStore::reload()
     emit changed();
     auto request = m_account.backend().request("GET", u"/rest/v1/profiles?select=glossary"_s, token);
     request.answerLimit = mostWords;
-    m_http.send(request, load, [this](const HttpAnswer& answer) {
+    m_http.send(Purpose{u"glossary"_s}, request, load, [this](const HttpAnswer& answer) {
         m_load.end();
         loaded(answer);
         emit changed();
@@ -162,16 +169,16 @@ void GlossaryStore::loaded(const HttpAnswer& answer)
     send();
 }
 
-void GlossaryStore::save(const QList<GlossaryEntry>& entries, Then then)
+bool GlossaryStore::save(const QList<GlossaryEntry>& entries, Then then)
 {
     const QString text = glossaryText::serialised(entries);
     setEntries(text);
-    keepCopy(text, false);
+    const bool kept = keepCopy(text, false);
     if (m_account.freshToken().isEmpty()) {
         m_syncError = Message::of("assistant.error.auth");
         emit changed();
         if (then) then(false);
-        return;
+        return kept;
     }
     if (then) m_waiting.push_back(std::move(then));
     if (m_loaded) {
@@ -179,6 +186,7 @@ void GlossaryStore::save(const QList<GlossaryEntry>& entries, Then then)
     } else {
         reload(); // what is there must not be overwritten unseen
     }
+    return true;
 }
 
 void GlossaryStore::send()
@@ -187,7 +195,7 @@ void GlossaryStore::send()
     auto request = m_account.backend().request("PATCH", u"/rest/v1/profiles"_s, m_account.freshToken(),
                                                {{u"glossary"_s, text}});
     request.headers.emplaceBack("Prefer", "return=minimal");
-    m_http.send(request, m_save.renew(), [this, text](const HttpAnswer& answer) {
+    m_http.send(Purpose{u"glossary"_s}, request, m_save.renew(), [this, text](const HttpAnswer& answer) {
         if (answer.ok()) {
             m_syncError = {};
             m_savedAt = m_scheduler.moment();
@@ -212,8 +220,7 @@ QString GlossaryStore::learn(const QString& heard, const QString& correct)
     const GlossaryEntry entry{text::trimmed(text::oneLine(heard)), text::trimmed(text::oneLine(correct))};
     const auto entries = glossaryText::learned(m_entries, entry.heard, entry.correct);
     if (!entries) return {};
-    save(*entries);
-    return entry.line();
+    return save(*entries) ? entry.line() : QString{};
 }
 
 } // namespace murmeli

@@ -50,21 +50,25 @@ public:
     /// Fetches the glossary; nothing when signed out.
     Q_INVOKABLE void reload();
 
-    /// Replaces the glossary, here at once and then on the backend.
-    void save(const QList<GlossaryEntry>& entries, Then then = {});
+    /// Replaces the glossary, here at once and then on the backend. \return false when it could be kept in
+    /// neither place.
+    bool save(const QList<GlossaryEntry>& entries, Then then = {});
 
-    /// Adds or changes one rule and saves. \return its line, empty when there is nothing to learn.
+    /// Adds or changes one rule and saves. \return its line, empty when there is nothing to learn, or it
+    /// could not be kept.
     Q_INVOKABLE QString learn(const QString& heard, const QString& correct);
 
 signals:
     void changed();
     void personChanged(); ///< what stands here now is another's
     void entriesChanged();
+    void notStored(); ///< the copy in the preferences
 
 private:
     void setEntries(const QString& text);
     void followPerson();
-    void keepCopy(const QString& text, bool sent);
+    bool keepCopy(const QString& text, bool sent);
+    bool store(const QJsonObject& members);
     void loaded(const HttpAnswer& answer);
     void send();
     void finish(bool saved);

@@ -86,9 +86,16 @@ QList<GlossaryEntry> merged(const QList<GlossaryEntry>& base, const QList<Glossa
 {
     const QSet<GlossaryEntry> inBase{base.begin(), base.end()};
     const QSet<GlossaryEntry> inMine{mine.begin(), mine.end()};
+    const auto folded = [](const GlossaryEntry& rule) { return text::trimmed(rule.heard).toCaseFolded(); };
+    QSet<QString> ruledAnew; // a rule that was changed on both sides is written as mine says
+    for (const GlossaryEntry& entry : mine) {
+        if (!inBase.contains(entry) && entry.isRule()) ruledAnew.insert(folded(entry));
+    }
     QList<GlossaryEntry> kept;
     for (const GlossaryEntry& entry : theirs) {
-        if (!inBase.contains(entry) || inMine.contains(entry)) kept.append(entry);
+        const bool mineToo = inMine.contains(entry);
+        if (!mineToo && entry.isRule() && ruledAnew.contains(folded(entry))) continue;
+        if (!inBase.contains(entry) || mineToo) kept.append(entry);
     }
     QSet<GlossaryEntry> known{kept.begin(), kept.end()};
     QList<GlossaryEntry> top;

@@ -45,47 +45,55 @@ Card {
             }
         }
     }
-    Repeater {
-        model: root.marks.latest
-        delegate: Item {
-            id: row
+    ColumnLayout {
+        Layout.fillWidth: true
+        visible: root.marks.latest.length > 0
+        spacing: 0
+        Accessible.role: Accessible.List
+        Accessible.name: L.t("mark.section")
 
-            required property mark modelData
+        Repeater {
+            model: root.marks.latest
+            delegate: Item {
+                id: row
 
-            Layout.fillWidth: true
-            implicitHeight: Theme.grown(34)
-            Accessible.role: Accessible.ListItem
-            Accessible.name: modelData.stamp + ", " + modelData.text
+                required property mark modelData
 
-            Rectangle {
-                width: parent.width
-                height: Theme.hair
-                color: Theme.line
-            }
-            Symbol {
-                id: glyph
-                x: Theme.padPanel + (Theme.symbolRow - width) / 2
-                anchors.verticalCenter: parent.verticalCenter
-                size: Theme.symbolSmall
-                name: "bookmark.fill"
-                ink: Theme.text3
-            }
-            Label {
-                anchors { left: parent.left; leftMargin: Theme.padPanel + Theme.symbolRow + Theme.gapGroup; right: stamp.left; rightMargin: Theme.gapRow }
-                anchors.verticalCenter: parent.verticalCenter
-                type: Theme.sub
-                color: Theme.text2
-                elide: Text.ElideRight
-                text: row.modelData.text
-                Accessible.ignored: true
-            }
-            Label {
-                id: stamp
-                anchors { right: parent.right; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
-                type: Theme.caption
-                color: Theme.text3
-                text: row.modelData.stamp
-                Accessible.ignored: true
+                Layout.fillWidth: true
+                implicitHeight: Theme.grown(34)
+                Accessible.role: Accessible.ListItem
+                Accessible.name: modelData.stamp + ", " + modelData.text
+
+                Rectangle {
+                    width: parent.width
+                    height: Theme.hair
+                    color: Theme.line
+                }
+                Symbol {
+                    id: glyph
+                    x: Theme.padPanel + (Theme.symbolRow - width) / 2
+                    anchors.verticalCenter: parent.verticalCenter
+                    size: Theme.symbolSmall
+                    name: "bookmark.fill"
+                    ink: Theme.text3
+                }
+                Label {
+                    anchors { left: parent.left; leftMargin: Theme.padPanel + Theme.symbolRow + Theme.gapGroup; right: stamp.left; rightMargin: Theme.gapRow }
+                    anchors.verticalCenter: parent.verticalCenter
+                    type: Theme.sub
+                    color: Theme.text2
+                    elide: Text.ElideRight
+                    text: row.modelData.text
+                    Accessible.ignored: true
+                }
+                Label {
+                    id: stamp
+                    anchors { right: parent.right; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
+                    type: Theme.caption
+                    color: Theme.text3
+                    text: row.modelData.stamp
+                    Accessible.ignored: true
+                }
             }
         }
     }

@@ -12,7 +12,7 @@ Item {
     required property MeetingMarks marks
     readonly property bool wanted: marks.marks.length > 0 || marks.removed || marks.failed
 
-    implicitHeight: wanted ? rows.height + 34 : 0
+    implicitHeight: wanted ? Math.max(rows.height, Theme.grown(44)) + 34 : 0
     visible: wanted
 
     Rectangle {
@@ -21,6 +21,7 @@ Item {
         color: Theme.line
     }
     Label {
+        id: heading
         y: 18
         width: Theme.grown(140)
         type: Theme.labelStrong
@@ -28,9 +29,16 @@ Item {
         text: L.t("mark.section")
         Accessible.role: Accessible.Heading
     }
+    Label {
+        anchors { top: heading.bottom; left: heading.left; right: heading.right }
+        type: Theme.caption
+        color: Theme.text3
+        wrapMode: Text.Wrap
+        text: L.t("mark.private")
+    }
     Column {
         id: rows
-        x: 176
+        x: Theme.grown(176)
         y: 14
         width: parent.width - x
         spacing: 2
@@ -49,22 +57,9 @@ Item {
                 onRemoved: root.marks.remove(index)
             }
         }
-        Row {
+        RemovedMark {
             visible: root.marks.removed
-            height: visible ? Theme.grown(30) : 0
-            spacing: Theme.gapRow
-            Label {
-                anchors.verticalCenter: parent.verticalCenter
-                type: Theme.sub
-                color: Theme.text2
-                text: L.t("mark.removed")
-                Accessible.role: Accessible.AlertMessage
-            }
-            PillButton {
-                anchors.verticalCenter: parent.verticalCenter
-                text: L.t("mark.bring_back")
-                onClicked: root.marks.bringBack()
-            }
+            onRegretted: root.marks.bringBack()
         }
         Label {
             width: parent.width

@@ -36,6 +36,14 @@ void MeetingMarks::load()
     });
 }
 
+void MeetingMarks::add(const Mark& mark)
+{
+    if (m_marks.contains(mark)) return;
+    m_marks.insert(std::ranges::upper_bound(m_marks, mark.time, {}, &Mark::time), mark);
+    emit changed();
+    write([files = m_files, meeting = m_meeting, mark] { return files.addTo(meeting, mark); });
+}
+
 void MeetingMarks::edit(int index, const QString& text)
 {
     if (index < 0 || index >= m_marks.size()) return;
@@ -61,10 +69,7 @@ void MeetingMarks::bringBack()
 {
     if (!m_removed) return;
     m_regret.end();
-    const Mark mark = *std::exchange(m_removed, std::nullopt);
-    m_marks.insert(std::ranges::upper_bound(m_marks, mark.time, {}, &Mark::time), mark);
-    emit changed();
-    write([files = m_files, meeting = m_meeting, mark] { return files.addTo(meeting, mark); });
+    add(*std::exchange(m_removed, std::nullopt));
 }
 
 void MeetingMarks::write(std::function<OwnWritten()> work)

@@ -31,6 +31,8 @@ public:
     [[nodiscard]] bool removed() const { return m_removed.has_value(); }
     [[nodiscard]] bool failed() const { return m_failed; }
 
+    /// Notes something to a moment that has passed.
+    void add(const Mark& mark);
     /// Another text for a mark; without one it is removed.
     Q_INVOKABLE void edit(int index, const QString& text);
     Q_INVOKABLE void remove(int index) { edit(index, {}); }

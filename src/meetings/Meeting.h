@@ -7,6 +7,13 @@
 
 namespace murmeli {
 
+/// What is known to be wrong with a recording's sound.
+enum class Heard {
+    Enough, ///< or nobody can tell
+    Little, ///< hardly any speech
+    OneVoice,
+};
+
 /// One recorded meeting, as its summary file tells it.
 struct Meeting {
     QString id; ///< the summary file's name without its suffix: the stem
@@ -16,6 +23,7 @@ struct Meeting {
     std::optional<double> durationMin; ///< minutes
     std::optional<QString> protocolPath;
     QString jsonPath; ///< the summary file
+    Heard heard = Heard::Enough;
 
     /// When it ended; nothing without a length.
     [[nodiscard]] std::optional<QDateTime> endedAt() const;

@@ -30,4 +30,17 @@ QString dateLine(const Meeting& meeting, const QDate& today, const QString& lang
            timeRange(meeting, language);
 }
 
+QString heardKey(Heard heard)
+{
+    switch (heard) {
+    case Heard::Little:
+        return u"pulse.little"_s;
+    case Heard::OneVoice:
+        return u"pulse.little.voice"_s;
+    case Heard::Enough:
+        break;
+    }
+    return {};
+}
+
 } // namespace murmeli::captions

@@ -15,4 +15,7 @@ QString timeRange(const Meeting& meeting, const QString& language);
 /// Day and time in one line.
 QString dateLine(const Meeting& meeting, const QDate& today, const QString& language);
 
+/// The key of what is said about a recording's sound; empty when that is nothing.
+QString heardKey(Heard heard);
+
 } // namespace murmeli::captions

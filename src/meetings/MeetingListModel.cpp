@@ -100,7 +100,10 @@ bool MeetingListModel::becomeByDifference(const QList<ListedMeeting>& rows)
     int at = 0;
     for (; at < rows.size(); ++at) {
         if (at < count() && m_shown[at].meeting.id == rows[at].meeting.id) {
-            if (m_shown[at] == rows[at]) continue;
+            const auto offset = [](const ListedMeeting& row) {
+                return row.meeting.startedAt.offsetFromUtc();
+            };
+            if (m_shown[at] == rows[at] && offset(m_shown[at]) == offset(rows[at])) continue;
             m_shown[at] = rows[at];
             emit dataChanged(index(at), index(at));
             continue;
@@ -172,6 +175,8 @@ QVariant MeetingListModel::data(const QModelIndex& index, int role) const
         return hit(meeting.title);
     case SummaryHitRole:
         return hit(meeting.tldr);
+    case HeardRole:
+        return captions::heardKey(meeting.heard);
     default:
         return {};
     }
@@ -179,9 +184,14 @@ QVariant MeetingListModel::data(const QModelIndex& index, int role) const
 
 QHash<int, QByteArray> MeetingListModel::roleNames() const
 {
-    return {
-        {IdRole, "meetingId"}, {TitleRole, "title"},       {SummaryRole, "summary"},      {TimeRole, "time"},
-        {DayRole, "day"},      {TitleHitRole, "titleHit"}, {SummaryHitRole, "summaryHit"}};
+    return {{IdRole, "meetingId"},
+            {TitleRole, "title"},
+            {SummaryRole, "summary"},
+            {TimeRole, "time"},
+            {DayRole, "day"},
+            {TitleHitRole, "titleHit"},
+            {SummaryHitRole, "summaryHit"},
+            {HeardRole, "heard"}};
 }
 
 } // namespace murmeli

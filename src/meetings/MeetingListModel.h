@@ -28,7 +28,8 @@ public:
         TimeRole,
         DayRole,
         TitleHitRole,
-        SummaryHitRole
+        SummaryHitRole,
+        HeardRole
     };
 
     /// \param language in which times are written.
@@ -47,6 +48,8 @@ public:
     /// The meetings as a scan found them; `today` is the day it is.
     void setMeetings(const QList<ListedMeeting>& meetings, const QDate& today);
 
+    /// All of them, whatever is searched for; the newest first.
+    [[nodiscard]] const QList<ListedMeeting>& all() const { return m_all; }
     [[nodiscard]] const Meeting* find(const QString& id) const;
 
     Q_INVOKABLE [[nodiscard]] QString idAt(int row) const;

@@ -12,6 +12,7 @@ Item {
     required property string summary
     required property point titleHit
     required property point summaryHit
+    required property string heard
     property string dayText
     property bool first: false // of its day
     property bool current: false
@@ -42,7 +43,7 @@ Item {
 
         Accessible.role: Accessible.ListItem
         Accessible.name: root.title + ", " + root.dayText.toLowerCase() + ", " + root.time
-        Accessible.description: root.summary
+        Accessible.description: (note.text ? note.text + ". " : "") + root.summary
         Accessible.focusable: true
         Accessible.focused: root.current
         Accessible.onPressAction: root.opened()
@@ -84,6 +85,12 @@ Item {
                 text: root.summary
                 hit: root.summaryHit
                 Accessible.ignored: true
+            }
+            HeardNote {
+                id: note
+                width: parent.width
+                alreadySaid: true
+                key: root.heard
             }
         }
         Symbol {

@@ -4,9 +4,11 @@
 #include "base/HandOver.h"
 
 #include <QFile>
+#include <QTimeZone>
 #include <QtConcurrentMap>
 
 #include <algorithm>
+#include <ctime>
 #include <utility>
 #include <vector>
 
@@ -52,6 +54,12 @@ MeetingScanner::Result MeetingScanner::scan()
 {
     Result result;
     result.changed = m_scan++ == 0;
+    // Starts are kept in local time.
+    const QByteArray zone = QTimeZone::systemTimeZoneId();
+    if (std::exchange(m_zone, zone) != zone) {
+        ::tzset();
+        m_known.clear();
+    }
     std::vector<Look> looks;
     for (const QByteArray& name : files::namesIn(m_folder).value_or(QList<QByteArray>{})) {
         if (!name.endsWith(summaryFile::suffix.data())) continue;
@@ -62,7 +70,7 @@ MeetingScanner::Result MeetingScanner::scan()
     }
     const HandOver handOver;
     handOver.give();
-    QtConcurrent::blockingMap(looks, [this, &handOver](Look& one) {
+    QtConcurrent::blockingMap(&m_readers, looks, [this, &handOver](Look& one) {
         handOver.take();
         look(one);
         handOver.give();

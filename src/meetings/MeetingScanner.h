@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QThreadPool>
 
 #include <unordered_map>
 
@@ -51,9 +52,11 @@ private:
     [[nodiscard]] QList<ListedMeeting> sorted() const;
 
     QByteArray m_folder;
+    QByteArray m_zone; ///< its id, as of the last scan
     std::unordered_map<std::string, Known> m_known;
     QList<ListedMeeting> m_sorted;
     quint64 m_scan = 0;
+    QThreadPool m_readers; ///< its own: the process's pool may have just the thread that waits for them
 };
 
 } // namespace murmeli

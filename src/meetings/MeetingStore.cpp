@@ -27,7 +27,8 @@ MeetingStore::MeetingStore(const Paths& paths, const Language& language, Schedul
       m_scheduler(scheduler),
       m_list(language),
       m_protocols(std::make_shared<ProtocolFinder>(paths.vaultDir)),
-      m_scanner(std::make_shared<MeetingScanner>(paths.logs))
+      m_scanner(std::make_shared<MeetingScanner>(paths.logs)),
+      m_hearing(std::make_shared<Hearing>())
 {
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &MeetingStore::reloadSoon);
     setWatching(true);
@@ -73,13 +74,50 @@ void MeetingStore::reload()
 void MeetingStore::take(const MeetingScanner::Result& result)
 {
     const QDate today = m_scheduler.moment().date();
-    if (result.changed || today != m_list.today()) m_list.setMeetings(result.meetings, today);
+    if (result.changed) {
+        m_found = result.meetings;
+        listen();
+    }
+    if (result.changed || today != m_list.today()) show(today);
     m_loading = false;
     m_loaded = true;
     emit loadingChanged();
     emit scanned();
     if (result.restless) m_scheduler.after(restlessTime, this, [this] { reload(); });
     if (std::exchange(m_again, false)) reload();
+}
+
+void MeetingStore::show(const QDate& today)
+{
+    QList<ListedMeeting> meetings = m_found;
+    for (qsizetype i = 0; !m_tooShort.isEmpty() && i < meetings.size(); ++i) {
+        if (m_tooShort.contains(meetings.at(i).meeting.id)) meetings[i].meeting.heard = Heard::Little;
+    }
+    m_list.setMeetings(meetings, today);
+}
+
+// Apart from the scan, since the protocols may lie on a disk that does not answer.
+void MeetingStore::listen()
+{
+    if (m_listening) {
+        m_listenAgain = true;
+        return;
+    }
+    m_listening = true;
+    QList<Meeting> meetings;
+    meetings.reserve(m_found.size());
+    for (const ListedMeeting& one : std::as_const(m_found))
+        meetings.append(one.meeting);
+    inBackground(
+        this, [hearing = m_hearing, meetings] { return hearing->tooShort(meetings); },
+        [this](const QSet<QString>& tooShort) {
+            m_listening = false;
+            if (std::exchange(m_tooShort, tooShort) != tooShort) {
+                show(m_scheduler.moment().date());
+                emit scanned();
+            }
+            if (std::exchange(m_listenAgain, false)) listen();
+        });
 }
 
 } // namespace murmeli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Hearing.h"
 #include "MeetingListModel.h"
 #include "ProtocolFinder.h"
 #include "base/Lease.h"
@@ -43,10 +44,13 @@ public:
 
 signals:
     void loadingChanged();
-    void scanned(); ///< after every scan, also when nothing has changed
+    void
+    scanned(); ///< after every scan, also when nothing has changed, and when more is known of its meetings
 
 private:
     void take(const MeetingScanner::Result& result);
+    void show(const QDate& today);
+    void listen();
     void watchFolder();
     void reloadSoon();
 
@@ -55,12 +59,17 @@ private:
     MeetingListModel m_list;
     std::shared_ptr<ProtocolFinder> m_protocols;
     std::shared_ptr<MeetingScanner> m_scanner; ///< used by one scan at a time
+    std::shared_ptr<Hearing> m_hearing;        ///< used by one reading at a time
+    QList<ListedMeeting> m_found;
+    QSet<QString> m_tooShort; ///< ids of meetings with hardly any transcript
     QFileSystemWatcher m_watcher;
     Lease m_watching;
     bool m_loading = false;
     bool m_loaded = false;
     bool m_again = false; ///< asked for while a scan ran
     bool m_soon = false;
+    bool m_listening = false;
+    bool m_listenAgain = false;
 };
 
 } // namespace murmeli

@@ -13,6 +13,7 @@ Item {
     required property MeetingStore store
     property ViewMemory memory: null
     property bool beginning: false
+    default property alias notice: above.data // what is said above the list
 
     signal opened(string id)
 
@@ -50,9 +51,14 @@ Item {
         onTextChanged: root.store.list.query = text
         Keys.onDownPressed: list.forceActiveFocus(Qt.TabFocusReason)
     }
+    Column {
+        id: above
+        anchors { left: parent.left; right: parent.right; top: heading.bottom; topMargin: 12 }
+        leftPadding: 20
+    }
     ListView {
         id: list
-        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; top: heading.bottom; topMargin: 12 }
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; top: above.bottom }
         clip: true
         reuseItems: true
         cacheBuffer: 0 // rows are reused; spare ones would only delay the first picture

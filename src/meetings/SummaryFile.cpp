@@ -1,8 +1,10 @@
 #include "SummaryFile.h"
 
+#include "Hearing.h"
 #include "base/Json.h"
 #include "base/Text.h"
 
+#include <QJsonArray>
 #include <QRegularExpression>
 
 #include <ctime>
@@ -23,6 +25,8 @@ struct Said {
     std::optional<double> durationMin;
     std::optional<QString> protocol;
     std::optional<QString> startedAt;
+    std::optional<double> speechShare; ///< where it is exact
+    std::optional<qsizetype> speakers;
 };
 
 /// Of members with one name the last counts, as everywhere else. \return false when it is of another type.
@@ -56,6 +60,12 @@ Said readFast(const dom::object& summary)
         said.durationMin = number(meta, "duration_min");
         said.protocol = text(meta, "protocol_md");
         said.startedAt = text(meta, "started_at");
+        if (dom::object analytics; take(meta, "analytics", analytics)) {
+            if (text(analytics, "source") == u"segments"_s)
+                said.speechShare = number(analytics, "speech_share");
+            if (dom::array speakers; take(analytics, "speakers", speakers))
+                said.speakers = qsizetype(speakers.size());
+        }
     }
     return said;
 }
@@ -77,11 +87,16 @@ std::optional<Said> read(const QByteArray& bytes)
     const auto object = json::object(bytes);
     if (!object) return std::nullopt;
     const QJsonObject meta = object->value("_meta"_L1).toObject();
+    const QJsonObject analytics = meta["analytics"_L1].toObject();
+    const bool exact = json::text(analytics, "source"_L1) == "segments"_L1;
+    const QJsonValue speakers = analytics["speakers"_L1];
     return Said{.title = json::optionalText(*object, "title"_L1),
                 .tldr = json::optionalText(*object, "tldr"_L1),
                 .durationMin = json::number(meta, "duration_min"_L1),
                 .protocol = json::optionalText(meta, "protocol_md"_L1),
-                .startedAt = json::optionalText(meta, "started_at"_L1)};
+                .startedAt = json::optionalText(meta, "started_at"_L1),
+                .speechShare = exact ? json::number(analytics, "speech_share"_L1) : std::nullopt,
+                .speakers = speakers.isArray() ? std::optional{speakers.toArray().size()} : std::nullopt};
 }
 
 /// With the offset that local time has at that moment. A date in local time as such would make the system
@@ -130,6 +145,7 @@ std::optional<Meeting> meeting(const QByteArray& bytes, const QString& path, con
     if (!started) started = dateFromStem(stem);
     if (!started) started = QDateTime::fromMSecsSinceEpoch(modifiedMs.value_or(0));
     meeting.startedAt = *started;
+    meeting.heard = Hearing::of(said->speechShare, said->speakers, said->durationMin);
     return meeting;
 }
 

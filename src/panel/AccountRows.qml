@@ -140,7 +140,7 @@ ColumnLayout {
     // qmllint disable unqualified
     Loader { // few sign in twice
         Layout.fillWidth: true
-        active: root.account.takesAddress
+        active: root.account.takesAddress && !root.account.isAuthed
         visible: active
         sourceComponent: PasteAddress { account: root.account }
         onLoaded: root.addressAsked(item)

@@ -32,7 +32,7 @@ AbstractButton {
 
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.description: L.say(record.waiting ? panel.line : panel.orbHelp)
+    Accessible.description: L.say(panel.orbHelp)
     Accessible.onPressAction: if (root.enabled) root.clicked()
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
@@ -128,5 +128,16 @@ AbstractButton {
             NumberAnimation { target: symbol; property: "scale"; to: 1; duration: Theme.symbolSwap }
         }
     }
+    // Loaders take no bound components yet.
+    // qmllint disable unqualified
+    Loader {
+        anchors.fill: parent
+        active: root.invites && !root.record.waiting
+        sourceComponent: HelpTip {
+            wanted: root.invites
+            text: L.say(root.panel.orbHelp)
+        }
+    }
+    // qmllint enable unqualified
     HoverHandler { cursorShape: root.record.waiting ? Qt.ArrowCursor : Qt.PointingHandCursor }
 }

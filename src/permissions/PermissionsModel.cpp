@@ -78,8 +78,12 @@ bool PermissionsModel::recordingNow() const
 
 void PermissionsModel::refresh()
 {
-    if (recordingNow()) return;
-    run(u"--status"_s, false, [this](const QByteArray& output) { apply(output); });
+    if (m_look || recordingNow()) return;
+    run(u"--status"_s, false, [this, look = QPointer{m_look.renew()}](const QByteArray& output) {
+        if (!look) return; // what was granted meanwhile is newer
+        m_look.end();
+        apply(output);
+    });
 }
 
 void PermissionsModel::run(const QString& flag, bool userDecides, std::function<void(const QByteArray&)> done)
@@ -127,6 +131,7 @@ void PermissionsModel::request(Kind kind)
     run(kind == Kind::Microphone ? u"--request-mic"_s : u"--request-screen"_s, true,
         [this, kind](const QByteArray& output) {
             m_asking = Asking::Nothing;
+            m_look.end();
             apply(output);
             if (stateOf(kind) == State::Granted) return;
             if (kind == Kind::Screen) m_screenLooksStale = true;

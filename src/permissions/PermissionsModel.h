@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Lease.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QtQml/qqmlregistration.h>
@@ -79,6 +81,7 @@ private:
     State m_microphone = State::Unknown; ///< also before the first answer
     State m_screen = State::Unknown;
     Asking m_asking = Asking::Nothing;
+    Lease m_look; ///< at the state, on its way
     bool m_screenLooksStale = false;
     bool m_settingsMissing = false;
 };

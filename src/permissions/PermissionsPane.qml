@@ -62,13 +62,14 @@ Column {
         width: parent.width
         height: stale.height + Theme.gapGroup
         visible: root.model.screenLooksStale && root.model.screen !== PermissionsModel.Granted
+            && !root.model.settingsMissing
         onVisibleChanged: if (visible) root.noted()
         Callout {
             id: stale
             y: Theme.gapGroup
             width: parent.width
             accent: Theme.pink
-            body: L.t("perm.screen.stale")
+            body: Qt.platform.os === "osx" ? L.t("perm.screen.stale") : L.t("perm.screen.stale.linux")
         }
     }
     Item {

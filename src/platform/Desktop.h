@@ -40,7 +40,9 @@ public:
 
     /// Puts a file on the clipboard, for programs that take files and for those that take text.
     virtual void copyFile(const QString& path) = 0;
-    virtual void copyText(const QString& text) = 0;
+    /// \param html the same for programs that take formatted text; empty: there is none.
+    virtual void copyText(const QString& text, const QString& html) = 0;
+    void copyText(const QString& text) { copyText(text, {}); }
 
     /// Asks in front of `window` for a file to read, or where to save one, under the very name that was
     /// typed, with its ending. `chosen` gets the path, or is not called when the user cancels or `context`

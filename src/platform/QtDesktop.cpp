@@ -118,7 +118,13 @@ void QtDesktop::copyFile(const QString& path)
     QGuiApplication::clipboard()->setMimeData(data);
 }
 
-void QtDesktop::copyText(const QString& text) { QGuiApplication::clipboard()->setText(text); }
+void QtDesktop::copyText(const QString& text, const QString& html)
+{
+    auto* data = new QMimeData;
+    data->setText(text);
+    if (!html.isEmpty()) data->setHtml(html);
+    QGuiApplication::clipboard()->setMimeData(data);
+}
 
 void QtDesktop::askForFile(const FileQuestion& question, QWindow* window, QObject* context, Chosen chosen)
 {

@@ -34,8 +34,8 @@ Item {
         y: 8
         visible: !root.working
         size: Theme.symbolText
-        name: root.failed || root.outdated ? "exclamationmark.triangle" : "checkmark.circle.fill"
-        ink: root.failed ? Theme.inkRed : root.outdated ? Theme.inkPink : Theme.inkGreen
+        name: root.files.symbol
+        ink: Theme.accentInks[root.files.accent]
     }
     Label {
         id: line

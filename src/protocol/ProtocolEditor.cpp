@@ -90,6 +90,7 @@ struct ProtocolEditor::Result {
 /// One remark on its way.
 struct ProtocolEditor::Attempt {
     QString remark;
+    QString stem;
     QString file;
     QByteArray summary = {}; ///< as it was when it was asked about
     QByteArray body = {};
@@ -135,6 +136,7 @@ ProtocolEditor::Result ProtocolEditor::Attempt::take(const HttpAnswer& answer)
 /// is in the middle of that.
 ProtocolEditor::Result ProtocolEditor::Attempt::write(double now) const
 {
+    files::removeUnfinished(file);
     const auto bytes = files::readWhole(file, summaryFile::sizeLimit);
     if (!bytes) return Result::failed("editor.error.save");
     if (!json::object(*bytes)) return looks < mostLooks ? Result{} : Result::failed("editor.error.save");
@@ -143,8 +145,17 @@ ProtocolEditor::Result ProtocolEditor::Attempt::write(double now) const
         return Result::failed("editor.error.changed");
     const auto corrected = protocolItems::corrected(*bytes, section, index, text, now);
     if (!corrected) return {.outcome = Outcome::NotFound};
-    if (!files::writeAtomic(file, *corrected)) return Result::failed("editor.error.save");
-    return {.outcome = Outcome::Fixed};
+    const auto unchanged = [&] { return files::readWhole(file, summaryFile::sizeLimit) == bytes; };
+    switch (files::writeAtomicIf(file, *corrected, unchanged)) {
+    case files::Written::Yes:
+        return {.outcome = Outcome::Fixed};
+    case files::Written::Overtaken:
+        if (looks < mostLooks) return {};
+        break;
+    case files::Written::Failed:
+        break;
+    }
+    return Result::failed("editor.error.save");
 }
 
 ProtocolEditor::ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
@@ -191,10 +202,11 @@ void ProtocolEditor::apply(const QString& remark, const Meeting& meeting)
     if (m_outcome == Outcome::Working) return;
     m_outcome = Outcome::Working;
     emit changed();
-    const auto read = [attempt = Attempt{.remark = remark, .file = meeting.jsonPath}]() mutable {
-        const Result result = attempt.read();
-        return std::pair{attempt, result};
-    };
+    const auto read =
+        [attempt = Attempt{.remark = remark, .stem = meeting.id, .file = meeting.jsonPath}]() mutable {
+            const Result result = attempt.read();
+            return std::pair{attempt, result};
+        };
     inBackground(this, read, [this](const auto& prepared) { ask(prepared.first, prepared.second); });
 }
 
@@ -214,7 +226,8 @@ void ProtocolEditor::ask(const Attempt& attempt, const Result& prepared)
             end(attempt, result);
         }
     };
-    m_http.send({.method = "POST",
+    m_http.send(Purpose{u"remark"_s, attempt.stem},
+                {.method = "POST",
                  .url = QUrl{m_place.webOrigin + u"/api/assist/edit"_s},
                  .headers = {{"Content-Type", "application/json"}},
                  .body = attempt.body,

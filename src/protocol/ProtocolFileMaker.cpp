@@ -75,6 +75,18 @@ Message ProtocolFileMaker::message() const
     return {};
 }
 
+QString ProtocolFileMaker::symbol() const
+{
+    if (m_outcome == Outcome::Idle || m_outcome == Outcome::Working) return {};
+    return m_outcome == Outcome::Saved ? u"checkmark.circle.fill"_s : u"exclamationmark.triangle"_s;
+}
+
+accent::Accent ProtocolFileMaker::accent() const
+{
+    if (m_outcome == Outcome::Failed) return accent::Failure;
+    return m_outcome == Outcome::Outdated ? accent::Absence : accent::Success;
+}
+
 void ProtocolFileMaker::reset() { end(Outcome::Idle); }
 
 void ProtocolFileMaker::build(const Meeting& meeting, const QString& destination,

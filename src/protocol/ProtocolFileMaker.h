@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "localisation/Message.h"
+#include "ui/Accent.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -26,7 +27,10 @@ class ProtocolFileMaker final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("made for a meeting and handed to its view")
     Q_PROPERTY(Outcome outcome READ outcome NOTIFY changed FINAL)
-    Q_PROPERTY(murmeli::Message message READ message NOTIFY changed FINAL) ///< of the outcome
+    Q_PROPERTY(
+        murmeli::Message message READ message NOTIFY changed FINAL) ///< of the outcome; so are its looks
+    Q_PROPERTY(QString symbol READ symbol NOTIFY changed FINAL)
+    Q_PROPERTY(int accent READ accent NOTIFY changed FINAL) ///< an Accent
 
 public:
     enum class Outcome { Idle, Working, Saved, Outdated, Failed };
@@ -38,6 +42,8 @@ public:
 
     [[nodiscard]] Outcome outcome() const { return m_outcome; }
     [[nodiscard]] Message message() const;
+    [[nodiscard]] QString symbol() const; ///< empty while a spinner tells
+    [[nodiscard]] accent::Accent accent() const;
 
     /// Day and title, as a file may be called.
     static QString suggestedName(const Meeting& meeting);

@@ -61,7 +61,7 @@ Item {
     }
     SelectableText {
         id: item
-        x: 176
+        x: Theme.grown(176)
         y: root.first ? 18 : 0
         width: parent.width - x
         text: root.text

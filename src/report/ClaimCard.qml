@@ -158,6 +158,7 @@ Column {
         onLoaded: wanted = true // it folds before it goes
         sourceComponent: Quotation {
             lines: root.holdsOpen ? root.loader.quotation : []
+            onMomentAsked: root.loader.goToMoment()
         }
     }
     // qmllint enable unqualified

@@ -15,6 +15,8 @@ Item {
     readonly property bool more: before.length > 0 || after.length > 0
     property real extent: unfolded ? 1 : 0
 
+    signal momentAsked()
+
     function toggle(): void {
         root.wide = !root.wide && root.more;
     }
@@ -44,8 +46,8 @@ Item {
         Accessible.description: root.more ? L.t("report.quote.more") : ""
         Accessible.focusable: true
         Accessible.onPressAction: root.toggle()
-        Keys.onReturnPressed: root.toggle()
-        Keys.onEnterPressed: root.toggle()
+        Keys.onReturnPressed: root.momentAsked()
+        Keys.onEnterPressed: root.momentAsked()
         Keys.onSpacePressed: root.toggle()
 
         Item { // follows the rounded corners

@@ -8,14 +8,15 @@
 #include "base/Scheduler.h"
 #include "base/Text.h"
 #include "localisation/Language.h"
+#include "meetings/Hearing.h"
 #include "meetings/MeetingCaptions.h"
+#include "meetings/ProtocolFile.h"
 #include "meetings/ProtocolFinder.h"
 #include "meetings/SummaryFile.h"
 #include "platform/Desktop.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QStringDecoder>
 
 #include <utility>
 
@@ -26,7 +27,6 @@ namespace murmeli {
 
 namespace {
 
-constexpr qint64 protocolLimit = 64 * 1024 * 1024; // bytes
 constexpr qint64 analysisLimit = 16 * 1024 * 1024; // bytes
 constexpr qsizetype quoteLength = 2000;            // characters
 constexpr qsizetype stampLength = 40;              // characters; a stamp has ten
@@ -34,11 +34,7 @@ constexpr qsizetype stampLength = 40;              // characters; a stamp has te
 std::optional<QString> transcriptText(const Meeting& meeting, ProtocolFinder& protocols)
 {
     const auto path = protocols.find(meeting);
-    const auto bytes = path ? files::readWhole(*path, protocolLimit) : std::nullopt;
-    if (!bytes) return std::nullopt;
-    QStringDecoder decoder{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
-    const QString protocol = decoder(*bytes);
-    return decoder.hasError() ? std::nullopt : Transcript::textOf(protocol);
+    return path ? protocolFile::transcript(*path) : std::nullopt;
 }
 
 std::optional<QJsonObject> objectIn(const QString& file, qint64 limit)
@@ -155,7 +151,7 @@ void ReportLoader::build(const Meeting& meeting)
         return std::pair{text, Transcript{text}};
     };
     inBackground(this, read, [this, meeting, token](const std::pair<QString, Transcript>& found) {
-        if (text::characterCount(found.first) < shortestTranscript) {
+        if (text::characterCount(found.first) < Hearing::fewestCharacters) {
             fail(Message::of("report.error.no_transcript"));
         } else {
             ask(meeting, found.first, found.second, token);
@@ -175,7 +171,8 @@ void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const 
         {u"meeting_date"_s, captions::dateLine(meeting, today, m_ground.language.current())},
         {u"duration_min"_s, meeting.durationMin.value_or(0)},
     };
-    m_ground.http.send({.method = "POST",
+    m_ground.http.send(Purpose{u"analysis"_s, meeting.id},
+                       {.method = "POST",
                         .url = QUrl{m_ground.webOrigin + u"/api/assist/report"_s},
                         .headers = {{"Content-Type", "application/json"}},
                         .body = QJsonDocument{body}.toJson(QJsonDocument::Compact),

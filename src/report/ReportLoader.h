@@ -2,10 +2,10 @@
 
 #include "MeetingReport.h"
 #include "ReportListModel.h"
-#include "Transcript.h"
 #include "base/Lease.h"
 #include "localisation/Message.h"
 #include "meetings/Meeting.h"
+#include "transcript/Transcript.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -52,8 +52,6 @@ public:
         MeetingReport report;
         QList<ReportRow> rows;
     };
-    static constexpr qsizetype shortestTranscript = 201; ///< characters; less says nothing
-
     explicit ReportLoader(Ground ground, QObject* parent = nullptr);
 
     [[nodiscard]] const std::optional<MeetingReport>& report() const { return m_report; }
@@ -78,6 +76,8 @@ public:
 
     /// Unfolds what was said at a stamp, or folds it; one is unfolded at a time, in a new report none.
     Q_INVOKABLE void toggle(const QString& stamp);
+    /// To the open stamp in the transcript.
+    Q_INVOKABLE void goToMoment() { emit momentWanted(m_openStamp); }
     [[nodiscard]] QString openStamp() const { return m_openStamp; }
 
     /// What was said at the open stamp, the line before and the line after it; empty when that is not known.
@@ -95,6 +95,7 @@ public:
 signals:
     void changed();
     void openStampChanged();
+    void momentWanted(const QString& stamp);
 
 private:
     static constexpr auto signInKey = "report.error.auth";

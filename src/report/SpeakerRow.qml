@@ -25,7 +25,7 @@ Item {
         Accessible.ignored: true
     }
     ProgressLine {
-        anchors { left: parent.left; leftMargin: 148; right: time.left; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
+        anchors { left: parent.left; leftMargin: Theme.grown(148); right: time.left; rightMargin: Theme.padPanel; verticalCenter: parent.verticalCenter }
         value: root.value.share * root.growth
         from: root.ink
         to: root.ink

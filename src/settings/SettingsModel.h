@@ -78,8 +78,9 @@ public:
 
 signals:
     void changed();
-    void stored();    ///< by us
-    void notStored(); ///< what was set
+    void stored();            ///< by us
+    void notStored();         ///< what was set
+    void permissionsWanted(); ///< in sight
 
 private:
     /// The preference, or the default for a missing value, one of another type or one that is no option; of a

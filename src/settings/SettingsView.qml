@@ -22,6 +22,14 @@ Rectangle {
     }
     Component.onDestruction: memory?.keep("settings", scroll.contentY)
 
+    Connections {
+        target: root.model
+        enabled: root.windowed
+        function onPermissionsWanted(): void {
+            permissions.nextItemInFocusChain().forceActiveFocus(Qt.OtherFocusReason);
+            scroll.showNew(permissions);
+        }
+    }
     Timer {
         id: place
         interval: 0 // once the rows have their places
@@ -94,6 +102,7 @@ Rectangle {
                 Accessible.role: Accessible.Heading
             }
             PermissionsPane {
+                id: permissions
                 width: column.width
                 model: root.model.permissionsFor(root)
                 compact: true

@@ -90,7 +90,7 @@ Rectangle {
             const latest = root.updater.latest;
             const released = root.updater.released;
             return L.t("update.name.current", root.updater.current)
-                + (latest.length > 0 ? ", " + L.t("update.name.latest", latest) : "")
+                + (root.updater.available && latest.length > 0 ? ", " + L.t("update.name.latest", latest) : "")
                 + (released.length > 0 ? " " + L.t("update.name.released", released) : "");
         }
         Label {

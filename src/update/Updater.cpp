@@ -129,7 +129,7 @@ void Updater::check()
     const QUrl url{m_place.versionUrl};
     if (!url.isValid()) return;
     m_scheduler.after(0ms, this, [this] { setPhase(Phase::Checking); });
-    m_http.send({.url = url, .timeout = 60s, .answerLimit = recordLimit}, this,
+    m_http.send(Purpose{u"version"_s}, {.url = url, .timeout = 60s, .answerLimit = recordLimit}, this,
                 [this](const HttpAnswer& answer) { take(answer.body); });
 }
 

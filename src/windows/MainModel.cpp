@@ -15,10 +15,22 @@ MainModel::MainModel(const Ground& ground, QObject* parent)
       m_ground(ground),
       m_store(ground.paths, ground.language, ground.scheduler),
       m_drafts(ground.desktop.stateFolder() + u"/drafts.json"_s, ground.scheduler),
-      m_assistant(ground.glossary, m_drafts)
+      m_assistant(ground.glossary, m_drafts),
+      m_homeless({.paths = ground.paths,
+                  .state = ground.state,
+                  .meetings = *m_store.list(),
+                  .language = ground.language,
+                  .scheduler = ground.scheduler})
 {
     ground.glossary.reload();
     connect(&m_drafts, &Drafts::carriedOut, &m_store, &MeetingStore::reload);
+    connect(&m_store, &MeetingStore::scanned, &m_homeless, &HomelessMarks::look);
+    connect(&ground.marks, &RecordingMarks::settled, &m_homeless, &HomelessMarks::look);
+    const auto readMarks = [this] {
+        if (m_detail) m_detail->marks()->load();
+    };
+    connect(&ground.marks, &RecordingMarks::settled, this, readMarks);
+    connect(&m_homeless, &HomelessMarks::settled, this, readMarks);
 }
 
 MainModel::~MainModel() = default;

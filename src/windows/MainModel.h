@@ -3,6 +3,8 @@
 #include "detail/MeetingDetailModel.h"
 #include "glossary/AssistantModel.h"
 #include "glossary/GlossaryStore.h"
+#include "margin/HomelessMarks.h"
+#include "margin/RecordingMarks.h"
 #include "meetings/MeetingStore.h"
 #include "settings/SettingsModel.h"
 #include "ui/ViewMemory.h"
@@ -27,6 +29,7 @@ class MainModel final : public QObject {
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::AssistantModel* assistant READ assistant CONSTANT FINAL)
     Q_PROPERTY(murmeli::SettingsModel* settings READ settings CONSTANT FINAL)
+    Q_PROPERTY(murmeli::HomelessMarks* homeless READ homeless CONSTANT FINAL)
     Q_PROPERTY(murmeli::ViewMemory* views READ views CONSTANT FINAL)
 
 public:
@@ -35,6 +38,8 @@ public:
 
     struct Ground {
         const Paths& paths;
+        const AppState& state;
+        RecordingMarks& marks;
         AuthManager& account;
         Http& http;
         Processes& processes;
@@ -58,6 +63,7 @@ public:
     [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] AssistantModel* assistant() { return &m_assistant; }
     [[nodiscard]] SettingsModel* settings() { return &m_ground.settings; }
+    [[nodiscard]] HomelessMarks* homeless() { return &m_homeless; }
     [[nodiscard]] ViewMemory* views() { return &m_views; }
 
     Q_INVOKABLE void open(const QString& id);
@@ -84,6 +90,7 @@ private:
     MeetingStore m_store;
     Drafts m_drafts;
     AssistantModel m_assistant;
+    HomelessMarks m_homeless;
     ViewMemory m_views{nullptr};
     Tab m_tab = Tab::Meetings;
     std::unique_ptr<MeetingDetailModel> m_detail;

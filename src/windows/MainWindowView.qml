@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Window
 import Murmeli.Detail
 import Murmeli.Glossary
+import Murmeli.Margin
 import Murmeli.Meetings
 import Murmeli.Notices
 import Murmeli.Service
@@ -45,7 +46,10 @@ Rectangle {
 
     color: Theme.bgWindow
 
-    Shortcut { sequence: "Ctrl+F"; onActivated: root.search() }
+    Shortcut {
+        sequence: "Ctrl+F"
+        onActivated: if (!root.inDetail || !(detail.item as MeetingDetail).search()) root.search()
+    }
     Shortcut { sequence: "Ctrl+1"; onActivated: root.model.tab = MainModel.Meetings }
     Shortcut { sequence: "Ctrl+2"; onActivated: root.model.tab = MainModel.Assistant }
     Shortcut { sequence: "Ctrl+3"; onActivated: root.model.tab = MainModel.Settings }
@@ -75,6 +79,12 @@ Rectangle {
             opacity: enabled ? 1 : 0
             x: root.inDetail ? -Theme.slide : 0
             onOpened: id => root.model.open(id)
+
+            HomelessSection {
+                width: parent.width - 40
+                homeless: root.model.homeless
+            }
+
             Behavior on opacity { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
             Behavior on x { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
         }

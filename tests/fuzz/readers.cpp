@@ -2,12 +2,13 @@
 // promises. The environment names the reader.
 #include "base/Json.h"
 #include "glossary/GlossaryText.h"
+#include "meetings/ProtocolFile.h"
 #include "meetings/SummaryFile.h"
 #include "protocol/ProtocolItems.h"
 #include "report/MeetingReport.h"
 #include "report/ReportRow.h"
-#include "report/Transcript.h"
 #include "setup/SetupRunner.h"
+#include "transcript/Transcript.h"
 
 #include <QHash>
 #include <QJsonDocument>
@@ -69,7 +70,7 @@ void readAnalysis(const QByteArray& bytes)
 void readTranscript(const QByteArray& bytes)
 {
     const QString text = QString::fromUtf8(bytes);
-    const Transcript transcript{Transcript::textOf(text).value_or(text)};
+    const Transcript transcript{protocolFile::transcriptIn(text).value_or(text)};
     for (const QString& stamp : text.split(u'\n')) {
         const auto seconds = Transcript::seconds(stamp);
         expect(!seconds || *seconds >= 0 || stamp.contains(u'-'), "time runs forward");

@@ -2,6 +2,9 @@
 
 from __future__ import annotations
 
+from datetime import datetime, timezone
+
+from main_window import open_window, wait_detail, wait_row, write_meeting
 from session import JourneyTest
 from waiting import at_rest, settles, stays, wait_for
 
@@ -90,3 +93,36 @@ class Pulse(JourneyTest):
         session.screen.click(*again.extents.middle)
         wait_for(lambda: session.command_file.read_bytes() != asked, "the press on the card to ask again")
         session.tree.wait_gone("alert message", told)
+
+
+class Marks(JourneyTest):
+    def test_a_mark_goes_to_its_meeting_by_the_keyboard_alone(self):
+        session = self.open_session(state={"status": "idle"})
+        started = datetime.now(timezone.utc)
+        session.write_state(status="recording", since=started.timestamp())
+        session.open_panel()
+        session.tab_to("Пометка к этой минуте")
+        session.screen.type("stand")
+        session.screen.key("Return")
+        noted = session.tree.wait("list item", lambda name: name.endswith(", stand")).name
+        session.write_state(status="processing")
+        write_meeting(session, "синк", title="Синк", _meta={"started_at": started.isoformat(), "duration_min": 30})
+        session.screen.key("Escape")
+        open_window(session)
+        wait_row(session, "Синк")
+        session.screen.key("Down", "Return")
+        wait_detail(session, "Синк")
+        self.assertEqual(session.tree.wait("list item", lambda name: name.endswith(", stand")).name, noted)
+        session.tab_to("Изменить пометку")
+        session.screen.key("space")
+        wait_for(lambda: (now := session.tree.focused()) and now.role == "text", "the mark to be edited")
+        session.screen.key("ctrl+a")
+        session.screen.type("rig")
+        session.screen.key("Return")
+        session.tree.wait("list item", lambda name: name.endswith(", rig"))
+        session.tab_to("Убрать пометку")
+        session.screen.key("space")
+        session.tree.wait("alert message", "Пометка убрана")
+        session.tab_to("Вернуть")
+        session.screen.key("space")
+        session.tree.wait("list item", lambda name: name.endswith(", rig"))

@@ -21,13 +21,13 @@ NAME = f"2026-03-03 {TITLE}.pdf"
 
 
 class Protocol(JourneyTest):
-    def open_protocol(self) -> tuple[Session, Path]:
+    def open_protocol(self, text="# Итоги\n") -> tuple[Session, Path]:
         """In the main window, and where its text is."""
         session = self.open_session(program=False)
         shutil.copytree(REPOSITORY / "sandbox", session.notes / "pipeline")
         protocol = session.home / "Итоги № 1" / "100% #2 «да?».md"
         protocol.parent.mkdir()
-        protocol.write_text("# Итоги\n")
+        protocol.write_text(text)
         write_meeting(session, "2026-03-03 10-00-00", title=TITLE, decisions=[DECISION],
                       _meta={"protocol_md": str(protocol)})
         session.start_program()
@@ -111,3 +111,23 @@ class Protocol(JourneyTest):
         open_meeting(session, TITLE)
         session.tree.wait("label", "Файл протокола не найден")
         self.assertFalse(session.tree.find("push button", REVEAL))
+
+    def test_its_transcript_is_found_in_and_quoted_by_the_keyboard_alone(self):
+        session, _ = self.open_protocol("## Транскрипт\n[00:00:05] Анна: Красим лодки\n[00:01:00] Пётр: Какие лодки?\n")
+        session.tree.wait("push button", "Расшифровка")
+        session.tab_to("Расшифровка")
+        session.screen.key("space")
+        session.tree.wait("list item", "5 секунд, Анна: Красим лодки")
+        session.screen.key("ctrl+f")
+        wait_for(lambda: session.tree.focus_is_on("Поиск в расшифровке"), "the search in the transcript")
+        session.put_in_clipboard("лодка ")
+        session.screen.key("ctrl+v")
+        session.tree.wait("status bar", "1 из 2")
+        session.screen.key("F3")
+        session.tree.wait("status bar", "2 из 2")
+        session.screen.key("Tab", "Tab", "Tab", "Tab", "Tab", "Down", "shift+Down", "ctrl+c")
+        quoted = f"«Красим лодки\nПётр: Какие лодки?» — Анна, 00:00:05, «{TITLE}», 03.03.2026"
+        wait_for(lambda: session.clipboard() == quoted, "the quotation")
+        session.screen.key("Escape", "Escape")
+        session.tree.wait_gone("text", "Поиск в расшифровке")
+        wait_for(lambda: session.tree.focus_is_on("Расшифровка"), "the link to have the keyboard again")

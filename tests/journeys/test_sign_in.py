@@ -163,6 +163,7 @@ class Tokens(JourneyTest):
         values = values_in(address)
         wait_for(lambda: stored(session) == values, "the secrets")
         self.assert_nowhere_else(session, values)
+        session.tree.wait("alert message", lambda name: name.startswith("Протокол готов"))  # it moves what is below
 
         session.press("push button", "Выйти из аккаунта Murmeli")
         session.tree.wait("push button", SIGN_IN)

@@ -18,6 +18,7 @@ class Starting(JourneyTest):
         stays(lambda: session.program.poll() is None and not session.screen.windows(), "the first one, undisturbed", 1)
         session.run_program("--window")
         session.tree.wait("frame", "Встречи")
+        wait_for(session.screen.has_active_window, "the window manager to know the window")
         session.screen.key("ctrl+w")
         session.tree.wait_gone("frame", "Встречи")
         session.open_panel()

@@ -16,6 +16,7 @@ public:
     QStringList revealed;
     QStringList copiedFiles;
     QString copiedText;
+    QString copiedHtml;
     QList<FileQuestion> questions;
     QString answer; ///< to the next question; empty: the user cancels
     bool shares = true;
@@ -35,7 +36,12 @@ public:
     void openFolder(const QString& path) override { folders.append(path); }
     void reveal(const QString& path, const QString&) override { revealed.append(path); }
     void copyFile(const QString& path) override { copiedFiles.append(path); }
-    void copyText(const QString& text) override { copiedText = text; }
+    using Desktop::copyText;
+    void copyText(const QString& text, const QString& html) override
+    {
+        copiedText = text;
+        copiedHtml = html;
+    }
     void askForFile(const FileQuestion& question, QWindow*, QObject*, Chosen chosen) override
     {
         questions.append(question);

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QStringList>
 
+#include <functional>
 #include <utility>
 
 namespace murmeli {
@@ -30,11 +31,14 @@ public:
     /// Whether the last run goes on: it would be killed if whom its end is for had gone.
     [[nodiscard]] bool isWaitedFor() const { return m_done && m_context; }
     /// Ends the last run, if anybody is still there for its end.
-    void end(const QByteArray& output)
+    void end(const QByteArray& output) { takeEnd()(output); }
+    /// The same for later, when others have been started.
+    [[nodiscard]] std::function<void(const QByteArray& output)> takeEnd()
     {
-        const Done done = std::exchange(m_done, {});
-        if (done && m_context)
-            done({.outcome = ProcessResult::Outcome::Exited, .exitCode = 0, .output = output});
+        return [done = std::exchange(m_done, {}), context = m_context](const QByteArray& output) {
+            if (done && context)
+                done({.outcome = ProcessResult::Outcome::Exited, .exitCode = 0, .output = output});
+        };
     }
 
 private:

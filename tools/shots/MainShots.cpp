@@ -73,6 +73,9 @@ struct MainShot {
     bool recording = false;
     bool detail = false;
     bool marks = false;
+    bool transcript = false;
+    bool homeless = false;  ///< marks are
+    bool quiet = false;     ///< one voice only
     QByteArray answer = {}; ///< to a remark; null: none is made
     bool signedIn = true;
     bool protocol = true;
@@ -103,10 +106,13 @@ QList<MainShot> mainShots(bool inRussian)
     return {
         {.name = u"main-meetings"_s},
         {.name = u"main-search"_s, .query = inRussian ? u"релиз"_s : u"release"_s, .recording = true},
+        {.name = u"main-homeless"_s, .homeless = true},
+        {.name = u"detail-one-voice"_s, .detail = true, .quiet = true},
         {.name = u"main-empty"_s, .meetings = false},
         {.name = u"main-nothing-found"_s, .query = inRussian ? u"отпуск"_s : u"holiday"_s},
         {.name = u"detail"_s, .detail = true},
         {.name = u"detail-marks"_s, .detail = true, .marks = true},
+        {.name = u"transcript"_s, .detail = true, .marks = true, .transcript = true},
         {.name = u"detail-no-protocol"_s, .detail = true, .protocol = false},
         {.name = u"detail-fixed-teach"_s,
          .detail = true,
@@ -148,6 +154,7 @@ void writeMeetings(TestProgram& m, const Frame& frame, const MainShot& shot)
         const QString stem = m.paths.logs + u'/' + start.toString(u"yyyy-MM-dd HH-mm-ss"_s);
         if (shot.stored)
             m.write(stem + u".report.json"_s, inRussian ? sampleReport::russian : sampleReport::english);
+        if (shot.quiet) meta += R"(,"analytics":{"speakers":[{}]})";
         m.write(stem + u".protocol.json"_s,
                 "{\"title\":\"" + QByteArray{sample.title} + "\",\"tldr\":\"" + sample.tldr + "\"," +
                     (inRussian ? russianItems : englishItems) + ",\"_meta\":{" + meta + "}}");
@@ -209,6 +216,17 @@ bool shoot(const MainShot& shot, const Frame& frame)
             std::ignore = MarkFiles{m.paths}.addTo(id, mark);
         }
     }
+    if (shot.homeless) {
+        const bool ru = frame.language == "ru"_L1;
+        for (const QString& text : {ru ? u"спросить про стенд"_s : u"ask about the test rig"_s,
+                                    ru ? u"важно, проверить"_s : u"important, check"_s}) {
+            Mark mark;
+            mark.begin = m.scheduler.now() - 100'000;
+            mark.time = mark.begin + double(text.size() * 60);
+            mark.text = text;
+            std::ignore = MarkFiles{m.paths}.add(mark);
+        }
+    }
     MainModel model{m.mainGround()};
     AppWindow window{engine,
                      m.language,
@@ -239,11 +257,24 @@ bool shoot(const MainShot& shot, const Frame& frame)
         if (!shot.pdf.startsWith("sleep"))
             await([&] { return model.detail()->files()->outcome() != ProtocolFileMaker::Outcome::Working; });
     }
+    if (shot.homeless) {
+        await([&] { return !model.homeless()->marks().isEmpty(); });
+        setInViews(window, "unfolded", true);
+    }
     if (shot.assistant) model.setTab(MainModel::Tab::Assistant);
     if (shot.settings) model.setTab(MainModel::Tab::Settings);
     if (shot.dirty)
         model.assistant()->add(frame.language == "ru"_L1 ? u"тау кит"_s : u"tow kit"_s, u"Tau Kit"_s);
     if (shot.teach) setInViews(window, "teaching", true);
+    if (shot.transcript) {
+        TranscriptModel& lines = *model.detail()->transcript();
+        model.detail()->openTranscript(u"[00:12:31]"_s);
+        await([&] { return lines.loaded(); });
+        settle(400);
+        lines.setQuery(frame.language == "ru"_L1 ? u"текст"_s : u"copy"_s);
+        await([&] { return lines.hitCount() > 0; });
+        lines.select(lines.here() + 1, false);
+    }
     if (shot.report) {
         model.detail()->openReport();
         await([&] { return model.detail()->report()->asked(); });

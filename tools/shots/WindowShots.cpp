@@ -98,7 +98,7 @@ bool shootSetups(const Frame& frame, const QString& only)
          .script = first + "echo '@@done|engine'; echo '@@done|asr'; echo '@@progress|models|42'; sleep 60",
          .asking = true},
         {.name = u"failed"_s,
-         .script = first + "echo 'error: не хватает места на диске (нужно больше 4 ГБ, свободно 1,2 ГБ)'; "
+         .script = first + "echo 'error: no space left on the disk (4 GB needed)'; "
                            "echo '@@fail|engine'; exit 1",
          .permissions = R"({"microphone":"notDetermined","screen":false})"},
         {.name = u"done"_s, .script = "true"},

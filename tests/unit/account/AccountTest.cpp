@@ -111,6 +111,7 @@ private slots:
             {"large number", R"([{"chat_id":-1001234567890123}])", u"-1001234567890123"_s},
             {"number beyond all", R"([{"chat_id":1e30}])", u"1000000000000000019884624838656"_s},
             {"text", R"([{"chat_id":"77"},{"chat_id":"78"}])", u"77"_s},
+            {"a fraction", R"([{"chat_id":12.5}])", u"-"_s},
             {"null", R"([{"chat_id":null}])", {}},
             {"no link", "[]", {}},
             {"link without chat", "[{}]", {}},
@@ -501,7 +502,8 @@ private:
             QTRY_COMPARE(socket->bytesToWrite(), 0);
             QObject context;
             bool ended = false;
-            http.send({.url = server.url(u"/later"_s)}, &context, [&](const HttpAnswer&) { ended = true; });
+            http.send(Purpose{u"test"_s}, {.url = server.url(u"/later"_s)}, &context,
+                      [&](const HttpAnswer&) { ended = true; });
             QTRY_VERIFY(ended);
         }
         [[nodiscard]] qsizetype links() const { return server.requestsTo("/rest/v1/telegram_links").size(); }

@@ -186,10 +186,23 @@ private slots:
 
     void aWriteThatIsOvertakenLeavesWhatOvertookIt()
     {
-        const auto other = [&] { return !files::writeAtomic(m_path, "theirs"); };
-        QCOMPARE(files::writePrivate(m_path, "ours", other), files::Written::Overtaken);
-        QCOMPARE(files::readWhole(m_path, 100), "theirs"_ba);
-        QCOMPARE(QDir{m_dir->path()}.entryList(QDir::Files | QDir::Hidden).size(), 1);
+        const auto other = [&] {
+            files::removeUnfinished(m_path); // ours is under way
+            return !files::writeAtomic(m_path, "theirs");
+        };
+        for (const bool isPrivate : {false, true}) {
+            CASE(isPrivate ? "private" : "atomic");
+            QFile::remove(m_path);
+            QCOMPARE(isPrivate ? files::writePrivate(m_path, "ours", other)
+                               : files::writeAtomicIf(m_path, "ours", other),
+                     files::Written::Overtaken);
+            QCOMPARE(files::readWhole(m_path, 100), "theirs"_ba);
+            QCOMPARE(QDir{m_dir->path()}.entryList(QDir::Files | QDir::Hidden).size(), 1);
+            QVERIFY(files::writePrivate(m_path, "ours", [this] {
+                        files::removeUnfinished(m_path);
+                        return true;
+                    }) == files::Written::Yes);
+        }
     }
 
     void aPrivateFileIsTheOwnersFromTheFirstByte()

@@ -85,6 +85,11 @@ private slots:
         const Cases<std::function<void(QTcpSocket*)>, std::chrono::milliseconds, Failure> cases{
             {"never answers", [](QTcpSocket*) {}, 300ms, Failure::Timeout},
             {"a byte now and then", [&](QTcpSocket* s) { feed(s, 1, 20ms); }, 300ms, Failure::Timeout},
+            {"a head of megabytes",
+             [](QTcpSocket* s) {
+                 s->write("HTTP/1.1 200 X\r\n" + QByteArray{"X-A: b\r\n"}.repeated(1'000'000));
+             },
+             300ms, Failure::Timeout},
             {"without an end", [&](QTcpSocket* s) { feed(s, 65'536, 0ms); }, 20s, Failure::TooLarge},
             {"breaks off", [&](QTcpSocket* s) { breakOff(s); }, 20s, Failure::Transport},
             {"breaks off an error", [&](QTcpSocket* s) { breakOff(s, "500"); }, 20s, Failure::Transport},
@@ -160,7 +165,8 @@ private slots:
             connect(s, &QTcpSocket::disconnected, this, [&] { gone = true; });
             context.reset();
         };
-        m_http.send({.url = server.url()}, context.get(), [&](const HttpAnswer&) { wrong = true; });
+        m_http.send(Purpose{u"test"_s}, {.url = server.url()}, context.get(),
+                    [&](const HttpAnswer&) { wrong = true; });
         QTRY_VERIFY(gone);
         QVERIFY(!wrong);
     }
@@ -171,7 +177,7 @@ private:
     {
         std::optional<HttpAnswer> answer;
         QObject context;
-        m_http.send(request, &context, [&](const HttpAnswer& a) { answer = a; });
+        m_http.send(Purpose{u"test"_s}, request, &context, [&](const HttpAnswer& a) { answer = a; });
         if (!QTest::qWaitFor([&] { return answer.has_value(); }))
             QTest::qFail("Nothing came of a request", __FILE__, __LINE__);
         return answer.value_or(HttpAnswer{});

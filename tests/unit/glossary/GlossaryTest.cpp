@@ -17,6 +17,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QDir>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThreadPool>
@@ -110,6 +111,7 @@ private slots:
             {"removed there", u"a b"_s, u"a b"_s, u"b"_s, u"b"_s},
             {"removed there, added here", u"a b"_s, u"a b x"_s, {}, u"x"_s},
             {"both added the same", u"a"_s, u"a x"_s, u"a x"_s, u"a x"_s},
+            {"both changed one rule", u"x→1 b"_s, u"x→2 b"_s, u"X→3 b c"_s, u"x→2 b c"_s},
             {"nothing in common", {}, u"x y"_s, u"a"_s, u"a x y"_s},
         };
         const auto entries = [](QString words) { return glossaryText::parseAll(words.replace(u' ', u'\n')); };
@@ -178,6 +180,19 @@ private slots:
         QTRY_COMPARE(saved, false);
         QCOMPARE(store->syncError(), Message::of("assistant.error.save"));
         QCOMPARE(m->copy(), u"z"_s);
+    }
+
+    void aWordThatCannotBeKeptIsNotLearned()
+    {
+        const auto store = m->makeStore();
+        QSignalSpy told{store.get(), &GlossaryStore::notStored};
+        QVERIFY(QDir{}.mkpath(m->paths.prefsFile)); // a folder in the file's place
+        QCOMPARE(store->learn(u"а"_s, u"б"_s), QString{});
+        QCOMPARE(told.size(), 1);
+        m->backendHas({});
+        m->signIn();
+        QTRY_VERIFY(!store->loading());
+        QCOMPARE(store->learn(u"а"_s, u"в"_s), u"а → в"_s); // the account keeps it
     }
 
     void whatIsThereIsNotOverwrittenUnseen()

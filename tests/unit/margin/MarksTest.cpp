@@ -1,7 +1,9 @@
+#include "margin/HomelessMarks.h"
 #include "margin/MeetingMarks.h"
 #include "margin/RecordingMarks.h"
 #include "registeredTests.h"
 #include "support/TestProgram.h"
+#include "windows/MainModel.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -165,6 +167,46 @@ private slots:
         QTRY_VERIFY(opened.failed());
         QTRY_COMPARE(opened.marks().size(), 1);
         QCOMPARE(opened.marks().first().text, u"newer"_s);
+    }
+
+    void aMarkWithoutAMeetingCanBePutToOne()
+    {
+        const double now = m->scheduler.now();
+        const auto meeting = [&](const QString& id, double begin) {
+            const QString start = QDateTime::fromSecsSinceEpoch(qint64(begin)).toUTC().toString(Qt::ISODate);
+            m->write(m->paths.logs + u'/' + id + u".protocol.json"_s,
+                     "{\"_meta\":{\"started_at\":\"" + start.toUtf8() + "\",\"duration_min\":30}}");
+        };
+        meeting(u"near"_s, now - 7200);
+        meeting(u"far"_s, now - 90'000);
+        Mark homely, homeless;
+        homely.time = now - 90'000 + 60;
+        homely.begin = now - 90'000;
+        homeless.time = now - 100;
+        homeless.begin = now - 200;
+        homely.text = homeless.text = u"a"_s;
+        for (const Mark& mark : {homely, homeless})
+            QCOMPARE(files().add(mark), OwnWritten::Yes);
+        m->serviceSays("processing");
+        MainModel main{m->mainGround()};
+        HomelessMarks& marks = *main.homeless();
+        QTRY_COMPARE(files().of(u"far"_s).marks.size(), 1); // came while nobody looked
+        m->serviceSays("idle");
+        m->scheduler.advance(590s);
+        marks.look();
+        QTest::qWait(0);
+        QVERIFY(marks.marks().isEmpty());
+        QTRY_COMPARE((m->scheduler.advance(20s), marks.marks().size()), 1);
+        QCOMPARE(marks.nearest(homeless), (QStringList{u"near"_s, u"far"_s}));
+
+        marks.remove(homeless);
+        QTRY_VERIFY(files().waiting().marks.isEmpty());
+        marks.bringBack();
+        QTRY_COMPARE(files().waiting().marks.size(), 1);
+        main.open(u"near"_s);
+        marks.put(marks.marks().first(), u"near"_s);
+        QTRY_COMPARE(main.detail()->marks()->marks().size(), 1); // in the opened meeting at once
+        QVERIFY(files().waiting().marks.isEmpty() && marks.marks().isEmpty());
     }
 
 private:

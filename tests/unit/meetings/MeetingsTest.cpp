@@ -18,6 +18,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThreadPool>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -137,6 +138,22 @@ private slots:
         QCOMPARE(start(u"2025-13-02 03-04-05"_s, modified), modified);
         QCOMPARE(start(u" 2025-01-02 03-04-05"_s, modified), modified);
         QCOMPARE(start(u"no date"_s, std::nullopt), 0);
+    }
+
+    void theListFollowsTheTimeZone()
+    {
+        Home home;
+        home.write(u"a"_s, R"({"_meta":{"started_at":"2026-03-04T22:30:00Z"}})");
+        QTRY_VERIFY(files::isSettled(files::identity(home.file(u"a"_s))));
+        const auto day = [&home] { return home.scan().meetings.at(0).meeting.startedAt.date().day(); };
+        QCOMPARE(day(), 5);
+        qputenv("TZ", "Europe/Berlin");
+        QCOMPARE(day(), 4);
+        // An hour that was left out there.
+        QCOMPARE(
+            summaryFile::meeting("{}", {}, u"2026-03-29 02-30-00"_s, 5'000)->startedAt.toSecsSinceEpoch(), 5);
+        initTestCase();
+        QCOMPARE(day(), 5);
     }
 
     void captions()
@@ -314,6 +331,11 @@ private slots:
 
     void theStoreSeesNewMeetings()
     {
+        // As on a machine with a single processor.
+        QThreadPool& pool = *QThreadPool::globalInstance();
+        const auto threads =
+            qScopeGuard([&pool, most = pool.maxThreadCount()] { pool.setMaxThreadCount(most); });
+        pool.setMaxThreadCount(1);
         Home home;
         ManualScheduler scheduler{1'772'600'000};
         MeetingStore store{home.paths, home.language, scheduler};
@@ -327,6 +349,47 @@ private slots:
         scheduler.advance(150ms);
         QTRY_COMPARE(store.list()->count(), 2);
         QCOMPARE(store.list()->idAt(0), u"2026-03-05 10-00-00"_s);
+    }
+
+    void recordingsWithHardlyAnySpeechAreTold()
+    {
+        const QString said = u"## Транскрипт\n[00:01] Анна: "_s;
+        const QString enough = said + QString(200, u'а'), lessThanThat = said + u"раз, раз\n"_s;
+        const Cases<QByteArray, QString, QString> cases{
+            // analytics and the length in minutes, the protocol, what is told
+            {"usual",
+             R"({"source":"segments","speech_share":0.6,"speakers":[{},{}]},"duration_min":60)",
+             enough,
+             {}},
+            {"nothing known", R"(7,"duration_min":60)", {}, {}},
+            {"silence", R"({"source":"segments","speech_share":0.049,"speakers":[{},{}]})", enough,
+             u"pulse.little"_s},
+            {"not exact", R"({"source":"starts","speech_share":0,"speakers":[{},{}]})", enough, {}},
+            {"one", R"({"speakers":[{}]},"duration_min":10.1,"x":123456789012345678901)", enough,
+             u"pulse.little.voice"_s},
+            {"one, but shortly", R"({"speakers":[{}]},"duration_min":10)", enough, {}},
+            {"short transcript", R"({"speakers":[{}]},"duration_min":60)", lessThanThat, u"pulse.little"_s},
+            {"a long protocol", "{}", QString(9000, u'-') + lessThanThat, {}},
+            {"no transcript", "{}", u"# Протокол"_s, {}},
+        };
+        Home home;
+        for (const auto& [name, analytics, protocol, key] : cases) {
+            const QString path = home.dir.filePath(QLatin1StringView{name} + u".md"_s);
+            if (!protocol.isEmpty()) QVERIFY(files::writeAtomic(path, protocol.toUtf8()));
+            home.write(QString::fromLatin1(name), R"({"_meta":{"protocol_md":")" + path.toUtf8() +
+                                                      R"(","analytics":)" + analytics + "}}");
+        }
+        ManualScheduler scheduler{1'772'600'000};
+        MeetingStore store{home.paths, home.language, scheduler};
+        const auto told = [&](const char* name) {
+            const QModelIndex row = store.list()->index(store.list()->rowOf(QString::fromLatin1(name)));
+            return row.data(MeetingListModel::HeardRole).toString();
+        };
+        QTRY_COMPARE(told("short transcript"), u"pulse.little"_s);
+        for (const auto& [name, analytics, protocol, key] : cases) {
+            CASE(name);
+            QCOMPARE(told(name), key);
+        }
     }
 
 private:

@@ -172,6 +172,7 @@ private slots:
         m->prefs.set(u"locale"_s, u"en"_s);
         m->language.refresh();
         QCOMPARE(said(m->panel.title()), u"Recording"_s);
+        QCOMPARE(said(m->panel.orbHelp()), Language::text(u"en"_s, u"panel.orb.help.stop"_s));
         const QString all = said(m->panel.title()) + said(m->panel.line()) + said(m->panel.orbName()) +
                             said(m->panel.orbHelp()) + said(m->panel.authTitle()) +
                             said(m->panel.authBody()) + said(m->panel.quitHelp()) + m->panel.spokenTime();

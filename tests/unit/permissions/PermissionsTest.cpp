@@ -71,12 +71,18 @@ private slots:
 
     void aGrantIsTaken()
     {
-        const auto model = m->make(R"({"microphone":"notDetermined","screen":false})");
+        const QByteArray before = R"({"microphone":"notDetermined","screen":false})";
+        const auto model = m->make(before);
+        model->refresh();
+        const auto endLook = m->processes.takeEnd();
+        model->refresh(); // whoever comes back to the window once more
+        QCOMPARE(m->processes.runs.size(), 2);
         model->request(Kind::Microphone);
         QVERIFY(model->askingMicrophone());
         QVERIFY(!model->askingScreen());
         QCOMPARE(m->processes.runs.last(), m->recorder(u"--request-mic"_s));
         m->processes.end(R"({"microphone":"authorized","screen":false})");
+        endLook(before);
         QVERIFY(!model->askingMicrophone());
         QCOMPARE(model->microphone(), State::Granted);
         QCOMPARE(model->missingTitleKeys(), QStringList{u"perm.screen.title"_s});

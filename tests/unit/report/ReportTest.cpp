@@ -1,5 +1,6 @@
 #include "base/Json.h"
 #include "meetings/MeetingCaptions.h"
+#include "meetings/ProtocolFile.h"
 #include "meetings/ProtocolFinder.h"
 #include "registeredTests.h"
 #include "report/ReportLoader.h"
@@ -168,32 +169,7 @@ private slots:
         };
         for (const auto& [name, protocol, text] : cases) {
             CASE(name);
-            QCOMPARE(Transcript::textOf(protocol), text);
-        }
-    }
-
-    void quotes()
-    {
-        const Transcript transcript{
-            u"[00:00:05]  Анна: привет \n[00:10:00] раньше\n[без конца\n[00:10:00] позже\n"
-            "[00:10:30] полминуты\n[10:30] то же\n[шум] шуршание\n[01:00:00] конец"_s};
-        const Cases<QString, QString> cases{
-            // what was said then, between the lines around it; nothing when that is not known
-            {"exact", u"[00:00:05]"_s, u"|Анна: привет|раньше"_s},
-            {"of equal stamps the later", u"[00:10:00]"_s, u"раньше|позже|полминуты"_s},
-            {"between two", u"[00:10:05]"_s, u"раньше|позже|полминуты"_s},
-            {"other spelling", u"00:05"_s, u"|Анна: привет|раньше"_s},
-            {"of equal seconds the first", u"10:31"_s, u"позже|полминуты|то же"_s},
-            {"after the end", u"[999999999999:00]"_s, u"шуршание|конец|"_s},
-            {"before the beginning", u"[00:00:01]"_s, {}},
-            {"negative", u"[-1:00]"_s, {}},
-            {"a word that stands there", u"[шум]"_s, u"то же|шуршание|конец"_s},
-            {"no stamp", u"[]"_s, {}},
-        };
-        for (const auto& [name, stamp, lines] : cases) {
-            CASE(name);
-            const auto found = transcript.quote(stamp);
-            QCOMPARE(found ? found->before + u'|' + found->text + u'|' + found->after : QString{}, lines);
+            QCOMPARE(protocolFile::transcriptIn(protocol), text);
         }
     }
 

@@ -41,6 +41,7 @@ ViewCase {
             { tag: "processing", state: '{"status":"processing","jobs":2}', shown: ["Готовлю протокол", "Расшифровка и разбор…"], hidden: ["Разбирается встреч: 2"] },
             { tag: "detail with markup", state: '{"detail":"<b>не</b> разметка"}', shown: ["<b>не</b> разметка"], hidden: [] },
             { tag: "signed out", state: "{}", shown: ["Войти в Murmeli"], hidden: ["аккаунт Murmeli", "Выйти из аккаунта Murmeli"] },
+            { tag: "signed out with a chat", state: idle, shown: ["Войти в Murmeli", "Телеграм: подключён"], hidden: ["аккаунт Murmeli"] },
             { tag: "signed in", state: idle, signedIn: true, shown: ["аккаунт Murmeli", "Выйти из аккаунта Murmeli", "Телеграм: подключён"], hidden: ["Войти в Murmeli"] },
             { tag: "signed in without Telegram", state: "{}", signedIn: true, shown: ["аккаунт Murmeli"], hidden: ["Телеграм: подключён"] },
             { tag: "update", state: recording, update: "0.9.0", shown: ["Доступна новая версия (0.9.0)", "Обновить"], hidden: [] }

@@ -43,6 +43,14 @@ ViewCase {
         for (const button of [microphone, screen]) verify(button.mapToItem(view, 0, 0).x > view.width / 2);
     }
 
+    function test_thePermissionsAreBroughtIntoSight() {
+        view.windowed = true;
+        fixture.settings.permissionsWanted();
+        const screen = named("Разрешить: Запись экрана");
+        tryVerify(() => yOf(screen) < view.height - screen.height);
+        compare(view.Window.activeFocusItem, named("Разрешить: Микрофон"));
+    }
+
     function test_aToggleShowsAndHidesARow() {
         const toggle = named("Удалять аудио после записи", Accessible.CheckBox);
         toggle.forceActiveFocus(Qt.TabFocusReason);

@@ -12,40 +12,15 @@ namespace murmeli {
 
 namespace {
 
-const QString heading = u"Транскрипт"_s;
-
-QStringView stripped(QStringView text, QStringView characters)
-{
-    while (!text.isEmpty() && characters.contains(text.front()))
-        text = text.sliced(1);
-    while (!text.isEmpty() && characters.contains(text.back()))
-        text.chop(1);
-    return text;
-}
+constexpr qsizetype longestName = 60; // characters before a colon; more is speech
 
 } // namespace
-
-std::optional<QString> Transcript::textOf(const QString& protocol)
-{
-    const qsizetype start = protocol.indexOf(heading);
-    if (start < 0) return std::nullopt;
-    QString result;
-    const auto lines = QStringView{protocol}.sliced(start).split(u'\n', Qt::SkipEmptyParts);
-    for (QStringView line : lines) {
-        if (line.endsWith(u'\r')) line.chop(1);
-        line = stripped(line, u"> ");
-        if (!line.startsWith(u'[')) continue;
-        if (!result.isEmpty()) result += u'\n';
-        result += line;
-    }
-    return result;
-}
 
 std::optional<qint64> Transcript::seconds(QStringView stamp)
 {
     std::array<qint64, 4> numbers{};
     size_t count = 0;
-    for (const QStringView part : stripped(stamp, u"[] ").tokenize(u':', Qt::SkipEmptyParts)) {
+    for (const QStringView part : text::stripped(stamp, u"[] ").tokenize(u':', Qt::SkipEmptyParts)) {
         const auto number = text::wholeNumber(part);
         if (number && count < numbers.size()) numbers.at(count++) = *number;
     }
@@ -74,11 +49,32 @@ Transcript::Transcript(const QString& text) : m_text(text)
         m_byStamp[stamp] = m_lines.size();
         if (m_byStamp.size() > known) stamps.append(stamp);
         m_lines.append(line.sliced(end + 1));
+        m_stamps.append(stamp);
     }
     for (const QStringView stamp : std::as_const(stamps)) {
         if (const auto at = seconds(stamp)) m_marks.append({*at, m_byStamp.value(stamp)});
     }
     std::ranges::stable_sort(m_marks, {}, &Mark::seconds);
+}
+
+QList<TranscriptLine> Transcript::lines() const
+{
+    QList<TranscriptLine> lines;
+    lines.reserve(m_lines.size());
+    for (qsizetype at = 0; at < m_lines.size(); ++at) {
+        const QStringView stamp = text::stripped(m_stamps[at], u"[] ");
+        TranscriptLine line{.stamp = stamp.toString(), .seconds = seconds(stamp), .words = this->line(at)};
+        const qsizetype colon = line.words.indexOf(u':');
+        const QStringView name = QStringView{line.words}.left(std::max<qsizetype>(colon, 0));
+        const bool isName = !name.isEmpty() && name.size() <= longestName &&
+                            std::ranges::none_of(name, [](QChar c) { return u".!?…"_s.contains(c); });
+        if (isName) {
+            line.speaker = text::trimmed(name.toString());
+            line.words = text::trimmed(line.words.sliced(colon + 1));
+        }
+        lines.append(line);
+    }
+    return lines;
 }
 
 QString Transcript::line(qsizetype index) const

@@ -1,0 +1,233 @@
+#include "IndexFile.h"
+
+#include <QFile>
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <algorithm>
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+namespace murmeli {
+
+namespace {
+
+constexpr int version = 1;
+constexpr qint64 perSecond = 4096; // rows that may begin in one second
+constexpr int patience = 2000;     // milliseconds for another process's write
+
+constexpr auto preparations = {
+    "PRAGMA page_size=8192",
+    "PRAGMA journal_mode=WAL",
+};
+constexpr auto settings = {
+    "PRAGMA synchronous=NORMAL",
+    "PRAGMA cache_size=-4096",
+    "PRAGMA temp_store=MEMORY",
+};
+constexpr auto tables = {
+    "CREATE VIRTUAL TABLE words USING fts5(title, people, protocol, analysis, said, content='', "
+    "tokenize=\"ascii tokenchars '.,'\", detail=full)",
+    "CREATE TABLE doc(id INTEGER PRIMARY KEY, stem TEXT NOT NULL, alive INTEGER NOT NULL, files BLOB NOT "
+    "NULL, "
+    "made INTEGER NOT NULL)",
+    "CREATE INDEX doc_stem ON doc(stem) WHERE alive",
+    "PRAGMA user_version=1",
+};
+
+std::string text(const QString& string) { return string.toStdString(); }
+std::string text(const QByteArray& bytes) { return bytes.toStdString(); }
+
+} // namespace
+
+IndexFile::IndexFile(const QString& path, Mode mode)
+{
+    attempt([&] {
+        open(path, mode);
+        return true;
+    });
+}
+
+IndexFile::~IndexFile() = default;
+
+template <typename Work>
+auto IndexFile::attempt(Work work) -> std::optional<decltype(work())>
+{
+    try {
+        return work();
+    } catch (const SQLite::Exception& error) {
+        const int code = error.getErrorCode();
+        m_broken = m_broken || code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+        return std::nullopt;
+    }
+}
+
+void IndexFile::open(const QString& path, Mode mode)
+{
+    const QByteArray name = QFile::encodeName(path);
+    if (mode == Mode::Write) { // for the owner alone from the first byte on
+        const int fd = ::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+        if (fd < 0) return;
+        ::close(fd);
+    }
+    auto database = std::make_unique<SQLite::Database>(
+        name.toStdString(), mode == Mode::Write ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY, patience);
+    int found = database->execAndGet("PRAGMA user_version").getInt();
+    const bool fresh = found == 0 && !database->tableExists("doc");
+    if (fresh && mode == Mode::Write) {
+        for (const char* step : preparations)
+            database->exec(step);
+        SQLite::Transaction whole{*database};
+        for (const char* step : tables)
+            database->exec(step);
+        whole.commit();
+        found = version;
+    }
+    if (found != version) {
+        m_broken = !fresh;
+        return;
+    }
+    for (const char* step : settings)
+        database->exec(step);
+    m_database = std::move(database);
+}
+
+bool IndexFile::put(const QList<IndexDocument>& documents)
+{
+    if (!m_database) return false;
+    return attempt([&] {
+               SQLite::Transaction whole{*m_database};
+               SQLite::Statement bury{*m_database, "UPDATE doc SET alive=0 WHERE stem=? AND alive"};
+               SQLite::Statement last{*m_database, "SELECT max(id) FROM doc WHERE id BETWEEN ? AND ?"};
+               SQLite::Statement insert{*m_database,
+                                        "INSERT INTO words(rowid, title, people, protocol, analysis, said) "
+                                        "VALUES(?, ?, ?, ?, ?, ?)"};
+               SQLite::Statement note{*m_database, "INSERT INTO doc VALUES(?, ?, 1, ?, unixepoch())"};
+               for (const IndexDocument& document : documents) {
+                   bury.bind(1, text(document.stem));
+                   bury.exec();
+                   bury.reset();
+                   const qint64 first = std::max<qint64>(0, document.start) * perSecond;
+                   last.bind(1, int64_t(first));
+                   last.bind(2, int64_t(first + perSecond - 1));
+                   last.executeStep();
+                   const int64_t id = last.isColumnNull(0) ? first : last.getColumn(0).getInt64() + 1;
+                   last.reset();
+                   insert.bind(1, id);
+                   int column = 2;
+                   for (const QByteArray* keys : {&document.title, &document.people, &document.protocol,
+                                                  &document.analysis, &document.said})
+                       insert.bindNoCopy(column++, keys->constData(), int(keys->size()));
+                   insert.exec();
+                   insert.reset();
+                   note.bind(1, id);
+                   note.bind(2, text(document.stem));
+                   note.bind(3, document.files.constData(), int(document.files.size()));
+                   note.exec();
+                   note.reset();
+               }
+               whole.commit();
+               return true;
+           })
+        .value_or(false);
+}
+
+bool IndexFile::forget(const QStringList& stems)
+{
+    if (!m_database) return false;
+    return attempt([&] {
+               SQLite::Transaction whole{*m_database};
+               SQLite::Statement bury{*m_database, "UPDATE doc SET alive=0 WHERE stem=? AND alive"};
+               for (const QString& stem : stems) {
+                   bury.bind(1, text(stem));
+                   bury.exec();
+                   bury.reset();
+               }
+               whole.commit();
+               return true;
+           })
+        .value_or(false);
+}
+
+QHash<QString, QByteArray> IndexFile::known()
+{
+    if (!m_database) return {};
+    return attempt([&] {
+               QHash<QString, QByteArray> known;
+               SQLite::Statement all{*m_database, "SELECT stem, files FROM doc WHERE alive"};
+               while (all.executeStep()) {
+                   const SQLite::Column files = all.getColumn(1);
+                   known.insert(QString::fromUtf8(all.getColumn(0).getText()),
+                                QByteArray{static_cast<const char*>(files.getBlob()), files.getBytes()});
+               }
+               return known;
+           })
+        .value_or(QHash<QString, QByteArray>{});
+}
+
+IndexFile::Size IndexFile::size()
+{
+    if (!m_database) return {};
+    return attempt([&] {
+               SQLite::Statement sums{*m_database, "SELECT count(*), coalesce(sum(alive), 0) FROM doc"};
+               sums.executeStep();
+               const qint64 all = sums.getColumn(0).getInt64(), alive = sums.getColumn(1).getInt64();
+               return Size{alive, all - alive};
+           })
+        .value_or(Size{});
+}
+
+namespace {
+
+constexpr auto found = " FROM words JOIN doc ON doc.id = words.rowid "
+                       "WHERE words MATCH ? AND doc.alive AND words.rowid BETWEEN ? AND ?";
+// How much a word in each column weighs.
+constexpr auto best = " ORDER BY bm25(words, 8.0, 4.0, 3.0, 2.0, 1.0), words.rowid DESC LIMIT ?";
+constexpr auto newest = " ORDER BY words.rowid DESC LIMIT ?";
+
+void bind(SQLite::Statement& statement, const IndexQuery& query)
+{
+    constexpr qint64 latest = std::numeric_limits<qint64>::max() / perSecond - 1;
+    statement.bind(1, text(query.match));
+    statement.bind(2, int64_t(std::clamp<qint64>(query.from.value_or(0), 0, latest) * perSecond));
+    statement.bind(
+        3, int64_t((std::clamp<qint64>(query.until.value_or(latest), 0, latest) + 1) * perSecond - 1));
+}
+
+} // namespace
+
+QStringList IndexFile::find(const IndexQuery& query)
+{
+    if (!m_database || query.match.isEmpty()) return {};
+    return attempt([&] {
+               const bool byBest = query.order == IndexQuery::Order::Best;
+               SQLite::Statement rows{*m_database,
+                                      std::string{"SELECT doc.stem"} + found + (byBest ? best : newest)};
+               bind(rows, query);
+               rows.bind(4, query.most);
+               QStringList stems;
+               while (rows.executeStep())
+                   stems.append(QString::fromUtf8(rows.getColumn(0).getText()));
+               return stems;
+           })
+        .value_or(QStringList{});
+}
+
+qint64 IndexFile::count(const IndexQuery& query)
+{
+    if (!m_database || query.match.isEmpty()) return 0;
+    return attempt([&] {
+               SQLite::Statement rows{*m_database, std::string{"SELECT count(*)"} + found};
+               bind(rows, query);
+               rows.executeStep();
+               return qint64(rows.getColumn(0).getInt64());
+           })
+        .value_or(0);
+}
+
+void IndexFile::interrupt()
+{
+    if (m_database) sqlite3_interrupt(m_database->getHandle());
+}
+
+} // namespace murmeli
