@@ -19,8 +19,9 @@ FLOORS = {  # a room includes from lower floors only, or from rooms of its own f
 }
 WITHIN_FLOOR = {
     "glossary": {"account"}, "protocol": {"meetings", "account", "glossary"}, "report": {"meetings", "account", "transcript"},
-    "settings": {"account", "update", "permissions"}, "setup": {"permissions", "update"},
+    "settings": {"account", "update", "permissions", "search"}, "setup": {"permissions", "update"},
     "margin": {"meetings"}, "transcript": {"meetings", "margin"}, "notices": {"meetings", "permissions"},
+    "search": {"glossary", "meetings", "margin", "transcript", "report"},
     "windows": {"detail"},
 }
 faults = []

@@ -34,12 +34,14 @@ Program::Program(const Paths& where, const Outside& outside, const Installation&
                .installation = installation},
               outside.http, outside.processes, outside.desktop, outside.scheduler,
               [this] { return !state.isRecording() && !(m_setup && m_setup->runner()->isRunning()); }),
+      index(paths, state, outside.scheduler, outside.freeBytes),
       settings({.paths = paths,
                 .prefs = prefs,
                 .own = own,
                 .state = state,
                 .account = account,
                 .updater = updater,
+                .index = index,
                 .language = language,
                 .processes = outside.processes,
                 .desktop = outside.desktop}),
@@ -198,6 +200,7 @@ MainModel& Program::main()
                                                                .scheduler = m_outside.scheduler,
                                                                .settings = settings,
                                                                .glossary = glossary,
+                                                               .index = index,
                                                                .webOrigin = m_addresses.web});
         connect(m_main.get(), &MainModel::fileEnded, this,
                 [this](const QString& meeting, bool saved, const Message& line) {

@@ -13,6 +13,7 @@
 #include "notices/WriteUp.h"
 #include "panel/PanelModel.h"
 #include "platform/Installation.h"
+#include "search/SearchIndex.h"
 #include "service/AppInfo.h"
 #include "service/AppState.h"
 #include "service/OwnSettings.h"
@@ -91,6 +92,7 @@ public:
     PanelModel panel;
     AuthManager account;
     Updater updater;
+    SearchIndex index;
     SettingsModel settings;
     GlossaryStore glossary;
     Notifier notifier;

@@ -235,6 +235,13 @@ Identity identity(const QByteArray& nativePath)
     return info ? identityOf(*info) : Identity{};
 }
 
+Identity identityOfFolder(const QString& path)
+{
+    struct stat info {};
+    const bool folder = ::stat(encoded(path).constData(), &info) == 0 && S_ISDIR(info.st_mode);
+    return folder ? identityOf(info) : Identity{};
+}
+
 qint64 nsSinceChange(const Identity& identity) { return kernelNow() - identity.changedNs; }
 
 qint64 nsSinceWritten(const Identity& identity) { return kernelNow() - identity.modifiedNs; }

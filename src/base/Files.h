@@ -35,6 +35,7 @@ bool isReadable(const QString& path);
 
 Identity identity(const QString& path);
 Identity identity(const QByteArray& nativePath); ///< as the file system spells it
+Identity identityOfFolder(const QString& path);  ///< another one once a name in it has come or gone
 
 /// The names in a folder as the file system spells and orders them, without those of the folder itself and of
 /// the one above; nothing when it cannot be listed.

@@ -1,7 +1,9 @@
 #include "Numbers.h"
 
+#include <memory>
 #include <unicode/locid.h>
 #include <unicode/numberformatter.h>
+#include <unicode/plurrule.h>
 
 namespace murmeli::numbers {
 
@@ -18,6 +20,26 @@ QString formatted(int percent, const QString& language, UNumberUnitWidth width)
 }
 
 } // namespace
+
+QString grouped(qint64 number, const QString& language)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const auto text = icu::number::NumberFormatter::withLocale(icu::Locale{language.toUtf8().constData()})
+                          .formatInt(number, status)
+                          .toString(status);
+    return U_FAILURE(status) ? QString::number(number) : QString::fromUtf16(text.getBuffer(), text.length());
+}
+
+QString pluralForm(qint64 number, const QString& language)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::PluralRules> rules{
+        icu::PluralRules::forLocale(icu::Locale{language.toUtf8().constData()}, status)};
+    if (U_FAILURE(status)) return QStringLiteral("many");
+    const icu::UnicodeString form = rules->select(double(number));
+    const QString name = QString::fromUtf16(form.getBuffer(), form.length());
+    return name == QLatin1String("other") ? QStringLiteral("many") : name;
+}
 
 QString percent(int percent, const QString& language)
 {

@@ -30,6 +30,10 @@ Item {
 
     // One step: from the analysis to the protocol, from there to the meetings.
     function back(): void {
+        if (root.detail.visiting) { // who came for one place goes on from where they came
+            root.closed();
+            return;
+        }
         if (root.reading) {
             root.detail.closeTranscript();
             if (root.analysing) (analysis.item as ReportPane).focusFirst();
@@ -62,6 +66,10 @@ Item {
             if (list.begun || !root.detail.loaded) return;
             list.begun = true;
             list.positionViewAtBeginning();
+        }
+        function onItemShown(row: int) {
+            list.positionViewAtIndex(row, ListView.Center);
+            list.currentIndex = row;
         }
         function onCorrected(row: int) {
             if (row >= 0) list.positionViewAtIndex(row, ListView.Contain);
@@ -158,6 +166,7 @@ Item {
                 required property bool last
                 required property string before
                 required property bool corrected
+                required property bool lit
 
                 width: list.width
                 height: row.implicitHeight
@@ -170,6 +179,7 @@ Item {
                     last: place.last
                     before: place.before
                     corrected: place.corrected
+                    lit: place.lit
                     current: list.led && place.index === list.currentIndex
                     onTaken: list.currentIndex = place.index
                     onMenuAsked: (at, selected) => menu.openAt(row, at, place.index, selected)

@@ -141,6 +141,7 @@ void MeetingDetailModel::take(const Content& content, const std::optional<Correc
     m_hasTranscript = content.hasTranscript;
     if (m_reading && (moved || rewritten)) m_transcript.load(m_meeting);
     emit changed(); // and the day may have
+    if (m_wanted) showWanted();
     if (correction)
         emit corrected(m_sections.markCorrected(correction->section, correction->index, correction->before));
 }
@@ -223,6 +224,31 @@ void MeetingDetailModel::openTranscript(const QString& stamp)
     if (std::exchange(m_reading, true)) return;
     m_transcript.load(m_meeting);
     emit readingChanged();
+}
+
+void MeetingDetailModel::visitTranscript(const QString& stamp)
+{
+    m_visiting = true;
+    openTranscript(stamp);
+}
+
+void MeetingDetailModel::visitReport(int row)
+{
+    m_visiting = true;
+    m_report.setWantedRow(row);
+    openReport();
+}
+
+void MeetingDetailModel::visitItem(const QString& section, qsizetype index)
+{
+    m_wanted = {section, index};
+    if (m_loaded) showWanted();
+}
+
+void MeetingDetailModel::showWanted()
+{
+    const auto [section, index] = *std::exchange(m_wanted, std::nullopt);
+    if (const int row = m_sections.light(section, index); row >= 0) emit itemShown(row);
 }
 
 void MeetingDetailModel::closeTranscript()

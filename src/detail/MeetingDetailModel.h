@@ -39,8 +39,9 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(bool loaded READ loaded NOTIFY changed FINAL)
     Q_PROPERTY(bool hasProtocol READ hasProtocol NOTIFY changed FINAL)
     Q_PROPERTY(bool hasTranscript READ hasTranscript NOTIFY changed FINAL)
-    Q_PROPERTY(bool reading READ reading NOTIFY readingChanged FINAL)             ///< the transcript is open
-    Q_PROPERTY(bool analysing READ analysing NOTIFY analysingChanged FINAL)       ///< the analysis is open
+    Q_PROPERTY(bool reading READ reading NOTIFY readingChanged FINAL)       ///< the transcript is open
+    Q_PROPERTY(bool analysing READ analysing NOTIFY analysingChanged FINAL) ///< the analysis is open
+    Q_PROPERTY(bool visiting READ visiting CONSTANT FINAL) ///< a moment or a row, and leaves with it
     Q_PROPERTY(QString draft READ draft WRITE setDraft NOTIFY draftChanged FINAL) ///< of a remark
     Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
@@ -95,6 +96,7 @@ public:
     [[nodiscard]] ProtocolFileMaker* files() { return m_work.files.get(); }
     [[nodiscard]] bool analysing() const { return m_analysing; }
     [[nodiscard]] bool hasTranscript() const { return m_hasTranscript; }
+    [[nodiscard]] bool visiting() const { return m_visiting; }
     [[nodiscard]] bool reading() const { return m_reading; }
     [[nodiscard]] TranscriptModel* transcript() { return &m_transcript; }
     [[nodiscard]] MeetingMarks* marks() { return &m_marks; }
@@ -127,6 +129,12 @@ public:
     /// Reads the analysis that is stored, and again with every change of the meeting until it is closed.
     Q_INVOKABLE void openReport();
     Q_INVOKABLE void closeReport();
+    /// The same for somebody who has come for this one place, and leaves the meeting with it: a moment of the
+    /// transcript, a row of the report, or an item of the protocol, which then lights up.
+    void visitTranscript(const QString& stamp);
+    void visitReport(int row);
+    void visitItem(const QString& section, qsizetype index);
+
     /// Opens the transcript, at a stamp if there is one.
     Q_INVOKABLE void openTranscript(const QString& stamp);
     Q_INVOKABLE void closeTranscript();
@@ -139,6 +147,7 @@ signals:
     void analysingChanged();
     void readingChanged();
     void built(const QString& path);
+    void itemShown(int row); ///< what somebody has come for, in the list of sections
     void corrected(int row); ///< the protocol was: where, in the list of sections
 
 private:
@@ -159,6 +168,7 @@ private:
     };
     /// Reads the file; what was corrected in it is marked then.
     void load(const std::optional<Correction>& correction = {});
+    void showWanted();
     void take(const Content& content, const std::optional<Correction>& correction);
 
     Ground m_ground;
@@ -174,6 +184,8 @@ private:
     bool m_hasTranscript = false;
     bool m_analysing = false;
     bool m_reading = false;
+    bool m_visiting = false;
+    std::optional<std::pair<QString, qsizetype>> m_wanted; ///< item of the protocol
     ViewMemory m_views{nullptr};
     bool m_edited = false;
     bool m_loaded = false;

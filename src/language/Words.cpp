@@ -3,7 +3,10 @@
 #include "IrregularWords.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <libstemmer.h>
+#include <numeric>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -100,6 +103,25 @@ QString folded(QStringView word)
     text.replace(u'ё', u'е');
     text.removeIf([](QChar c) { return c.isMark(); });
     return text;
+}
+
+int distance(const QString& left, const QString& right, int most)
+{
+    if (std::abs(left.size() - right.size()) > most) return most + 1;
+    std::vector<int> before(size_t(right.size()) + 1), now(before.size());
+    std::iota(before.begin(), before.end(), 0);
+    for (qsizetype i = 0; i < left.size(); ++i) {
+        now[0] = int(i) + 1;
+        int least = now[0];
+        for (qsizetype j = 0; j < right.size(); ++j) {
+            const int exchanged = before[size_t(j)] + (left[i] == right[j] ? 0 : 1);
+            now[size_t(j) + 1] = std::min({exchanged, before[size_t(j) + 1] + 1, now[size_t(j)] + 1});
+            least = std::min(least, now[size_t(j) + 1]);
+        }
+        if (least > most) return most + 1;
+        std::swap(before, now);
+    }
+    return before.back();
 }
 
 Keys::Keys() : m_russian(sb_stemmer_new("russian", "UTF_8")), m_english(sb_stemmer_new("english", "UTF_8")) {}

@@ -28,6 +28,10 @@ QList<Span> split(QStringView text);
 /// Composed, in lower case, with е for ё and without marks that stand on their own. Any thread.
 QString folded(QStringView word);
 
+/// How many letters differ: exchanged, left out or added. Of more than `most` it only says that they are
+/// more. Any thread.
+int distance(const QString& left, const QString& right, int most);
+
 /// The keys of words: equal for all forms of one. Remembers those that it has made, within bounds. One thread
 /// at a time.
 class Keys {

@@ -14,6 +14,9 @@ QtObject {
     function say(message: var): string {
         return Language.say(language, message);
     }
+    function count(key: string, number: int): string {
+        return Language.count(language, key, number);
+    }
     function percent(percent: int): string {
         return Language.percent(language, percent);
     }

@@ -88,6 +88,17 @@ QString Language::say(const QString& language, const Message& message)
     return message.key.isEmpty() ? message.own : text(language, message.key, message.argument);
 }
 
+QString Language::count(const QString& language, const QString& key, qint64 number)
+{
+    return text(language, key + u'.' + numbers::pluralForm(number, language),
+                Language::number(language, number));
+}
+
+QString Language::number(const QString& language, qint64 number)
+{
+    return numbers::grouped(number, language);
+}
+
 QString Language::percent(const QString& language, int percent)
 {
     return numbers::percent(percent, language);

@@ -54,6 +54,12 @@ public:
 
     Q_INVOKABLE static QString say(const QString& language, const murmeli::Message& message);
 
+    /// A number of things: the text of `key` with ".one", ".few" or ".many" as the language counts, and the
+    /// number in the place of "%@".
+    Q_INVOKABLE static QString count(const QString& language, const QString& key, qint64 number);
+    /// With its digits in groups.
+    static QString number(const QString& language, qint64 number);
+
     /// As it is written, "42 %", and read out, "42 процента".
     Q_INVOKABLE static QString percent(const QString& language, int percent);
     Q_INVOKABLE static QString spokenPercent(const QString& language, int percent);

@@ -16,6 +16,12 @@ QString dayTitle(const QDate& day, const QDate& today, const QString& language)
     return text::capitalizedFirst(dates::bySkeleton(day.startOfDay(), language, skeleton));
 }
 
+QString shortDate(const QDate& day, const QDate& today, const QString& language)
+{
+    const QString skeleton = day.year() == today.year() ? u"dMMM"_s : u"dMMMyyyy"_s;
+    return dates::bySkeleton(day.startOfDay(), language, skeleton);
+}
+
 QString timeRange(const Meeting& meeting, const QString& language)
 {
     const QString skeleton = u"Hm"_s;

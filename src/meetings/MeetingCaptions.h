@@ -9,6 +9,9 @@ namespace murmeli::captions {
 /// "Сегодня", "Вчера", "Четверг, 19 нояб.", or with the year for another one than the current.
 QString dayTitle(const QDate& day, const QDate& today, const QString& language);
 
+/// "19 нояб.", or with the year for another one than the current.
+QString shortDate(const QDate& day, const QDate& today, const QString& language);
+
 /// "12:00 – 12:47", or the start alone.
 QString timeRange(const Meeting& meeting, const QString& language);
 

@@ -7,6 +7,7 @@
 #include <QPoint>
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -29,12 +30,41 @@ MeetingListModel::MeetingListModel(const Language& language, QObject* parent)
     });
 }
 
-QList<ListedMeeting> MeetingListModel::matching(const QList<ListedMeeting>& from) const
+void MeetingListModel::filterTitles(bool narrower)
 {
-    if (m_needle.isEmpty()) return from;
+    const auto misses = [this](qsizetype at) { return !m_all[at].searchText.contains(m_needle); };
+    if (!narrower) {
+        m_titled.resize(m_needle.isEmpty() ? 0 : size_t(m_all.size()));
+        std::iota(m_titled.begin(), m_titled.end(), 0);
+    }
+    std::erase_if(m_titled, misses);
+}
+
+QList<ListedMeeting> MeetingListModel::matching() const
+{
+    if (m_needle.isEmpty() && !m_found) return m_all;
+    std::vector<qsizetype> positions;
+    if (!m_found || !m_found->alone) positions = m_titled;
+    if (m_found) {
+        QHash<QString, qsizetype> wanted;
+        for (const QString& id : m_found->ids)
+            wanted.insert(id, wanted.size());
+        std::vector<qsizetype> others;
+        for (qsizetype i = 0; i < m_all.size() && !wanted.isEmpty(); ++i) {
+            if (wanted.contains(m_all[i].meeting.id)) others.push_back(i);
+        }
+        const auto place = [&](qsizetype at) {
+            return wanted.value(m_all[at].meeting.id, wanted.size() + at);
+        };
+        std::vector<qsizetype> both;
+        std::ranges::set_union(positions, others, std::back_inserter(both));
+        positions = both;
+        if (m_found->inOrder) std::ranges::sort(positions, {}, place);
+    }
     QList<ListedMeeting> rows;
-    std::ranges::copy_if(from, std::back_inserter(rows),
-                         [this](const ListedMeeting& m) { return m.searchText.contains(m_needle); });
+    rows.reserve(qsizetype(positions.size()));
+    for (const qsizetype at : positions)
+        rows.append(m_all[at]);
     return rows;
 }
 
@@ -45,20 +75,40 @@ void MeetingListModel::setQuery(const QString& query)
     m_query = query;
     if (m_needle != old) {
         // Whoever finds the longer text has found the shorter one too.
-        const QList<ListedMeeting> rows =
-            matching(!old.isEmpty() && m_needle.contains(old) ? m_shown : m_all);
-        beginResetModel();
-        m_shown = rows;
-        endResetModel();
+        filterTitles(!old.isEmpty() && m_needle.contains(old));
+        const QList<ListedMeeting> rows = matching();
+        if (m_found) { // most of what was found stays until more is known
+            become(rows);
+        } else {
+            beginResetModel();
+            m_shown = rows;
+            endResetModel();
+        }
         emit countChanged();
     }
     emit queryChanged();
 }
 
+void MeetingListModel::setFound(const std::optional<Found>& found)
+{
+    if (found == m_found) return;
+    const bool otherOrder = (found && found->inOrder) || (m_found && m_found->inOrder);
+    m_found = found;
+    if (otherOrder) {
+        beginResetModel();
+        m_shown = matching();
+        endResetModel();
+    } else {
+        become(matching());
+    }
+    emit countChanged();
+}
+
 void MeetingListModel::setMeetings(const QList<ListedMeeting>& meetings, const QDate& today)
 {
     m_all = meetings;
-    become(matching(m_all));
+    filterTitles(false);
+    become(matching());
     if (std::exchange(m_today, today) != today) emit todayChanged();
     emit countChanged();
 }
@@ -169,7 +219,12 @@ QVariant MeetingListModel::data(const QModelIndex& index, int role) const
         return shown(meeting.tldr);
     case TimeRole:
         return captions::timeRange(meeting, m_language.current());
+    case DateRole:
+        return m_found && m_found->inOrder
+                   ? captions::shortDate(meeting.startedAt.date(), m_today, m_language.current())
+                   : QString{};
     case DayRole:
+        if (m_found && m_found->inOrder) return QString{};
         return meeting.startedAt.date().toString(Qt::ISODate);
     case TitleHitRole:
         return hit(meeting.title);
@@ -184,13 +239,10 @@ QVariant MeetingListModel::data(const QModelIndex& index, int role) const
 
 QHash<int, QByteArray> MeetingListModel::roleNames() const
 {
-    return {{IdRole, "meetingId"},
-            {TitleRole, "title"},
-            {SummaryRole, "summary"},
-            {TimeRole, "time"},
-            {DayRole, "day"},
-            {TitleHitRole, "titleHit"},
-            {SummaryHitRole, "summaryHit"},
+    return {{IdRole, "meetingId"},      {TitleRole, "title"},
+            {SummaryRole, "summary"},   {TimeRole, "time"},
+            {DayRole, "day"},           {DateRole, "date"},
+            {TitleHitRole, "titleHit"}, {SummaryHitRole, "summaryHit"},
             {HeardRole, "heard"}};
 }
 

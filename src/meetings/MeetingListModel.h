@@ -5,6 +5,9 @@
 #include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
+#include <optional>
+#include <vector>
+
 namespace murmeli {
 
 class Language;
@@ -27,6 +30,7 @@ public:
         SummaryRole,
         TimeRole,
         DayRole,
+        DateRole, ///< where there are no days above the rows
         TitleHitRole,
         SummaryHitRole,
         HeardRole
@@ -44,6 +48,17 @@ public:
     /// What is searched for in titles and summaries, whatever the case; white space at its ends does not
     /// count.
     void setQuery(const QString& query);
+
+    /// What is found elsewhere than in titles and summaries.
+    struct Found {
+        QStringList ids;
+        bool inOrder = false; ///< of these ids, and not by days
+        bool alone = false;   ///< what the query finds in titles and summaries does not count
+        bool operator==(const Found&) const = default;
+    };
+    void setFound(const std::optional<Found>& found);
+    /// Whether the query finds any meeting by its title or summary.
+    [[nodiscard]] bool findsTitles() const { return !m_needle.isEmpty() && !m_titled.empty(); }
 
     /// The meetings as a scan found them; `today` is the day it is.
     void setMeetings(const QList<ListedMeeting>& meetings, const QDate& today);
@@ -67,7 +82,8 @@ signals:
     void todayChanged();
 
 private:
-    [[nodiscard]] QList<ListedMeeting> matching(const QList<ListedMeeting>& from) const;
+    void filterTitles(bool narrower);
+    [[nodiscard]] QList<ListedMeeting> matching() const;
     void become(const QList<ListedMeeting>& rows);
     bool becomeByDifference(const QList<ListedMeeting>& rows);
     [[nodiscard]] QVariant hit(const QString& text) const;
@@ -76,7 +92,9 @@ private:
     QList<ListedMeeting> m_all;
     QList<ListedMeeting> m_shown;
     QString m_query;
-    QString m_needle; ///< trimmed and lower-cased
+    QString m_needle;                ///< trimmed and lower-cased
+    std::vector<qsizetype> m_titled; ///< positions of meetings that it finds; ascending
+    std::optional<Found> m_found;
     QDate m_today;
 };
 

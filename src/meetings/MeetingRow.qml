@@ -16,10 +16,14 @@ Item {
     property string dayText
     property bool first: false // of its day
     property bool current: false
+    required property string date // empty where a day stands above
+    property bool plain: false // what the meeting was about stands below in other words
+    property real below: 0 // height of what stands under the row
+    readonly property real rowBottom: row.y + row.height
 
     signal opened()
 
-    implicitHeight: row.y + row.height
+    implicitHeight: rowBottom + below
 
     Label {
         id: day
@@ -37,12 +41,12 @@ Item {
         x: 20
         y: root.first ? day.height : 0
         width: parent.width - 40
-        height: texts.height + 18
+        height: Math.max(texts.height, root.date.length > 0 ? Theme.time.line + Theme.caption.line : 0) + 18
         radius: Theme.rRow
         color: area.pressed ? Theme.press : area.containsMouse ? Theme.hover : Theme.clear
 
         Accessible.role: Accessible.ListItem
-        Accessible.name: root.title + ", " + root.dayText.toLowerCase() + ", " + root.time
+        Accessible.name: root.title + ", " + (root.date || root.dayText.toLowerCase()) + ", " + root.time
         Accessible.description: (note.text ? note.text + ". " : "") + root.summary
         Accessible.focusable: true
         Accessible.focused: root.current
@@ -64,6 +68,16 @@ Item {
             text: root.time
             Accessible.ignored: true
         }
+        Label {
+            x: Theme.padPanel
+            y: 9 + Theme.time.line
+            width: Theme.grown(92)
+            visible: text.length > 0
+            type: Theme.caption
+            color: Theme.text3
+            text: root.date
+            Accessible.ignored: true
+        }
         Column {
             id: texts
             x: Theme.grown(122)
@@ -79,7 +93,7 @@ Item {
             }
             HitLabel {
                 width: parent.width
-                visible: text.length > 0
+                visible: text.length > 0 && !root.plain
                 type: Theme.sub
                 color: root.summaryHit.x >= 0 ? Theme.text1 : Theme.text3 // readable on its mark
                 text: root.summary

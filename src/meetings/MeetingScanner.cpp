@@ -1,13 +1,13 @@
 #include "MeetingScanner.h"
 
 #include "SummaryFile.h"
-#include "base/HandOver.h"
+#include "base/Background.h"
 
 #include <QFile>
 #include <QTimeZone>
-#include <QtConcurrentMap>
 
 #include <algorithm>
+#include <atomic>
 #include <ctime>
 #include <utility>
 #include <vector>
@@ -17,6 +17,7 @@ namespace murmeli {
 namespace {
 
 constexpr qint64 writingTime = 2'000'000'000; // nanoseconds in which a file's writer may still be at work
+constexpr size_t few = 100;                   // files for which help is not worth its start
 
 } // namespace
 
@@ -37,7 +38,7 @@ void MeetingScanner::look(Look& look) const
     } else {
         identity = files::identity(path);
     }
-    known.identity = identity;
+    look.touched = std::exchange(known.identity, identity) != identity;
     known.settled = files::isSettled(identity);
     if (!meeting && known.listed && identity.size >= 0 &&
         std::abs(files::nsSinceChange(identity)) < writingTime) {
@@ -68,17 +69,25 @@ MeetingScanner::Result MeetingScanner::scan()
         known.position = looks.size();
         looks.push_back({name, &known});
     }
-    const HandOver handOver;
-    handOver.give();
-    QtConcurrent::blockingMap(&m_readers, looks, [this, &handOver](Look& one) {
-        handOver.take();
-        look(one);
-        handOver.give();
-    });
-    handOver.take();
+    std::atomic<size_t> next = 0;
+    const HandOver done;
+    const auto work = [&] {
+        for (size_t at = next++; at < looks.size(); at = next++)
+            look(looks[at]);
+        done.give();
+    };
+    QList<QFuture<void>> helpers;
+    for (int i = 1; i < QThread::idealThreadCount() && looks.size() > few; ++i)
+        helpers.append(startOn(m_helpers, work));
+    work();
+    for (QFuture<void>& helper : helpers)
+        helper.waitForFinished();
+    done.take();
     for (const Look& one : looks) {
         result.changed = one.changed || result.changed;
         result.restless = one.restless || result.restless;
+        if (one.touched)
+            result.touched.append(QFile::decodeName(one.name.chopped(summaryFile::suffix.size())));
     }
     for (auto it = m_known.begin(); it != m_known.end();) {
         if (it->second.seen == m_scan) {

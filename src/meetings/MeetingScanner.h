@@ -25,6 +25,7 @@ public:
     struct Result {
         bool changed = false;          ///< since the last scan; the first one has always changed
         bool restless = false;         ///< a file was met in the middle of being written; look again soon
+        QStringList touched;           ///< ids of those whose file was written since the last scan
         QList<ListedMeeting> meetings; ///< newest first; equal starts as the folder lists them
     };
 
@@ -47,6 +48,7 @@ private:
         Known* known;
         bool changed = false;
         bool restless = false;
+        bool touched = false;
     };
     void look(Look& look) const;
     [[nodiscard]] QList<ListedMeeting> sorted() const;
@@ -56,7 +58,7 @@ private:
     std::unordered_map<std::string, Known> m_known;
     QList<ListedMeeting> m_sorted;
     quint64 m_scan = 0;
-    QThreadPool m_readers; ///< its own: the process's pool may have just the thread that waits for them
+    QThreadPool m_helpers; ///< its own: the process's pool may have just the thread that waits for them
 };
 
 } // namespace murmeli

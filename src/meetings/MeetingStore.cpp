@@ -82,6 +82,7 @@ void MeetingStore::take(const MeetingScanner::Result& result)
     m_loading = false;
     m_loaded = true;
     emit loadingChanged();
+    if (!result.touched.isEmpty()) emit touched(result.touched);
     emit scanned();
     if (result.restless) m_scheduler.after(restlessTime, this, [this] { reload(); });
     if (std::exchange(m_again, false)) reload();

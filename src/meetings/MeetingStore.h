@@ -44,6 +44,7 @@ public:
 
 signals:
     void loadingChanged();
+    void touched(const QStringList& ids); ///< those whose files were written, before scanned()
     void
     scanned(); ///< after every scan, also when nothing has changed, and when more is known of its meetings
 

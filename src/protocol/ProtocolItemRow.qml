@@ -11,6 +11,7 @@ Item {
     required property bool last
     required property string before // what stood here before a correction
     required property bool corrected
+    property bool lit: false // somebody has come to look at it
     property bool current: false // the keyboard is here
     readonly property bool first: titleKey.length > 0
 
@@ -42,11 +43,11 @@ Item {
         anchors.topMargin: -6
         anchors.bottomMargin: -6
         radius: Theme.rSmall
-        color: Theme.alpha(Theme.green, 0.10)
+        color: root.lit && !root.corrected ? Theme.mark : Theme.alpha(Theme.green, 0.10)
         opacity: glow
         property real glow
         SequentialAnimation on glow {
-            running: root.corrected
+            running: root.corrected || root.lit
             NumberAnimation { from: 1; to: 1; duration: Theme.swap }
             NumberAnimation { to: 0; duration: Theme.afterglow; easing.type: Easing.InQuad }
         }

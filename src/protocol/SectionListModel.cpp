@@ -72,6 +72,14 @@ int SectionListModel::markCorrected(const QString& section, qsizetype index, con
     return row;
 }
 
+int SectionListModel::light(const QString& section, qsizetype index)
+{
+    m_lit = {section, index};
+    const int row = rowOf(section, index);
+    if (row >= 0) emit dataChanged(this->index(row), this->index(row), {LitRole});
+    return row;
+}
+
 QString SectionListModel::text(int row) const { return m_rows.value(row).text; }
 
 QStringList SectionListModel::words(const QString& language) const
@@ -111,6 +119,8 @@ QVariant SectionListModel::data(const QModelIndex& index, int role) const
         return text::shortened(correctionOf(row).value_or(Correction{}).before, 400);
     case CorrectedRole:
         return m_corrected == std::pair{row.section, row.index} && correctionOf(row);
+    case LitRole:
+        return m_lit == std::pair{row.section, row.index};
     default:
         return {};
     }
@@ -118,11 +128,8 @@ QVariant SectionListModel::data(const QModelIndex& index, int role) const
 
 QHash<int, QByteArray> SectionListModel::roleNames() const
 {
-    return {{TextRole, "text"},
-            {TitleKeyRole, "titleKey"},
-            {LastRole, "last"},
-            {BeforeRole, "before"},
-            {CorrectedRole, "corrected"}};
+    return {{TextRole, "text"},     {TitleKeyRole, "titleKey"},   {LastRole, "last"},
+            {BeforeRole, "before"}, {CorrectedRole, "corrected"}, {LitRole, "lit"}};
 }
 
 } // namespace murmeli

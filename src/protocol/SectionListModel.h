@@ -16,7 +16,7 @@ class SectionListModel final : public QAbstractListModel {
     QML_UNCREATABLE("made for a meeting and handed to its view")
 
 public:
-    enum Role { TextRole = Qt::UserRole, TitleKeyRole, LastRole, BeforeRole, CorrectedRole };
+    enum Role { TextRole = Qt::UserRole, TitleKeyRole, LastRole, BeforeRole, CorrectedRole, LitRole };
 
     explicit SectionListModel(QObject* parent) : QAbstractListModel(parent) {}
 
@@ -25,6 +25,9 @@ public:
 
     /// Marks an item as just corrected. \return its row, -1 when it is not shown.
     int markCorrected(const QString& section, qsizetype index, const QString& before);
+
+    /// Lights an item up, for it was looked for. \return its row, -1 when it is not shown.
+    int light(const QString& section, qsizetype index);
 
     /// The text of an item now; empty when it is not shown.
     [[nodiscard]] QString textOf(const QString& section, qsizetype index) const;
@@ -59,6 +62,7 @@ private:
 
     QHash<std::pair<QString, qsizetype>, Correction> m_corrections;
     std::pair<QString, qsizetype> m_corrected; ///< the latest one
+    std::pair<QString, qsizetype> m_lit;
 };
 
 } // namespace murmeli

@@ -57,12 +57,6 @@ ReportLoader::Analysis analysisOf(const QJsonObject& object, const Meeting& meet
     return {report, reportRows::of(report)};
 }
 
-ReportLoader::Analysis stored(const Meeting& meeting)
-{
-    return analysisOf(objectIn(ReportLoader::storedFile(meeting), analysisLimit).value_or(QJsonObject{}),
-                      meeting);
-}
-
 /// The analysis in an answer, which is stored too; nothing when there is none.
 std::optional<ReportLoader::Analysis> taken(const HttpAnswer& answer, const Meeting& meeting)
 {
@@ -93,6 +87,11 @@ void ReportLoader::copy(int row)
 QString ReportLoader::storedFile(const Meeting& meeting)
 {
     return QFileInfo{meeting.jsonPath}.path() + u'/' + meeting.id + u".report.json"_s;
+}
+
+ReportLoader::Analysis ReportLoader::stored(const Meeting& meeting)
+{
+    return analysisOf(objectIn(storedFile(meeting), analysisLimit).value_or(QJsonObject{}), meeting);
 }
 
 void ReportLoader::show(const std::optional<Analysis>& analysis, const Transcript& lines)

@@ -11,6 +11,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <memory>
+#include <utility>
 
 namespace murmeli {
 
@@ -36,6 +37,8 @@ class ReportLoader final : public QObject {
     Q_PROPERTY(murmeli::ReportListModel* rows READ rows CONSTANT FINAL)
     Q_PROPERTY(
         QString openStamp READ openStamp NOTIFY openStampChanged FINAL) ///< whose quotation is unfolded
+    Q_PROPERTY(int wantedRow READ wantedRow WRITE setWantedRow NOTIFY wantedRowChanged FINAL) ///< to be shown
+                                                                                              ///< next, or -1
     Q_PROPERTY(QStringList quotation READ quotation NOTIFY openStampChanged FINAL)
 
 public:
@@ -66,6 +69,12 @@ public:
     [[nodiscard]] bool asked() const { return m_asked; }
     [[nodiscard]] ReportListModel* rows() { return &m_rows; }
 
+    [[nodiscard]] int wantedRow() const { return m_wantedRow; }
+    void setWantedRow(int row)
+    {
+        if (std::exchange(m_wantedRow, row) != row) emit wantedRowChanged();
+    }
+
     /// Reads transcript, stored analysis and figures of the meeting.
     void load(const Meeting& meeting);
     /// The same for a meeting that is shown and has changed: what is unfolded stays where its analysis does.
@@ -89,12 +98,15 @@ public:
     /// A stamp as it is read out in `language`.
     Q_INVOKABLE [[nodiscard]] QString spoken(const QString& stamp, const QString& language) const;
 
-    /// The stored analysis of a meeting.
+    /// The stored analysis of a meeting: its file, and what it says. The latter waits for the disk; any
+    /// thread.
     static QString storedFile(const Meeting& meeting);
+    static Analysis stored(const Meeting& meeting);
 
 signals:
     void changed();
     void openStampChanged();
+    void wantedRowChanged();
     void momentWanted(const QString& stamp);
 
 private:
@@ -111,6 +123,7 @@ private:
     Transcript m_lines;
     ReportListModel m_rows{nullptr};
     QString m_openStamp;
+    int m_wantedRow = -1;
     Message m_error;
     bool m_loading = false;
     bool m_asked = false;

@@ -160,6 +160,20 @@ Item {
         target: root.loader.rows
         function onModelReset() {
             list.currentIndex = -1;
+            arrival.restart();
+        }
+    }
+    Timer { // once the rows have their places
+        id: arrival
+        interval: 0
+        running: true
+        onTriggered: {
+            const row = root.loader.wantedRow;
+            if (row < 0 || row >= list.count) return;
+            root.loader.wantedRow = -1;
+            list.positionViewAtIndex(row, ListView.Center);
+            list.currentIndex = row;
+            list.currentItem?.take();
         }
     }
     Column {

@@ -13,4 +13,16 @@ enum class Column { Title, People, Protocol, Analysis, Said };
 /// asked for as a row of keys: whether they stand in these very forms is to be seen in the text.
 QByteArray of(const words::Terms& terms, const QList<Column>& columns = {});
 
+/// What must not be there; empty when nothing is excluded.
+QByteArray unwanted(const words::Terms& terms);
+
+/// Both, each of which may be empty.
+QByteArray both(const QByteArray& left, const QByteArray& right);
+
+/// The keys, one after the other, in any column.
+QByteArray row(const QList<QByteArray>& keys);
+
+/// Any of the keys, in one column.
+QByteArray any(const QList<QByteArray>& keys, Column column);
+
 } // namespace murmeli::indexExpression

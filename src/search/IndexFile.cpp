@@ -1,12 +1,18 @@
 #include "IndexFile.h"
 
+#include "language/Words.h"
+
 #include <QFile>
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <algorithm>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <unistd.h>
+#include <vector>
+
+using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
@@ -28,9 +34,8 @@ constexpr auto settings = {
 constexpr auto tables = {
     "CREATE VIRTUAL TABLE words USING fts5(title, people, protocol, analysis, said, content='', "
     "tokenize=\"ascii tokenchars '.,'\", detail=full)",
-    "CREATE TABLE doc(id INTEGER PRIMARY KEY, stem TEXT NOT NULL, alive INTEGER NOT NULL, files BLOB NOT "
-    "NULL, "
-    "made INTEGER NOT NULL)",
+    "CREATE TABLE doc(id INTEGER PRIMARY KEY, stem TEXT NOT NULL, alive INTEGER NOT NULL, "
+    "files BLOB NOT NULL, names TEXT NOT NULL, made INTEGER NOT NULL, gone INTEGER)",
     "CREATE INDEX doc_stem ON doc(stem) WHERE alive",
     "PRAGMA user_version=1",
 };
@@ -95,6 +100,11 @@ void IndexFile::open(const QString& path, Mode mode)
 bool IndexFile::put(const QList<IndexDocument>& documents)
 {
     if (!m_database) return false;
+    // The engine collects words in memory for as long as rows come in their order.
+    std::vector<const IndexDocument*> order;
+    for (const IndexDocument& document : documents)
+        order.push_back(&document);
+    std::ranges::stable_sort(order, {}, &IndexDocument::start);
     return attempt([&] {
                SQLite::Transaction whole{*m_database};
                SQLite::Statement bury{*m_database, "UPDATE doc SET alive=0 WHERE stem=? AND alive"};
@@ -102,8 +112,10 @@ bool IndexFile::put(const QList<IndexDocument>& documents)
                SQLite::Statement insert{*m_database,
                                         "INSERT INTO words(rowid, title, people, protocol, analysis, said) "
                                         "VALUES(?, ?, ?, ?, ?, ?)"};
-               SQLite::Statement note{*m_database, "INSERT INTO doc VALUES(?, ?, 1, ?, unixepoch())"};
-               for (const IndexDocument& document : documents) {
+               SQLite::Statement note{*m_database,
+                                      "INSERT INTO doc VALUES(?, ?, 1, ?, ?, unixepoch(), NULL)"};
+               for (const IndexDocument* one : order) {
+                   const IndexDocument& document = *one;
                    bury.bind(1, text(document.stem));
                    bury.exec();
                    bury.reset();
@@ -123,6 +135,7 @@ bool IndexFile::put(const QList<IndexDocument>& documents)
                    note.bind(1, id);
                    note.bind(2, text(document.stem));
                    note.bind(3, document.files.constData(), int(document.files.size()));
+                   note.bind(4, text(document.names.join(u'\n')));
                    note.exec();
                    note.reset();
                }
@@ -137,7 +150,8 @@ bool IndexFile::forget(const QStringList& stems)
     if (!m_database) return false;
     return attempt([&] {
                SQLite::Transaction whole{*m_database};
-               SQLite::Statement bury{*m_database, "UPDATE doc SET alive=0 WHERE stem=? AND alive"};
+               SQLite::Statement bury{*m_database,
+                                      "UPDATE doc SET alive=0, gone=unixepoch() WHERE stem=? AND alive"};
                for (const QString& stem : stems) {
                    bury.bind(1, text(stem));
                    bury.exec();
@@ -169,10 +183,13 @@ IndexFile::Size IndexFile::size()
 {
     if (!m_database) return {};
     return attempt([&] {
-               SQLite::Statement sums{*m_database, "SELECT count(*), coalesce(sum(alive), 0) FROM doc"};
+               SQLite::Statement sums{
+                   *m_database, "SELECT count(*), coalesce(sum(alive), 0), unixepoch() - min(gone) FROM doc"};
                sums.executeStep();
                const qint64 all = sums.getColumn(0).getInt64(), alive = sums.getColumn(1).getInt64();
-               return Size{alive, all - alive};
+               const SQLite::Column gone = sums.getColumn(2);
+               return Size{alive, all - alive,
+                           gone.isNull() ? std::nullopt : std::optional{qint64(gone.getInt64())}};
            })
         .value_or(Size{});
 }
@@ -180,29 +197,37 @@ IndexFile::Size IndexFile::size()
 namespace {
 
 constexpr auto found = " FROM words JOIN doc ON doc.id = words.rowid "
-                       "WHERE words MATCH ? AND doc.alive AND words.rowid BETWEEN ? AND ?";
+                       "WHERE words MATCH ?1 AND doc.alive AND words.rowid BETWEEN ?2 AND ?3";
+constexpr auto every = " FROM doc WHERE alive AND id BETWEEN ?2 AND ?3 AND (?1 = '' OR id NOT IN "
+                       "(SELECT rowid FROM words WHERE words MATCH ?1))";
 // How much a word in each column weighs.
-constexpr auto best = " ORDER BY bm25(words, 8.0, 4.0, 3.0, 2.0, 1.0), words.rowid DESC LIMIT ?";
-constexpr auto newest = " ORDER BY words.rowid DESC LIMIT ?";
+constexpr auto best = " ORDER BY bm25(words, 8.0, 4.0, 3.0, 2.0, 1.0), words.rowid DESC LIMIT ?4";
+constexpr auto newest = " ORDER BY words.rowid DESC LIMIT ?4";
+constexpr auto newestOfAll = " ORDER BY id DESC LIMIT ?4";
 
 void bind(SQLite::Statement& statement, const IndexQuery& query)
 {
     constexpr qint64 latest = std::numeric_limits<qint64>::max() / perSecond - 1;
-    statement.bind(1, text(query.match));
+    statement.bind(1, text(query.match.isEmpty() ? query.without : query.match));
     statement.bind(2, int64_t(std::clamp<qint64>(query.from.value_or(0), 0, latest) * perSecond));
     statement.bind(
         3, int64_t((std::clamp<qint64>(query.until.value_or(latest), 0, latest) + 1) * perSecond - 1));
+}
+
+std::string selecting(const char* what, const IndexQuery& query)
+{
+    return std::string{"SELECT "} + what + (query.match.isEmpty() ? every : found);
 }
 
 } // namespace
 
 QStringList IndexFile::find(const IndexQuery& query)
 {
-    if (!m_database || query.match.isEmpty()) return {};
+    if (!m_database) return {};
     return attempt([&] {
                const bool byBest = query.order == IndexQuery::Order::Best;
-               SQLite::Statement rows{*m_database,
-                                      std::string{"SELECT doc.stem"} + found + (byBest ? best : newest)};
+               const char* order = query.match.isEmpty() ? newestOfAll : byBest ? best : newest;
+               SQLite::Statement rows{*m_database, selecting("stem", query) + order};
                bind(rows, query);
                rows.bind(4, query.most);
                QStringList stems;
@@ -215,9 +240,9 @@ QStringList IndexFile::find(const IndexQuery& query)
 
 qint64 IndexFile::count(const IndexQuery& query)
 {
-    if (!m_database || query.match.isEmpty()) return 0;
+    if (!m_database) return 0;
     return attempt([&] {
-               SQLite::Statement rows{*m_database, std::string{"SELECT count(*)"} + found};
+               SQLite::Statement rows{*m_database, selecting("count(*)", query)};
                bind(rows, query);
                rows.executeStep();
                return qint64(rows.getColumn(0).getInt64());
@@ -225,9 +250,83 @@ qint64 IndexFile::count(const IndexQuery& query)
         .value_or(0);
 }
 
-void IndexFile::interrupt()
+QStringList IndexFile::names(int most)
 {
-    if (m_database) sqlite3_interrupt(m_database->getHandle());
+    if (!m_database) return {};
+    const auto counts = attempt([&] {
+        QHash<QString, int> counts;
+        SQLite::Statement all{*m_database, "SELECT names FROM doc WHERE alive"};
+        while (all.executeStep()) {
+            for (const QString& name :
+                 QString::fromUtf8(all.getColumn(0).getText()).split(u'\n', Qt::SkipEmptyParts))
+                ++counts[name];
+        }
+        return counts;
+    });
+    QStringList names = counts.value_or(QHash<QString, int>{}).keys();
+    std::ranges::sort(names, [&](const QString& left, const QString& right) {
+        const int l = counts->value(left), r = counts->value(right);
+        return l != r ? l > r : left < right;
+    });
+    return names.first(std::min<qsizetype>(most, names.size()));
+}
+
+QList<QByteArray> IndexFile::nearest(const QByteArray& key, int exchanges)
+{
+    if (!m_database) return {};
+    struct Near {
+        QByteArray key;
+        int distance;
+        qint64 meetings;
+    };
+    const QString wanted = QString::fromUtf8(key);
+    auto found = attempt([&] {
+        std::vector<Near> found;
+        // In the connection's own memory, so that the file stays as it is.
+        m_database->exec(
+            "CREATE VIRTUAL TABLE IF NOT EXISTS temp.vocabulary USING fts5vocab(main, words, row)");
+        SQLite::Statement all{*m_database, "SELECT term, doc FROM temp.vocabulary"};
+        while (all.executeStep()) {
+            const SQLite::Column term = all.getColumn(0);
+            if (std::abs(term.getBytes() - int(key.size())) > 4 * exchanges) continue; // bytes
+            const QByteArray other{term.getText(), term.getBytes()};
+            const int far = words::distance(wanted, QString::fromUtf8(other), exchanges);
+            if (far > 0 && far <= exchanges) found.push_back({other, far, all.getColumn(1).getInt64()});
+        }
+        return found;
+    });
+    auto near = found.value_or(std::vector<Near>{});
+    std::ranges::sort(near, [](const Near& left, const Near& right) {
+        return left.distance != right.distance ? left.distance < right.distance
+                                               : left.meetings > right.meetings;
+    });
+    QList<QByteArray> keys;
+    for (const Near& one : near)
+        keys.append(one.key);
+    return keys;
+}
+
+bool IndexFile::settle()
+{
+    if (!m_database) return false;
+    return attempt([&] {
+               SQLite::Statement checkpoint{*m_database, "PRAGMA wal_checkpoint(TRUNCATE)"};
+               checkpoint.executeStep();
+               return checkpoint.getColumn(0).getInt() == 0;
+           })
+        .value_or(false);
+}
+
+void IndexFile::remove(const QString& path)
+{
+    QFile::remove(path);
+    removeLog(path);
+}
+
+void IndexFile::removeLog(const QString& path)
+{
+    for (const QString& suffix : {u"-wal"_s, u"-shm"_s, u"-journal"_s})
+        QFile::remove(path + suffix);
 }
 
 } // namespace murmeli

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QList>
-#include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -17,15 +17,18 @@ namespace murmeli {
 /// What of a meeting is found: the keys of its words, joined by spaces, column by column.
 struct IndexDocument {
     QString stem;
-    qint64 start = 0; ///< seconds since 1970 UTC; before that counts as 0
-    QByteArray files; ///< which state of its files this was made of
+    qint64 start = 0;  ///< seconds since 1970 UTC; before that counts as 0
+    QByteArray files;  ///< which state of its files this was made of
+    QStringList names; ///< of people, as they are written
     QByteArray title, people, protocol, analysis, said;
 };
 
 /// A question in the index's own words, and what to do with its answers.
 struct IndexQuery {
     enum class Order { Newest, Best };
-    QByteArray match;           ///< an FTS5 expression made by IndexExpression, never what somebody has typed
+    QByteArray match;   ///< an FTS5 expression made by IndexExpression, never what somebody has typed;
+                        ///< empty: every meeting
+    QByteArray without; ///< the same, of what must not be there; counts when `match` is empty
     std::optional<qint64> from; ///< seconds since 1970 UTC, as the next; both inclusive
     std::optional<qint64> until;
     Order order = Order::Newest;
@@ -58,14 +61,25 @@ public:
     struct Size {
         qint64 alive = 0;
         qint64 dead = 0; ///< rows that take room and show no more
+        std::optional<qint64>
+            oldestGone; ///< seconds for which the words of a meeting that is gone have stayed
     };
     [[nodiscard]] Size size();
 
     /// Stems of the meetings that are found, in the order that was asked for.
     [[nodiscard]] QStringList find(const IndexQuery& query);
     [[nodiscard]] qint64 count(const IndexQuery& query);
-    /// Ends the query that runs in another thread.
-    void interrupt();
+
+    /// The names in the meetings, those in most of them first.
+    [[nodiscard]] QStringList names(int most);
+    /// The keys closest to `key` that are there, by at most `exchanges` letters; the best first.
+    [[nodiscard]] QList<QByteArray> nearest(const QByteArray& key, int exchanges);
+
+    /// Moves all that has been written from the log beside the file into it. \return false when somebody who
+    /// reads keeps it from that.
+    bool settle();
+    static void remove(const QString& path);    ///< with the files that SQLite keeps beside it
+    static void removeLog(const QString& path); ///< these alone
 
 private:
     template <typename Work>

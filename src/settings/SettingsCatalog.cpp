@@ -88,7 +88,9 @@ QList<SettingSection> sections(const QString& language)
                     u"check_update.action"_s),
              action(u"account"_s, u"person.crop.circle"_s, settingAction::OpenAccount, u"account.action"_s),
              action(u"open_logs"_s, u"doc.plaintext"_s, settingAction::OpenLogs, u"open_logs.action"_s)}),
-        section(u"own"_s, {remindLong, ownData}),
+        section(u"own"_s, {remindLong, ownData,
+                           action(u"search_index"_s, u"magnifyingglass"_s, settingAction::RebuildSearchIndex,
+                                  u"search_index.action"_s)}),
     };
 }
 

@@ -32,6 +32,7 @@ enum SettingAction {
     OpenLogs,
     OpenAccount,
     ShowOwnData,
+    RebuildSearchIndex,
     DeleteOwnData, ///< asks first
 };
 Q_ENUM_NS(SettingAction)

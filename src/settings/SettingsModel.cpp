@@ -6,6 +6,7 @@
 #include "base/Processes.h"
 #include "localisation/Language.h"
 #include "platform/Desktop.h"
+#include "search/SearchIndex.h"
 #include "service/AppState.h"
 #include "service/OwnData.h"
 #include "service/OwnSettings.h"
@@ -42,6 +43,7 @@ SettingsModel::SettingsModel(const Ground& ground, QObject* parent)
     connect(&ground.account, &AuthManager::changed, this, &SettingsModel::touch);
     connect(&ground.own, &OwnSettings::changed, this, &SettingsModel::touch);
     connect(&ground.language, &Language::changed, this, &SettingsModel::touch);
+    connect(&ground.index, &SearchIndex::measured, this, &SettingsModel::touch);
 }
 
 SettingsModel::~SettingsModel() = default;
@@ -59,6 +61,7 @@ void SettingsModel::opened()
     m_deletion = Deletion::None;
     touch();
     measureOwnData();
+    m_ground.index.measure();
 }
 
 void SettingsModel::measureOwnData()
@@ -199,6 +202,8 @@ Message SettingsModel::subtitle(const SettingRow& row) const
         break;
     case settingAction::ShowOwnData:
         return ownDataSubtitle();
+    case settingAction::RebuildSearchIndex:
+        return indexSubtitle();
     case settingAction::LoadInstructions:
         if (m_loaded == Loaded::NoText) return Message::of("instructions.subtitle.refused");
         if (m_loaded == Loaded::NotSaved) return Message::of("instructions.subtitle.not_saved");
@@ -221,6 +226,16 @@ Message SettingsModel::ownDataSubtitle() const
     if (m_ownBytes.value_or(0) == 0) return Message::of("own_data.subtitle.none");
     const QString size = Language::size(m_ground.language.current(), *m_ownBytes);
     return Message::of("own_data.subtitle", size);
+}
+
+Message SettingsModel::indexSubtitle() const
+{
+    const SearchIndex& index = m_ground.index;
+    if (index.meetings() == 0) return Message::of("search_index.subtitle.none");
+    const QString& language = m_ground.language.current();
+    return Message::ofWords(Language::size(language, index.bytes()) +
+                            Language::text(language, u"common.dot"_s) +
+                            Language::count(language, u"search.meetings"_s, index.meetings()));
 }
 
 QString SettingsModel::secondKey(const SettingRow& row) const
@@ -297,6 +312,10 @@ void SettingsModel::run(int action, QWindow* window)
         } else {
             m_ground.desktop.openFolder(m_ground.paths.ownData);
         }
+        break;
+    case settingAction::RebuildSearchIndex:
+        m_ground.index.makeAnew();
+        touch();
         break;
     case settingAction::DeleteOwnData:
         if (std::exchange(m_deletion, Deletion::Asked) == Deletion::Asked) {

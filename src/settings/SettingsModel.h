@@ -22,6 +22,7 @@ class OwnSettings;
 struct Paths;
 class Prefs;
 class Processes;
+class SearchIndex;
 class Updater;
 
 /// Reads and writes what the settings show, and carries out their actions. Main thread only.
@@ -43,6 +44,7 @@ public:
         const AppState& state;
         AuthManager& account;
         Updater& updater;
+        SearchIndex& index;
         Language& language;
         Processes& processes;
         Desktop& desktop;
@@ -91,6 +93,7 @@ private:
     [[nodiscard]] QString buttonKey(const SettingRow& row) const;
     [[nodiscard]] QString secondKey(const SettingRow& row) const;
     [[nodiscard]] Message ownDataSubtitle() const;
+    [[nodiscard]] Message indexSubtitle() const;
     void measureOwnData();
     void deleteOwnData();
     void store(const QString& key, const QJsonValue& value);

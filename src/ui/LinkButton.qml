@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Ui
 
-// A symbol and a word to press, without a shape of its own.
+// A symbol (or none) and a word to press, without a shape of its own.
 Button {
     id: root
 
@@ -35,6 +35,7 @@ Button {
         spacing: 5
         Symbol {
             anchors.verticalCenter: parent.verticalCenter
+            visible: root.symbol.length > 0
             size: Theme.symbolText
             name: root.symbol
             ink: root.ink

@@ -14,6 +14,11 @@ MainModel::MainModel(const Ground& ground, QObject* parent)
     : QObject(parent),
       m_ground(ground),
       m_store(ground.paths, ground.language, ground.scheduler),
+      m_search({.store = m_store,
+                .index = ground.index,
+                .glossary = ground.glossary,
+                .language = ground.language,
+                .scheduler = ground.scheduler}),
       m_drafts(ground.desktop.stateFolder() + u"/drafts.json"_s, ground.scheduler),
       m_assistant(ground.glossary, m_drafts),
       m_homeless({.paths = ground.paths,
@@ -23,6 +28,9 @@ MainModel::MainModel(const Ground& ground, QObject* parent)
                   .scheduler = ground.scheduler})
 {
     ground.glossary.reload();
+    connect(&m_store, &MeetingStore::touched, this,
+            [this](const QStringList& ids) { m_touched.append(ids); });
+    connect(&m_store, &MeetingStore::scanned, this, &MainModel::followMeetings);
     connect(&m_drafts, &Drafts::carriedOut, &m_store, &MeetingStore::reload);
     connect(&m_store, &MeetingStore::scanned, &m_homeless, &HomelessMarks::look);
     connect(&ground.marks, &RecordingMarks::settled, &m_homeless, &HomelessMarks::look);
@@ -59,6 +67,32 @@ void MainModel::open(const QString& id)
             *meeting, workOn(*meeting)));
     emit detailChanged();
     leave(std::move(old));
+}
+
+void MainModel::openAt(const QString& id, const FoundPlace& place)
+{
+    open(id);
+    if (!m_detail || m_detail->id() != id) return;
+    const Passage& passage = place.passage;
+    switch (passage.kind) {
+    case Passage::Kind::Said:
+        return m_detail->visitTranscript(passage.stamp);
+    case Passage::Kind::Promise:
+    case Passage::Kind::Analysis:
+        return m_detail->visitReport(int(passage.index));
+    default:
+        return m_detail->visitItem(passage.section, passage.index);
+    }
+}
+
+void MainModel::followMeetings()
+{
+    QList<Meeting> meetings;
+    const QList<ListedMeeting>& all = m_store.list()->all();
+    meetings.reserve(all.size());
+    for (const ListedMeeting& one : all)
+        meetings.append(one.meeting);
+    m_ground.index.follow(meetings, std::exchange(m_touched, {}));
 }
 
 void MainModel::openOnceThere(const QString& id)

@@ -6,6 +6,7 @@
 #include "margin/HomelessMarks.h"
 #include "margin/RecordingMarks.h"
 #include "meetings/MeetingStore.h"
+#include "search/SearchModel.h"
 #include "settings/SettingsModel.h"
 #include "ui/ViewMemory.h"
 
@@ -25,6 +26,7 @@ class MainModel final : public QObject {
     Q_PROPERTY(Tab tab READ tab WRITE setTab NOTIFY tabChanged FINAL)
     Q_PROPERTY(murmeli::MeetingDetailModel* detail READ detail NOTIFY detailChanged FINAL) ///< null: the list
     Q_PROPERTY(murmeli::MeetingStore* store READ store CONSTANT FINAL)
+    Q_PROPERTY(murmeli::SearchModel* search READ search CONSTANT FINAL)
     Q_PROPERTY(murmeli::AuthManager* account READ account CONSTANT FINAL)
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::AssistantModel* assistant READ assistant CONSTANT FINAL)
@@ -48,6 +50,7 @@ public:
         Scheduler& scheduler;
         SettingsModel& settings;
         GlossaryStore& glossary;
+        SearchIndex& index;
         QString webOrigin;
     };
 
@@ -59,6 +62,7 @@ public:
     void setTab(Tab tab);
     [[nodiscard]] MeetingDetailModel* detail() const { return m_detail.get(); }
     [[nodiscard]] MeetingStore* store() { return &m_store; }
+    [[nodiscard]] SearchModel* search() { return &m_search; }
     [[nodiscard]] AuthManager* account() { return &m_ground.account; }
     [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] AssistantModel* assistant() { return &m_assistant; }
@@ -67,6 +71,8 @@ public:
     [[nodiscard]] ViewMemory* views() { return &m_views; }
 
     Q_INVOKABLE void open(const QString& id);
+    /// The same, at what was found there.
+    Q_INVOKABLE void openAt(const QString& id, const murmeli::FoundPlace& place);
     /// The same for one that the next scan may bring; in the tab of the meetings.
     void openOnceThere(const QString& id);
     /// Back to the list. \return the meeting that was open.
@@ -84,16 +90,19 @@ signals:
 
 private:
     MeetingDetailModel::Work workOn(const Meeting& meeting);
+    void followMeetings();
     void leave(std::unique_ptr<MeetingDetailModel> detail);
 
     Ground m_ground;
     MeetingStore m_store;
+    SearchModel m_search;
     Drafts m_drafts;
     AssistantModel m_assistant;
     HomelessMarks m_homeless;
     ViewMemory m_views{nullptr};
     Tab m_tab = Tab::Meetings;
     std::unique_ptr<MeetingDetailModel> m_detail;
+    QStringList m_touched; ///< ids of meetings whose files were written
     bool m_onScreen = false;
     QHash<QString, MeetingDetailModel::Work> m_work; ///< by the meeting: of the open one, and what goes on
 };

@@ -5,6 +5,7 @@ import Murmeli.Glossary
 import Murmeli.Margin
 import Murmeli.Meetings
 import Murmeli.Notices
+import Murmeli.Search
 import Murmeli.Service
 import Murmeli.Settings
 import Murmeli.Ui
@@ -40,7 +41,7 @@ Rectangle {
     }
     function search(): void {
         if (root.inDetail) root.back();
-        if (root.onMeetings) meetings.search();
+        if (root.onMeetings) meetings.find();
         else if (root.onAssistant) assistant.search();
     }
 
@@ -73,12 +74,14 @@ Rectangle {
             width: parent.width
             height: parent.height
             store: root.model.store
+            search: root.model.search
             memory: root.model.views
             enabled: root.onMeetings && !root.inDetail
             visible: enabled || opacity > 0
             opacity: enabled ? 1 : 0
             x: root.inDetail ? -Theme.slide : 0
             onOpened: id => root.model.open(id)
+            onPlaceOpened: (id, place) => root.model.openAt(id, place)
 
             HomelessSection {
                 width: parent.width - 40

@@ -109,8 +109,8 @@ struct TestProgram {
     /// For a main window of the test's own.
     MainModel::Ground mainGround()
     {
-        return {paths,   state,    program.marks, account,  http,     processes,
-                desktop, language, scheduler,     settings, glossary, server.origin()};
+        return {paths,    state,     program.marks, account,  http,          processes,      desktop,
+                language, scheduler, settings,      glossary, program.index, server.origin()};
     }
 
     Server server;

@@ -17,7 +17,7 @@ HERE = Path(__file__).resolve().parent
 ROOT = HERE.parents[1]
 LLVM = Path("/usr/lib/llvm-19")
 QT = Path("/usr/include/x86_64-linux-gnu/qt6")
-ROOMS = ("QtCore", "QtGui", "QtWidgets", "QtNetwork", "QtQml", "QtQuick", "QtConcurrent", "QtQmlIntegration")
+ROOMS = ("QtCore", "QtGui", "QtWidgets", "QtNetwork", "QtQml", "QtQuick", "QtQmlIntegration")
 problems = []
 
 

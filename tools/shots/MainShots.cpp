@@ -70,6 +70,8 @@ struct MainShot {
     QString name;
     bool meetings = true;
     QString query = {};
+    SearchModel::Period period = SearchModel::Ever;
+    bool best = false;
     bool recording = false;
     bool detail = false;
     bool marks = false;
@@ -105,6 +107,14 @@ QList<MainShot> mainShots(bool inRussian)
             : R"({"found":true,"section":"action_items","index":0,"text":"Anna: setup screen copy by Wednesday."})";
     return {
         {.name = u"main-meetings"_s},
+        {.name = u"search-places"_s,
+         .query = inRussian ? u"тексты установки"_s : u"setup copy"_s,
+         .period = SearchModel::Month},
+        {.name = u"search-best"_s, .query = inRussian ? u"релиз"_s : u"release"_s, .best = true},
+        {.name = u"search-layout"_s, .query = inRussian ? u"ntrcns"_s : u"ыуегз"_s},
+        {.name = u"search-nothing"_s,
+         .query = inRussian ? u"устоновка"_s : u"instoler"_s,
+         .period = SearchModel::Week},
         {.name = u"main-search"_s, .query = inRussian ? u"релиз"_s : u"release"_s, .recording = true},
         {.name = u"main-homeless"_s, .homeless = true},
         {.name = u"detail-one-voice"_s, .detail = true, .quiet = true},
@@ -239,7 +249,15 @@ bool shoot(const MainShot& shot, const Frame& frame)
                       .size = {980, shot.height}}};
     window.present();
     await([&] { return model.store()->loaded() && !model.glossary()->loading(); });
-    model.store()->list()->setQuery(shot.query);
+    if (!shot.query.isEmpty()) {
+        SearchModel& search = *model.search();
+        await([&] { return m.program.index.state() == SearchIndex::State::Ready; });
+        search.setPeriod(shot.period);
+        search.setBest(shot.best);
+        search.setQuery(shot.query);
+        await([&] { return search.isSettled(); });
+        settle(700); // places and pictures
+    }
     if (shot.detail) {
         model.open(model.store()->list()->idAt(1));
         await([&] { return model.detail()->loaded(); });

@@ -1,5 +1,5 @@
 import QtQuick
-import Murmeli.Meetings
+import Murmeli.Search
 import ".."
 
 ViewCase {
@@ -17,6 +17,7 @@ ViewCase {
             width: 750
             height: 680
             store: fixture.library.store
+            search: fixture.library.search
             onOpened: id => testCase.openings.push(id)
         }
     }
@@ -48,16 +49,17 @@ ViewCase {
         fixture.writeMeeting("2026-04-01 09-00-00", { title: "Новая" });
         fixture.library.store.reload();
         tryVerify(() => says("Новая"));
-        fixture.library.store.list.query = "x";
+        fixture.library.search.query = "x";
         tryVerify(() => says("Ничего не нашлось"));
+        fixture.library.search.query = "";
     }
 
     function test_searchAndOpenByKeyboard() {
         open(30);
-        view.search();
+        view.find();
         for (const letter of "otpusk") keyClick(letter);
         compare(fixture.library.store.list.rowCount(), 0);
-        fixture.library.store.list.query = "ОТПУСК";
+        fixture.library.search.query = "ОТПУСК";
         compare(fixture.library.store.list.rowCount(), 1);
         keyClick(Qt.Key_Down);
         keyClick(Qt.Key_Return);
