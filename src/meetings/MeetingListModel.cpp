@@ -5,6 +5,7 @@
 #include "localisation/Language.h"
 
 #include <QPoint>
+#include <QStringMatcher>
 
 #include <algorithm>
 #include <numeric>
@@ -17,6 +18,9 @@ namespace murmeli {
 namespace {
 
 constexpr qsizetype shownLength = 400; // code units of a title or summary; a row has room for fewer
+
+constexpr qsizetype longList = 600; // rows
+constexpr size_t ahead = 12;        // meetings
 
 QString shown(const QString& text) { return text::oneLine(text.left(shownLength)); }
 
@@ -32,39 +36,58 @@ MeetingListModel::MeetingListModel(const Language& language, QObject* parent)
 
 void MeetingListModel::filterTitles(bool narrower)
 {
-    const auto misses = [this](qsizetype at) { return !m_all[at].searchText.contains(m_needle); };
     if (!narrower) {
-        m_titled.resize(m_needle.isEmpty() ? 0 : size_t(m_all.size()));
+        m_titled.resize(m_needle.isEmpty() ? 0 : size_t(m_all->size()));
         std::iota(m_titled.begin(), m_titled.end(), 0);
     }
-    std::erase_if(m_titled, misses);
+    const QStringMatcher needle{m_needle};
+    size_t kept = 0;
+    for (size_t i = 0; i < m_titled.size(); ++i) {
+        // The texts lie all over the memory: to wait for each would take longer than to look through it.
+        if (i + ahead < m_titled.size())
+            __builtin_prefetch(m_all->at(m_titled[i + ahead]).searchText.constData());
+        if (needle.indexIn(m_all->at(m_titled[i]).searchText) >= 0) m_titled[kept++] = m_titled[i];
+    }
+    m_titled.resize(kept);
 }
 
-QList<ListedMeeting> MeetingListModel::matching() const
+qsizetype MeetingListModel::positionOf(const QString& id)
 {
-    if (m_needle.isEmpty() && !m_found) return m_all;
-    std::vector<qsizetype> positions;
-    if (!m_found || !m_found->alone) positions = m_titled;
-    if (m_found) {
-        QHash<QString, qsizetype> wanted;
-        for (const QString& id : m_found->ids)
-            wanted.insert(id, wanted.size());
-        std::vector<qsizetype> others;
-        for (qsizetype i = 0; i < m_all.size() && !wanted.isEmpty(); ++i) {
-            if (wanted.contains(m_all[i].meeting.id)) others.push_back(i);
-        }
-        const auto place = [&](qsizetype at) {
-            return wanted.value(m_all[at].meeting.id, wanted.size() + at);
-        };
-        std::vector<qsizetype> both;
-        std::ranges::set_union(positions, others, std::back_inserter(both));
-        positions = both;
-        if (m_found->inOrder) std::ranges::sort(positions, {}, place);
+    if (m_positions.isEmpty()) {
+        m_positions.reserve(m_all->size());
+        for (qsizetype i = 0; i < m_all->size(); ++i)
+            m_positions.insert(m_all->at(i).meeting.id, i);
     }
-    QList<ListedMeeting> rows;
+    return m_positions.value(id, -1);
+}
+
+MeetingListModel::Rows MeetingListModel::matching()
+{
+    Rows rows;
+    if (m_needle.isEmpty() && !m_found) {
+        rows.reserve(m_all->size());
+        for (qsizetype i = 0; i < m_all->size(); ++i)
+            rows.append(rowAt(i));
+        return rows;
+    }
+    std::vector<qsizetype> positions;
+    if (m_found) {
+        for (const QString& id : m_found->ids) {
+            if (const qsizetype at = positionOf(id); at >= 0) positions.push_back(at);
+        }
+    }
+    const bool inOrder = m_found && m_found->inOrder;
+    if (!inOrder) std::ranges::sort(positions);
+    if (!m_found || !m_found->alone) {
+        std::vector<qsizetype> sorted = positions;
+        if (inOrder) std::ranges::sort(sorted);
+        const auto middle = qsizetype(positions.size());
+        std::ranges::set_difference(m_titled, sorted, std::back_inserter(positions));
+        if (!inOrder) std::ranges::inplace_merge(positions, positions.begin() + middle);
+    }
     rows.reserve(qsizetype(positions.size()));
     for (const qsizetype at : positions)
-        rows.append(m_all[at]);
+        rows.append(rowAt(at));
     return rows;
 }
 
@@ -76,13 +99,12 @@ void MeetingListModel::setQuery(const QString& query)
     if (m_needle != old) {
         // Whoever finds the longer text has found the shorter one too.
         filterTitles(!old.isEmpty() && m_needle.contains(old));
-        const QList<ListedMeeting> rows = matching();
-        if (m_found) { // most of what was found stays until more is known
+        const Rows rows = matching();
+        // What was found stays until more is known; to find the differences of long lists takes too long.
+        if (m_found && rows.size() + m_shown.size() < longList) {
             become(rows);
         } else {
-            beginResetModel();
-            m_shown = rows;
-            endResetModel();
+            reset(rows);
         }
         emit countChanged();
     }
@@ -94,44 +116,50 @@ void MeetingListModel::setFound(const std::optional<Found>& found)
     if (found == m_found) return;
     const bool otherOrder = (found && found->inOrder) || (m_found && m_found->inOrder);
     m_found = found;
-    if (otherOrder) {
-        beginResetModel();
-        m_shown = matching();
-        endResetModel();
+    if (!m_found) m_positions.clear();
+    const Rows rows = matching();
+    if (otherOrder || rows.size() + m_shown.size() >= longList) {
+        reset(rows);
     } else {
-        become(matching());
+        become(rows);
     }
     emit countChanged();
 }
 
 void MeetingListModel::setMeetings(const QList<ListedMeeting>& meetings, const QDate& today)
 {
-    m_all = meetings;
+    m_all = std::make_shared<const QList<ListedMeeting>>(meetings);
+    m_positions.clear();
     filterTitles(false);
     become(matching());
     if (std::exchange(m_today, today) != today) emit todayChanged();
     emit countChanged();
 }
 
-void MeetingListModel::become(const QList<ListedMeeting>& rows)
+void MeetingListModel::reset(const Rows& rows)
+{
+    beginResetModel();
+    m_shown = rows;
+    endResetModel();
+}
+
+void MeetingListModel::become(const Rows& rows)
 {
     if (m_shown.isEmpty() || rows.isEmpty() || !becomeByDifference(rows)) {
-        beginResetModel();
-        m_shown = rows;
-        endResetModel();
+        reset(rows);
     }
 }
 
-bool MeetingListModel::becomeByDifference(const QList<ListedMeeting>& rows)
+bool MeetingListModel::becomeByDifference(const Rows& rows)
 {
     // A meeting whose start has changed stands elsewhere now: out here, in there.
     QHash<QString, QDateTime> wanted;
     wanted.reserve(rows.size());
-    for (const ListedMeeting& row : rows)
-        wanted.insert(row.meeting.id, row.meeting.startedAt);
-    const auto stays = [&](const ListedMeeting& row) {
-        const auto found = wanted.constFind(row.meeting.id);
-        return found != wanted.cend() && *found == row.meeting.startedAt;
+    for (const Row& row : rows)
+        wanted.insert(row->meeting.id, row->meeting.startedAt);
+    const auto stays = [&](const Row& row) {
+        const auto found = wanted.constFind(row->meeting.id);
+        return found != wanted.cend() && *found == row->meeting.startedAt;
     };
     for (int end = count(); end > 0;) {
         if (stays(m_shown[end - 1])) {
@@ -149,18 +177,16 @@ bool MeetingListModel::becomeByDifference(const QList<ListedMeeting>& rows)
 
     int at = 0;
     for (; at < rows.size(); ++at) {
-        if (at < count() && m_shown[at].meeting.id == rows[at].meeting.id) {
-            const auto offset = [](const ListedMeeting& row) {
-                return row.meeting.startedAt.offsetFromUtc();
-            };
-            if (m_shown[at] == rows[at] && offset(m_shown[at]) == offset(rows[at])) continue;
-            m_shown[at] = rows[at];
+        if (at < count() && m_shown[at]->meeting.id == rows[at]->meeting.id) {
+            const auto offset = [](const Row& row) { return row->meeting.startedAt.offsetFromUtc(); };
+            const Row before = std::exchange(m_shown[at], rows[at]);
+            if (*before == *rows[at] && offset(before) == offset(rows[at])) continue;
             emit dataChanged(index(at), index(at));
             continue;
         }
         int end = at;
-        const QString next = at < count() ? m_shown[at].meeting.id : QString{};
-        while (end < rows.size() && rows[end].meeting.id != next)
+        const QString next = at < count() ? m_shown[at]->meeting.id : QString{};
+        while (end < rows.size() && rows[end]->meeting.id != next)
             ++end;
         if (!next.isNull() && end == rows.size()) return false; // equals that have changed places
         beginInsertRows({}, at, end - 1);
@@ -174,18 +200,24 @@ bool MeetingListModel::becomeByDifference(const QList<ListedMeeting>& rows)
 
 const Meeting* MeetingListModel::find(const QString& id) const
 {
-    const auto found = std::ranges::find(m_all, id, [](const ListedMeeting& m) { return m.meeting.id; });
-    return found == m_all.end() ? nullptr : &found->meeting;
+    if (!m_positions.isEmpty()) {
+        const qsizetype at = m_positions.value(id, -1);
+        return at < 0 ? nullptr : &m_all->at(at).meeting;
+    }
+    const auto found =
+        std::ranges::find(*m_all, id, [](const ListedMeeting& m) -> const QString& { return m.meeting.id; });
+    return found == m_all->end() ? nullptr : &found->meeting;
 }
 
 QString MeetingListModel::idAt(int row) const
 {
-    return row >= 0 && row < count() ? m_shown[row].meeting.id : QString{};
+    return row >= 0 && row < count() ? m_shown[row]->meeting.id : QString{};
 }
 
 int MeetingListModel::rowOf(const QString& id) const
 {
-    const auto found = std::ranges::find(m_shown, id, [](const ListedMeeting& m) { return m.meeting.id; });
+    const auto found =
+        std::ranges::find(m_shown, id, [](const Row& row) -> const QString& { return row->meeting.id; });
     return found == m_shown.end() ? -1 : int(found - m_shown.begin());
 }
 
@@ -209,7 +241,7 @@ QVariant MeetingListModel::hit(const QString& text) const
 QVariant MeetingListModel::data(const QModelIndex& index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
-    const Meeting& meeting = m_shown[index.row()].meeting;
+    const Meeting& meeting = m_shown[index.row()]->meeting;
     switch (role) {
     case IdRole:
         return meeting.id;

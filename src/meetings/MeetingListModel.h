@@ -5,6 +5,7 @@
 #include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -41,7 +42,7 @@ public:
 
     [[nodiscard]] QString query() const { return m_query; }
     [[nodiscard]] int count() const { return int(m_shown.size()); }
-    [[nodiscard]] bool isEmpty() const { return m_all.isEmpty(); }
+    [[nodiscard]] bool isEmpty() const { return m_all->isEmpty(); }
     [[nodiscard]] QDate today() const { return m_today; }
     [[nodiscard]] QString todayText() const { return m_today.toString(Qt::ISODate); }
 
@@ -64,7 +65,7 @@ public:
     void setMeetings(const QList<ListedMeeting>& meetings, const QDate& today);
 
     /// All of them, whatever is searched for; the newest first.
-    [[nodiscard]] const QList<ListedMeeting>& all() const { return m_all; }
+    [[nodiscard]] const QList<ListedMeeting>& all() const { return *m_all; }
     [[nodiscard]] const Meeting* find(const QString& id) const;
 
     Q_INVOKABLE [[nodiscard]] QString idAt(int row) const;
@@ -82,19 +83,26 @@ signals:
     void todayChanged();
 
 private:
+    using Row = std::shared_ptr<const ListedMeeting>; // holds the whole list that it is from
+    using Rows = QList<Row>;
+
     void filterTitles(bool narrower);
-    [[nodiscard]] QList<ListedMeeting> matching() const;
-    void become(const QList<ListedMeeting>& rows);
-    bool becomeByDifference(const QList<ListedMeeting>& rows);
+    [[nodiscard]] Rows matching();
+    [[nodiscard]] Row rowAt(qsizetype position) const { return {m_all, &m_all->at(position)}; }
+    [[nodiscard]] qsizetype positionOf(const QString& id);
+    void become(const Rows& rows);
+    bool becomeByDifference(const Rows& rows);
+    void reset(const Rows& rows);
     [[nodiscard]] QVariant hit(const QString& text) const;
 
     const Language& m_language;
-    QList<ListedMeeting> m_all;
-    QList<ListedMeeting> m_shown;
+    std::shared_ptr<const QList<ListedMeeting>> m_all = std::make_shared<QList<ListedMeeting>>();
+    Rows m_shown;
     QString m_query;
     QString m_needle;                ///< trimmed and lower-cased
     std::vector<qsizetype> m_titled; ///< positions of meetings that it finds; ascending
     std::optional<Found> m_found;
+    QHash<QString, qsizetype> m_positions; ///< by the id, once somebody searches
     QDate m_today;
 };
 

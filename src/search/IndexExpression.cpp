@@ -17,11 +17,16 @@ QByteArray row(const QList<QByteArray>& keys) { return quoted(QByteArrayList{key
 
 namespace {
 
-QByteArray ofTerm(const words::Terms::Term& term)
+QByteArray ofTerm(const words::Terms::Term& term, const Beginnings& beginnings = {})
 {
     const QByteArray whole = row(term.keys);
     if (!term.prefix || term.folded.size() != 1) return whole;
-    return '(' + whole + " OR " + quoted(term.folded.first().toUtf8()) + " *)";
+    const QByteArray beginning = term.folded.first().toUtf8();
+    QByteArrayList instead{whole};
+    for (const QByteArray& key : beginnings ? beginnings(beginning) : QList<QByteArray>{})
+        instead.append(quoted(key));
+    if (instead.size() == 1) instead.append(quoted(beginning) + " *");
+    return '(' + instead.join(" OR ") + ')';
 }
 
 QByteArray within(const QByteArray& expression, const QList<Column>& columns)
@@ -34,11 +39,11 @@ QByteArray within(const QByteArray& expression, const QList<Column>& columns)
 }
 
 /// The terms from `first` on, `size` of them, and what may stand in their place.
-QByteArray ofTerms(const words::Terms& terms, qsizetype first, qsizetype size)
+QByteArray ofTerms(const words::Terms& terms, qsizetype first, qsizetype size, const Beginnings& beginnings)
 {
     QByteArrayList wanted;
     for (qsizetype i = first; i < first + size; ++i) {
-        if (!terms.list()[i].excluded) wanted.append(ofTerm(terms.list()[i]));
+        if (!terms.list()[i].excluded) wanted.append(ofTerm(terms.list()[i], beginnings));
     }
     QByteArray expression = wanted.join(" AND ");
     for (const auto& other : terms.alternatives()) {
@@ -50,7 +55,7 @@ QByteArray ofTerms(const words::Terms& terms, qsizetype first, qsizetype size)
 
 } // namespace
 
-QByteArray of(const words::Terms& terms, const QList<Column>& columns)
+QByteArray of(const words::Terms& terms, const QList<Column>& columns, const Beginnings& beginnings)
 {
     QByteArrayList groups;
     for (qsizetype at = 0; at < terms.list().size();) {
@@ -58,7 +63,7 @@ QByteArray of(const words::Terms& terms, const QList<Column>& columns)
         for (const auto& other : terms.alternatives()) {
             if (other.first == at) size = other.size;
         }
-        const QByteArray group = ofTerms(terms, at, size);
+        const QByteArray group = ofTerms(terms, at, size, beginnings);
         if (!group.isEmpty()) groups.append('(' + group + ')');
         at += size;
     }

@@ -4,14 +4,20 @@
 
 #include <QByteArray>
 
+#include <functional>
+
 /// How the words that somebody looks for are asked of the index.
 namespace murmeli::indexExpression {
 
 enum class Column { Title, People, Protocol, Analysis, Said };
 
+/// What stands for a beginning of which there are too many words; none: the beginning as it is.
+using Beginnings = std::function<QList<QByteArray>(const QByteArray& beginning)>;
+
 /// All terms, in any column or in some; empty when there is nothing to look for. Words in quotation marks are
 /// asked for as a row of keys: whether they stand in these very forms is to be seen in the text.
-QByteArray of(const words::Terms& terms, const QList<Column>& columns = {});
+QByteArray of(const words::Terms& terms, const QList<Column>& columns = {},
+              const Beginnings& beginnings = {});
 
 /// What must not be there; empty when nothing is excluded.
 QByteArray unwanted(const words::Terms& terms);

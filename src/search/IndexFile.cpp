@@ -3,6 +3,7 @@
 #include "language/Words.h"
 
 #include <QFile>
+#include <QSet>
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <algorithm>
@@ -36,6 +37,7 @@ constexpr auto tables = {
     "tokenize=\"ascii tokenchars '.,'\", detail=full)",
     "CREATE TABLE doc(id INTEGER PRIMARY KEY, stem TEXT NOT NULL, alive INTEGER NOT NULL, "
     "files BLOB NOT NULL, names TEXT NOT NULL, made INTEGER NOT NULL, gone INTEGER)",
+    "CREATE TABLE word(key TEXT PRIMARY KEY, meetings INTEGER NOT NULL) WITHOUT ROWID",
     "CREATE INDEX doc_stem ON doc(stem) WHERE alive",
     "PRAGMA user_version=1",
 };
@@ -71,6 +73,7 @@ void IndexFile::open(const QString& path, Mode mode)
 {
     const QByteArray name = QFile::encodeName(path);
     if (mode == Mode::Write) { // for the owner alone from the first byte on
+        if (!QFile::exists(path)) removeLog(path); // of a file that somebody has removed
         const int fd = ::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
         if (fd < 0) return;
         ::close(fd);
@@ -282,10 +285,7 @@ QList<QByteArray> IndexFile::nearest(const QByteArray& key, int exchanges)
     const QString wanted = QString::fromUtf8(key);
     auto found = attempt([&] {
         std::vector<Near> found;
-        // In the connection's own memory, so that the file stays as it is.
-        m_database->exec(
-            "CREATE VIRTUAL TABLE IF NOT EXISTS temp.vocabulary USING fts5vocab(main, words, row)");
-        SQLite::Statement all{*m_database, "SELECT term, doc FROM temp.vocabulary"};
+        SQLite::Statement all{*m_database, "SELECT key, meetings FROM word"};
         while (all.executeStep()) {
             const SQLite::Column term = all.getColumn(0);
             if (std::abs(term.getBytes() - int(key.size())) > 4 * exchanges) continue; // bytes
@@ -304,6 +304,90 @@ QList<QByteArray> IndexFile::nearest(const QByteArray& key, int exchanges)
     for (const Near& one : near)
         keys.append(one.key);
     return keys;
+}
+
+QList<QByteArray> IndexFile::beginnings(const QByteArray& beginning, IndexQuery::Order order)
+{
+    constexpr qint64 readable = 20'000; // words in meetings that the engine reads in a few milliseconds
+    // They stand in nearly every meeting then. To weigh each takes its time.
+    const int commonest = order == IndexQuery::Order::Best ? 4 : 16;
+    if (!m_database || beginning.isEmpty()) return {};
+    const std::string last = text(beginning) + "\xf4\x8f\xbf\xbf"; // the last character that there is
+    return attempt([&] {
+               QList<QByteArray> keys;
+               SQLite::Statement sum{*m_database, "SELECT sum(meetings) FROM word WHERE key BETWEEN ? AND ?"};
+               sum.bind(1, text(beginning));
+               sum.bind(2, last);
+               sum.executeStep();
+               if (sum.getColumn(0).getInt64() <= readable) return keys;
+               SQLite::Statement best{
+                   *m_database,
+                   "SELECT key FROM word WHERE key BETWEEN ? AND ? ORDER BY meetings DESC LIMIT ?"};
+               best.bind(1, text(beginning));
+               best.bind(2, last);
+               best.bind(3, commonest);
+               while (best.executeStep())
+                   keys.append(QByteArray{best.getColumn(0).getText()});
+               return keys;
+           })
+        .value_or(QList<QByteArray>{});
+}
+
+bool IndexFile::countWords()
+{
+    if (!m_database) return false;
+    return attempt([&] {
+               // Of the connection alone, so that any other program can open the file.
+               m_database->exec(
+                   "CREATE VIRTUAL TABLE IF NOT EXISTS temp.vocabulary USING fts5vocab(main, words, row)");
+               SQLite::Transaction whole{*m_database};
+               m_database->exec("DELETE FROM word");
+               m_database->exec("INSERT INTO word SELECT term, doc FROM temp.vocabulary");
+               whole.commit();
+               return true;
+           })
+        .value_or(false);
+}
+
+bool IndexFile::countWords(const QList<IndexDocument>& documents)
+{
+    if (!m_database) return false;
+    QHash<QByteArray, int> counts;
+    for (const IndexDocument& document : documents) {
+        QSet<QByteArray> keys;
+        for (const QByteArray* column :
+             {&document.title, &document.people, &document.protocol, &document.analysis, &document.said}) {
+            for (const QByteArray& key : column->split(' '))
+                keys.insert(key);
+        }
+        keys.remove({});
+        for (const QByteArray& key : std::as_const(keys))
+            ++counts[key];
+    }
+    return attempt([&] {
+               SQLite::Transaction whole{*m_database};
+               SQLite::Statement add{*m_database,
+                                     "INSERT INTO word VALUES(?1, ?2) ON CONFLICT(key) DO UPDATE SET "
+                                     "meetings = meetings + ?2"};
+               for (auto it = counts.cbegin(); it != counts.cend(); ++it) {
+                   add.bind(1, text(it.key()));
+                   add.bind(2, it.value());
+                   add.exec();
+                   add.reset();
+               }
+               whole.commit();
+               return true;
+           })
+        .value_or(false);
+}
+
+bool IndexFile::hasCounted()
+{
+    if (!m_database) return false;
+    return attempt([&] {
+               return SQLite::Statement{*m_database, "SELECT 1 FROM word LIMIT 1"}.executeStep();
+           })
+        .value_or(false);
 }
 
 bool IndexFile::settle()

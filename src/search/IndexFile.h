@@ -53,6 +53,12 @@ public:
     /// Puts documents in, in one transaction; older ones of the same stem show no more. \return false when
     /// nothing of it was written.
     bool put(const QList<IndexDocument>& documents);
+    /// Counts in how many meetings each word stands, for beginnings() and nearest(); of a few documents that
+    /// were just put, only theirs.
+    bool countWords();
+    bool countWords(const QList<IndexDocument>& documents);
+    [[nodiscard]] bool hasCounted();
+
     /// Meetings that are gone show no more.
     bool forget(const QStringList& stems);
 
@@ -72,6 +78,9 @@ public:
 
     /// The names in the meetings, those in most of them first.
     [[nodiscard]] QStringList names(int most);
+    /// The commonest keys with this beginning, when there are so many of them in so many meetings that the
+    /// engine itself would have to read too much; else none.
+    [[nodiscard]] QList<QByteArray> beginnings(const QByteArray& beginning, IndexQuery::Order order);
     /// The keys closest to `key` that are there, by at most `exchanges` letters; the best first.
     [[nodiscard]] QList<QByteArray> nearest(const QByteArray& key, int exchanges);
 

@@ -75,7 +75,7 @@ Indexer::Outcome Indexer::update(IndexFile& index, const QList<Meeting>& meeting
                                  const Progress& progress)
 {
     QHash<QString, QByteArray> known = index.known();
-    QList<Meeting> changed;
+    QList<Changed> changed;
     for (const Meeting& meeting : meetings) {
         if (m_stop) return Outcome::Stopped;
         const auto before = known.constFind(meeting.id);
@@ -84,7 +84,7 @@ Indexer::Outcome Indexer::update(IndexFile& index, const QList<Meeting>& meeting
             const QByteArray state = m_files.state(meeting);
             const bool settled = MeetingFiles::isSettled(state);
             if (!settled) m_restless.insert(meeting.id);
-            if (before == known.cend() || *before != state || !settled) changed.append(meeting);
+            if (before == known.cend() || *before != state || !settled) changed.append({meeting, state});
         }
         if (before != known.cend()) known.erase(before);
     }
@@ -93,24 +93,24 @@ Indexer::Outcome Indexer::update(IndexFile& index, const QList<Meeting>& meeting
     return outcome == Outcome::Done && !m_restless.isEmpty() ? Outcome::Restless : outcome;
 }
 
-Indexer::Outcome Indexer::fill(IndexFile& index, const QList<Meeting>& meetings, const Progress& progress)
+Indexer::Outcome Indexer::fill(IndexFile& index, const QList<Changed>& meetings, const Progress& progress)
 {
     words::Keys keys;
+    const bool few = meetings.size() <= batch && index.hasCounted();
     for (qsizetype done = 0; done < meetings.size();) {
         if (!progress(done, meetings.size())) return Outcome::Stopped;
         if (m_freeBytes(m_folder).value_or(leastSpace) < leastSpace) return Outcome::NoSpace;
         QList<IndexDocument> documents;
-        for (const Meeting& meeting : meetings.sliced(done, std::min(batch, meetings.size() - done))) {
-            // Before the text, so that a change meanwhile is seen.
-            const QByteArray state = m_files.state(meeting);
+        for (const auto& [meeting, state] : meetings.sliced(done, std::min(batch, meetings.size() - done))) {
             auto document = documentOf(meeting, m_files.read(meeting, Language::fallback), keys, m_stop);
             if (m_stop || !document) return Outcome::Stopped;
             document->files = state;
             documents.append(*document);
         }
-        if (!index.put(documents)) return Outcome::Failed;
+        if (!index.put(documents) || (few && !index.countWords(documents))) return Outcome::Failed;
         done += documents.size();
     }
+    if (!few && !index.countWords()) return Outcome::Failed;
     progress(meetings.size(), meetings.size());
     return Outcome::Done;
 }
@@ -128,7 +128,10 @@ Indexer::Outcome Indexer::makeAnew(const QList<Meeting>& meetings, const Progres
     IndexFile::remove(beside);
     {
         IndexFile index{beside, IndexFile::Mode::Write};
-        const Outcome outcome = fill(index, meetings, progress);
+        QList<Changed> all;
+        for (const Meeting& meeting : meetings)
+            all.append({meeting, m_files.state(meeting)});
+        const Outcome outcome = fill(index, all, progress);
         if (outcome != Outcome::Done || !index.settle()) {
             IndexFile::remove(beside);
             return outcome == Outcome::Done ? Outcome::Failed : outcome;

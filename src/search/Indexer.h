@@ -49,7 +49,12 @@ private:
     QSet<QString> withNewest(const QList<Meeting>& meetings, QSet<QString> touched);
     Outcome update(IndexFile& index, const QList<Meeting>& meetings, const Scope& scope,
                    const Progress& progress);
-    Outcome fill(IndexFile& index, const QList<Meeting>& meetings, const Progress& progress);
+    /// A meeting, and the state in which its files were before they are read.
+    struct Changed {
+        Meeting meeting;
+        QByteArray state;
+    };
+    Outcome fill(IndexFile& index, const QList<Changed>& meetings, const Progress& progress);
     [[nodiscard]] bool isWorthMakingAnew(IndexFile& index) const;
     Outcome makeAnew(const QList<Meeting>& meetings, const Progress& progress);
 

@@ -171,6 +171,7 @@ void SearchModel::ask()
 void SearchModel::take(const SearchAnswer& answer)
 {
     m_answer = answer;
+    m_answered = m_search;
     m_confirmed.clear();
     m_read = 0;
     if (m_answer.candidates) {
@@ -254,7 +255,7 @@ void SearchModel::lookFrom(int row)
 
 void SearchModel::lookAgain()
 {
-    if (!isSearching() || !m_answer.indexed) return;
+    if (!isSearching() || m_answered != m_search || !m_answer.indexed) return;
     const MeetingListModel& list = *m_ground.store.list();
     if (!m_readers) m_readers = std::make_shared<Readers>(m_ground.index.files());
     for (int row = m_firstRow; row < std::min(list.count(), m_firstRow + looked); ++row) {
@@ -263,6 +264,7 @@ void SearchModel::lookAgain()
         Places& places = m_places[id];
         if (!meeting || places.search == m_search) continue;
         places.search = m_search;
+        places.known = false; // those of the search before show for as long
         const auto read = [readers = m_readers, query = m_answer.query, meeting = *meeting,
                            language = m_ground.language.current(), current = m_current, search = m_search] {
             if (*current != search) return QList<FoundPlace>{};

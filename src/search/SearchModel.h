@@ -142,7 +142,8 @@ private:
     QHash<QString, Places> m_places; ///< by the meeting
     int m_firstRow = 0;
     int m_revision = 0;
-    quint64 m_search = 0;                                          ///< number of the newest one
+    quint64 m_answered = 0; ///< number of the search that the answer is to
+    quint64 m_search = 0;   ///< number of the newest one
     Current m_current = std::make_shared<std::atomic<quint64>>(0); ///< the same for other threads
     std::shared_ptr<Searcher> m_searcher; ///< of the asking thread; null while nobody searches
     std::shared_ptr<Readers> m_readers;   ///< of the reading thread; likewise

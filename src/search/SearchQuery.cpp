@@ -162,13 +162,14 @@ SearchQuery::SearchQuery(const QString& typed, const SearchFilters& filters, con
     m_terms.widen(pairs, keys);
 }
 
-IndexQuery SearchQuery::question(IndexQuery::Order order, int most) const
+IndexQuery SearchQuery::question(IndexQuery::Order order, int most,
+                                 const indexExpression::Beginnings& beginnings) const
 {
     QList<Column> columns;
     for (const SearchPlace place : m_places)
         columns.append(columnOf(place));
     if (!m_speakers.isEmpty()) columns = {Column::Said};
-    QByteArray match = indexExpression::of(m_terms, columns);
+    QByteArray match = indexExpression::of(m_terms, columns, beginnings);
     for (const QList<QByteArray>& name : m_speakers)
         match = indexExpression::both(match, indexExpression::any(name, Column::People));
     IndexQuery question{

@@ -48,7 +48,8 @@ public:
     /// What was typed, without operators.
     [[nodiscard]] const QString& words() const { return m_words; }
 
-    [[nodiscard]] IndexQuery question(IndexQuery::Order order, int most) const;
+    [[nodiscard]] IndexQuery question(IndexQuery::Order order, int most,
+                                      const indexExpression::Beginnings& beginnings = {}) const;
 
     /// Whether the index alone cannot tell which meetings it finds.
     [[nodiscard]] bool needsText() const;

@@ -49,7 +49,10 @@ SearchAnswer Searcher::ask(const SearchQuestion& question)
     answer.indexed = true;
     const auto look = [&](const SearchQuery& query) {
         const int most = query.needsText() ? question.candidates : question.most;
-        const IndexQuery asked = query.question(question.order, most);
+        const IndexQuery asked =
+            query.question(question.order, most, [index, &question](const QByteArray& beginning) {
+                return index->beginnings(beginning, question.order);
+            });
         answer.ids = index->find(asked);
         answer.candidates = query.needsText();
         answer.meetings = answer.ids.size() < most ? answer.ids.size() : index->count(asked);

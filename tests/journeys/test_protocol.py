@@ -112,6 +112,27 @@ class Protocol(JourneyTest):
         session.tree.wait("label", "Файл протокола не найден")
         self.assertFalse(session.tree.find("push button", REVEAL))
 
+    def test_what_was_said_is_found_and_opened_by_the_keyboard_alone(self):
+        session, _ = self.open_protocol("## Транскрипт\n[00:00:05] Анна: Красим лодки\n[00:01:00] Пётр: Дорого!\n")
+        session.screen.key("Escape", "ctrl+f")
+        wait_for(lambda: session.tree.focus_is_on("Поиск встреч"), "the search")
+        session.put_in_clipboard("лодка")
+        session.screen.key("ctrl+v")
+        session.tree.wait("status bar", "1 встреча · 1 место")
+        session.screen.key("Down", "Down")
+        wait_for(lambda: session.tree.focus_is_on("5 секунд, Анна: Красим лодки"), "the place")
+        session.screen.key("Return")
+        session.tree.wait("text", "Поиск в расшифровке")
+        session.screen.key("Escape")
+        session.tree.wait_gone("text", "Поиск в расшифровке")
+        wait_for(lambda: session.tree.focus_is_on("5 секунд, Анна: Красим лодки"), "the place again")
+        session.screen.key("ctrl+f")
+        session.put_in_clipboard("kjlrf")
+        session.screen.key("ctrl+v")
+        session.tree.wait("status bar", "Ищу «лодка» — похоже, раскладка была другой")
+        session.screen.key("Escape")
+        session.tree.wait_gone("status bar", "1 встреча · 1 место")
+
     def test_its_transcript_is_found_in_and_quoted_by_the_keyboard_alone(self):
         session, _ = self.open_protocol("## Транскрипт\n[00:00:05] Анна: Красим лодки\n[00:01:00] Пётр: Какие лодки?\n")
         session.tree.wait("push button", "Расшифровка")
