@@ -63,6 +63,19 @@ def meetings(today: date, seed: int) -> list[Meeting]:
     return made
 
 
+def earlier_meetings(today: date, seed: int, count: int) -> list[Meeting]:
+    """So many more, long ones, hour by hour back from where the library begins."""
+    rng = Random(f"{seed}:more")
+    last = datetime.combine(today - timedelta(days=DAYS_BACK + 7), time(18)).astimezone()
+    made = []
+    for index in range(count):
+        language = rng.choice((RUSSIAN, ENGLISH))
+        team = rng.choice(language.teams)
+        topics = rng.sample(language.routines, min(10, len(language.routines)))
+        made.append(compose(language, team, rng.choice(team.scenes), topics, last - timedelta(hours=index), rng, None))
+    return made
+
+
 def covering(lead: Scene, routines: tuple[Scene, ...], count: int, rng: Random) -> list[Scene]:
     """Topics beside the lead that leave no section of an analysis empty."""
     kinds = (lambda scene: scene.number, lambda scene: scene.insight, lambda scene: scene.dispute,
@@ -76,15 +89,15 @@ def covering(lead: Scene, routines: tuple[Scene, ...], count: int, rng: Random) 
     return rng.sample(chosen, len(chosen))
 
 
-def write_library(home: Home, today: date, seed: int) -> None:
+def write_library(home: Home, today: date, seed: int, more: int = 0) -> None:
     mine = Belongings(home)
     mine.remove()
-    made = meetings(today, seed)
+    made = meetings(today, seed) + earlier_meetings(today, seed, more)
     reports = 0
     try:
         for index, meeting in enumerate(made):
             mine.add(*write_meeting(home, index, meeting))
-            if has_report(index):
+            if has_report(index) and index < len(made) - more:
                 mine.add(stamped(meeting_files.write_report(home, meeting), meeting))
                 reports += 1
         odd = odd_files(home, today, made[0])
@@ -157,10 +170,11 @@ def main() -> int:
     parser.add_argument("--home", required=True, metavar="DIR")
     parser.add_argument("--today", type=date.fromisoformat, default=date.today(), metavar="YYYY-MM-DD")
     parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--more", type=int, default=0, metavar="N", help="write N long meetings more, as 10000")
     arguments = parser.parse_args()
     try:
         home = homes.open_home(arguments.home)
-        write_library(home, arguments.today, arguments.seed)
+        write_library(home, arguments.today, arguments.seed, arguments.more)
     except homes.Refused as refusal:
         print(f"sandbox: refused: {refusal}", file=sys.stderr, flush=True)
         return 1
