@@ -72,7 +72,7 @@ auto IndexFile::attempt(Work work) -> std::optional<decltype(work())>
 void IndexFile::open(const QString& path, Mode mode)
 {
     const QByteArray name = QFile::encodeName(path);
-    if (mode == Mode::Write) { // for the owner alone from the first byte on
+    if (mode == Mode::Write) {                     // for the owner alone from the first byte on
         if (!QFile::exists(path)) removeLog(path); // of a file that somebody has removed
         const int fd = ::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
         if (fd < 0) return;

@@ -11,6 +11,7 @@
 #include "transcript/Transcript.h"
 
 #include <QDataStream>
+#include <QIODevice>
 #include <QJsonArray>
 
 #include <algorithm>
@@ -56,7 +57,7 @@ private:
 
 void addPeople(Collector& to, const QJsonArray& people)
 {
-    for (const QJsonValue& one : people)
+    for (const auto& one : people)
         to.person(one.isObject() ? json::text(one.toObject(), "name"_L1) : one.toString());
 }
 
@@ -65,7 +66,7 @@ void addSummary(Collector& to, const QJsonObject& summary)
     to.passage({.kind = Kind::Summary, .text = json::text(summary, "tldr"_L1)});
     const QJsonValue whole = summary["summary"_L1];
     if (whole.isString()) to.passage({.kind = Kind::Summary, .text = whole.toString()});
-    for (const QJsonValue& part : whole.toArray())
+    for (const auto& part : QJsonArray{whole.toArray()})
         to.passage({.kind = Kind::Summary, .text = part.toString()});
     for (const Section& section : sections) {
         const QJsonArray items = summary[section.key].toArray();
