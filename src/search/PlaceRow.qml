@@ -57,7 +57,7 @@ Item {
             anchors.centerIn: parent
             type: Theme.chip
             color: Theme.inkViolet
-            text: root.place.stamp
+            text: "[" + root.place.stamp + "]"
             Accessible.ignored: true
         }
     }
@@ -66,7 +66,7 @@ Item {
 
         readonly property real firstLine: Theme.sub.line
 
-        anchors { left: parent.left; right: parent.right; rightMargin: 12; top: parent.top; topMargin: 5 }
+        anchors { left: parent.left; right: parent.right; rightMargin: 12; top: parent.top; topMargin: 3 } // rich text stands lower than plain
         anchors.leftMargin: (kind.visible ? kind.width : chip.width) + 9
         type: Theme.sub
         color: Theme.text2

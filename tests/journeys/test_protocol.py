@@ -118,8 +118,8 @@ class Protocol(JourneyTest):
         wait_for(lambda: session.tree.focus_is_on("Поиск встреч"), "the search")
         session.put_in_clipboard("лодка")
         session.screen.key("ctrl+v")
-        session.tree.wait("status bar", "1 встреча · 1 место")
-        session.screen.key("Down", "Down")
+        session.tree.wait("status bar", "1 встреча · 2 места")
+        session.screen.key("Down", "Down", "Down")
         wait_for(lambda: session.tree.focus_is_on("5 секунд, Анна: Красим лодки"), "the place")
         session.screen.key("Return")
         session.tree.wait("text", "Поиск в расшифровке")
@@ -131,7 +131,7 @@ class Protocol(JourneyTest):
         session.screen.key("ctrl+v")
         session.tree.wait("status bar", "Ищу «лодка» — похоже, раскладка была другой")
         session.screen.key("Escape")
-        session.tree.wait_gone("status bar", "1 встреча · 1 место")
+        session.tree.wait_gone("status bar", "1 встреча · 2 места")
 
     def test_its_transcript_is_found_in_and_quoted_by_the_keyboard_alone(self):
         session, _ = self.open_protocol("## Транскрипт\n[00:00:05] Анна: Красим лодки\n[00:01:00] Пётр: Какие лодки?\n")
