@@ -20,7 +20,7 @@ Item {
         SearchChip {
             symbol: "person.crop.circle"
             name: L.t("search.who")
-            options: [{ value: "", text: L.t("search.who") }].concat(root.search.speakers.map(name => ({ value: name, text: name })))
+            options: [{ value: "", text: L.t("search.who.all") }].concat(root.search.speakers.map(name => ({ value: name, text: name })))
             current: root.search.speaker
             onWanted: root.search.findSpeakers()
             onChosen: value => root.search.speaker = value
@@ -30,7 +30,7 @@ Item {
             symbol: "calendar"
             name: L.t("search.when")
             options: [
-                { value: SearchModel.Ever, text: L.t("search.when") },
+                { value: SearchModel.Ever, text: L.t("search.when.ever") },
                 { value: SearchModel.Week, text: L.t("search.when.week") },
                 { value: SearchModel.Month, text: L.t("search.when.month") },
                 { value: SearchModel.Year, text: L.t("search.when.year") }
@@ -41,6 +41,7 @@ Item {
         SearchChip {
             symbol: "line.3.decrease"
             name: L.t("search.where")
+            idle: L.t("search.where.everywhere")
             options: [
                 { value: SearchModel.Everywhere, text: L.t("search.where.everywhere") },
                 { value: SearchModel.InTitle, text: L.t("search.where.title") },

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 
+import QtQml.Models
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Localisation
@@ -11,6 +12,7 @@ Button {
 
     required property string symbol
     required property string name // of what is chosen
+    property string idle: name // is said while nothing is
     required property var options // { value, text }
     property var current: "" // a value; the first option's: nothing is chosen
     readonly property bool set: options.length > 0 && current !== options[0].value
@@ -18,7 +20,7 @@ Button {
     signal chosen(var value)
     signal wanted() // the list is about to open
 
-    text: set ? options.find(option => option.value === current)?.text ?? String(current) : options.length > 0 ? options[0].text : name
+    text: set ? options.find(option => option.value === current)?.text ?? String(current) : idle
     implicitHeight: Theme.grown(26)
     leftPadding: 10
     rightPadding: set ? 6 : 10
@@ -79,13 +81,13 @@ Button {
         name: root.name
         Instantiator {
             model: root.options
-            delegate: ContextMenuItem {
+            delegate: Action {
                 required property var modelData
                 text: modelData.text
                 onTriggered: root.chosen(modelData.value)
             }
-            onObjectAdded: (index, object) => menu.insertItem(index, object)
-            onObjectRemoved: (index, object) => menu.removeItem(object)
+            onObjectAdded: (index, object) => menu.insertAction(index, object as Action)
+            onObjectRemoved: (index, object) => menu.removeAction(object as Action)
         }
     }
 }
