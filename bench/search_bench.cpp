@@ -131,23 +131,16 @@ qint64 writeMeeting(TestProgram& m, Talk& talk, int number)
     return text.size();
 }
 
-QList<Meeting> scanned(const TestProgram& m)
-{
-    QList<Meeting> meetings;
-    MeetingScanner scanner{m.paths.logs};
-    for (const ListedMeeting& one : scanner.scan().meetings)
-        meetings.append(one.meeting);
-    return meetings;
-}
+QList<ListedMeeting> scanned(const TestProgram& m) { return MeetingScanner{m.paths.logs}.scan().meetings; }
 
 /// The same work with nothing around it: read, split, stem, insert.
-double plainBuild(const QList<Meeting>& meetings, const QString& path)
+double plainBuild(const QList<ListedMeeting>& meetings, const QString& path)
 {
     return milliseconds([&] {
         words::Keys keys;
         IndexFile index{path, IndexFile::Mode::Write};
         QList<IndexDocument> documents;
-        for (const Meeting& meeting : meetings) {
+        for (const auto& [meeting, titled] : meetings) {
             IndexDocument document{.stem = meeting.id, .start = meeting.startedAt.toSecsSinceEpoch()};
             for (const QString& file : {meeting.jsonPath, *meeting.protocolPath}) {
                 const QString text =
@@ -163,11 +156,11 @@ double plainBuild(const QList<Meeting>& meetings, const QString& path)
     });
 }
 
-double plainSearch(const QList<Meeting>& meetings, const QByteArray& word)
+double plainSearch(const QList<ListedMeeting>& meetings, const QByteArray& word)
 {
     return milliseconds([&] {
         int found = 0;
-        for (const Meeting& meeting : meetings) {
+        for (const auto& [meeting, titled] : meetings) {
             const QByteArray text =
                 files::readWhole(*meeting.protocolPath, transcriptSize * 2).value_or(QByteArray{});
             if (::memmem(text.constData(), size_t(text.size()), word.constData(), size_t(word.size())))
@@ -177,7 +170,7 @@ double plainSearch(const QList<Meeting>& meetings, const QByteArray& word)
     });
 }
 
-void measureBuild(TestProgram& m, const QList<Meeting>& meetings, qint64 textSize)
+void measureBuild(TestProgram& m, const QList<ListedMeeting>& meetings, qint64 textSize)
 {
     const auto protocols = std::make_shared<ProtocolFinder>(m.paths.vaultDir);
     Indexer indexer{m.paths, {m.paths, protocols}};
@@ -194,7 +187,7 @@ void measureBuild(TestProgram& m, const QList<Meeting>& meetings, qint64 textSiz
     const double whole = double(timer.elapsed());
     if (outcome != Indexer::Outcome::Done && outcome != Indexer::Outcome::Restless)
         qFatal("The index was not built");
-    const QList<Meeting> some = meetings.first(std::min<qsizetype>(3000, meetings.size()));
+    const QList<ListedMeeting> some = meetings.first(std::min<qsizetype>(3000, meetings.size()));
     const double plain = plainBuild(some, m.home.filePath(u"plain.db"_s));
     const double ours = milliseconds([&] {
         Indexer other{Paths{m.home.path(), {m.paths.ownData, m.home.filePath(u"other"_s), m.paths.ownConfig}},
@@ -219,15 +212,15 @@ void measureBuild(TestProgram& m, const QList<Meeting>& meetings, qint64 textSiz
         "ms", 0);
     Talk talk;
     writeMeeting(m, talk, int(meetings.size()));
-    const QList<Meeting> more = scanned(m);
+    const QList<ListedMeeting> more = scanned(m);
     row(u"work for one new meeting"_s, milliseconds([&] {
-            indexer.bringUp(more, {.all = false, .touched = {more.last().id}},
+            indexer.bringUp(more, {.all = false, .touched = {more.last().meeting.id}},
                             [](auto, auto) { return true; });
         }),
         "ms", 50);
 }
 
-void measureQueries(const TestProgram& m, const QList<Meeting>& meetings, const Talk& talk)
+void measureQueries(const TestProgram& m, const QList<ListedMeeting>& meetings, const Talk& talk)
 {
     const std::vector<std::pair<QString, QString>> queries{
         {u"a word in every meeting"_s, talk.nth(3) + u' '},
@@ -261,7 +254,7 @@ void measureQueries(const TestProgram& m, const QList<Meeting>& meetings, const 
         std::ignore = searcher.ask(newest);
     }
     row(u"memory while searching"_s, residentMegabytes() - before, "MB", 6);
-    const QList<Meeting> some = meetings.first(std::min<qsizetype>(1000, meetings.size()));
+    const QList<ListedMeeting> some = meetings.first(std::min<qsizetype>(1000, meetings.size()));
     row(u"reading %1 transcripts for one word with memmem"_s.arg(some.size()),
         plainSearch(some, talk.nth(300).toUtf8()), "ms", 0);
     const MeetingFiles files{m.paths, std::make_shared<ProtocolFinder>(m.paths.vaultDir)};
@@ -269,7 +262,7 @@ void measureQueries(const TestProgram& m, const QList<Meeting>& meetings, const 
     row(u"places in 12 meetings, after other ones"_s,
         median(3,
                [&] {
-                   for (const Meeting& meeting : meetings.first(12))
+                   for (const auto& [meeting, titled] : meetings.first(12))
                        FoundPlace::in(files.read(meeting, u"ru"_s), query, keys);
                }),
         "ms", 80);
@@ -328,7 +321,7 @@ int main(int argc, char* argv[])
     qint64 textSize = 0;
     for (int i = 0; i < count; ++i)
         textSize += writeMeeting(m, talk, i);
-    const QList<Meeting> meetings = scanned(m);
+    const QList<ListedMeeting> meetings = scanned(m);
     measureBuild(m, meetings, textSize);
     measureQueries(m, meetings, talk);
     measureTyping(m, talk);

@@ -27,34 +27,38 @@ constexpr qint64 deadTooLong = 24 * 60 * 60; // seconds for which words of what 
 Indexer::Indexer(const Paths& paths, MeetingFiles files, FreeBytes freeBytes)
     : m_folder(paths.ownCache),
       m_path(paths.ownCache + u"/index-1.db"_s),
-      m_watched{paths.logs, paths.vaultDir},
+      m_watched{paths.logs, paths.vaultDir, paths.ownData + u"/margin"_s},
       m_files(std::move(files)),
       m_freeBytes(std::move(freeBytes))
 {
 }
 
-QSet<QString> Indexer::withNewest(const QList<Meeting>& meetings, QSet<QString> touched)
+QSet<QString> Indexer::withNewest(const QList<ListedMeeting>& meetings, QSet<QString> touched)
 {
     QList<files::Identity> folders;
     for (const QString& folder : std::as_const(m_watched))
         folders.append(files::identityOfFolder(folder));
     if (std::exchange(m_folders, folders) == folders) return touched;
-    for (const Meeting& meeting : meetings.first(std::min(newest, meetings.size())))
-        touched.insert(meeting.id);
+    for (const ListedMeeting& one : meetings.first(std::min(newest, meetings.size())))
+        touched.insert(one.meeting.id);
     return touched;
 }
 
-Indexer::Outcome Indexer::bringUp(const QList<Meeting>& meetings, const Scope& scope,
+Indexer::Outcome Indexer::bringUp(const QList<ListedMeeting>& listed, const Scope& scope,
                                   const Progress& progress)
 {
-    const Scope wanted{scope.all || m_discarded, withNewest(meetings, QSet<QString>{scope.touched}.unite(
-                                                                          std::exchange(m_restless, {})))};
+    const Scope wanted{scope.all || m_discarded,
+                       withNewest(listed, QSet<QString>{scope.touched}.unite(std::exchange(m_restless, {})))};
     if (!wanted.all && wanted.touched.isEmpty()) return Outcome::Done;
     if (!files::makePrivateFolder(m_folder)) return Outcome::Failed;
     const files::Lock lock{m_folder + u"/index.lock"_s, 0ms};
     if (!lock.held()) return Outcome::Elsewhere;
     if (m_freeBytes(m_folder).value_or(leastSpace) < leastSpace) return Outcome::NoSpace;
     if (m_discarded.exchange(false)) IndexFile::remove(m_path);
+    QList<Meeting> meetings;
+    meetings.reserve(listed.size());
+    for (const ListedMeeting& one : listed)
+        meetings.append(one.meeting);
     while (true) {
         Outcome outcome = Outcome::Failed;
         bool broken = false;

@@ -3,6 +3,7 @@
 #include "IndexFile.h"
 #include "MeetingText.h"
 #include "base/Files.h"
+#include "meetings/MeetingScanner.h"
 
 #include <QSet>
 
@@ -34,7 +35,7 @@ public:
         QSet<QString> touched; ///< these ids, and of the newest when one of the folders has changed
     };
     /// \param meetings all there are, the newest first.
-    Outcome bringUp(const QList<Meeting>& meetings, const Scope& scope, const Progress& progress);
+    Outcome bringUp(const QList<ListedMeeting>& meetings, const Scope& scope, const Progress& progress);
 
     /// Ends bringUp() before its next meeting. Any thread.
     void stop() { m_stop = true; }
@@ -46,7 +47,7 @@ public:
     static constexpr qint64 leastSpace = 200 * 1024 * 1024; ///< bytes that the disk must have free
 
 private:
-    QSet<QString> withNewest(const QList<Meeting>& meetings, QSet<QString> touched);
+    QSet<QString> withNewest(const QList<ListedMeeting>& meetings, QSet<QString> touched);
     Outcome update(IndexFile& index, const QList<Meeting>& meetings, const Scope& scope,
                    const Progress& progress);
     /// A meeting, and the state in which its files were before they are read.
@@ -60,7 +61,7 @@ private:
 
     QString m_folder;
     QString m_path;
-    QStringList m_watched;            ///< folders in which protocols and analyses come
+    QStringList m_watched;            ///< folders in which protocols, analyses and marks come
     QList<files::Identity> m_folders; ///< as they were at the last look
     MeetingFiles m_files;
     FreeBytes m_freeBytes;

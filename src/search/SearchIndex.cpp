@@ -50,7 +50,7 @@ SearchIndex::SearchIndex(const Paths& paths, const AppState& state, Scheduler& s
 
 SearchIndex::~SearchIndex() { m_indexer->stop(); }
 
-void SearchIndex::follow(const QList<Meeting>& meetings, const QStringList& touched)
+void SearchIndex::follow(const QList<ListedMeeting>& meetings, const QStringList& touched)
 {
     m_meetings = meetings;
     m_touched.unite({touched.begin(), touched.end()});

@@ -35,7 +35,7 @@ public:
 
     /// Looks at the files of some meetings, and of all when none has been done or long ago. \param meetings
     /// all there are, the newest first; the same as before when there are none given.
-    void follow(const QList<Meeting>& meetings, const QStringList& touched);
+    void follow(const QList<ListedMeeting>& meetings, const QStringList& touched);
 
     /// Throws the index away and makes it anew, once the meetings are known.
     void makeAnew();
@@ -80,7 +80,7 @@ private:
     MeetingFiles m_files;
     std::shared_ptr<Indexer> m_indexer; ///< used by one look at a time
     std::shared_ptr<Progress> m_progress = std::make_shared<Progress>();
-    QList<Meeting> m_meetings;
+    QList<ListedMeeting> m_meetings;
     QSet<QString> m_touched;             ///< to be looked at next
     std::optional<double> m_lookedAtAll; ///< when, in seconds since 1970 UTC
     bool m_built = false;                ///< it has held all meetings once

@@ -87,12 +87,7 @@ void MainModel::openAt(const QString& id, const FoundPlace& place)
 
 void MainModel::followMeetings()
 {
-    QList<Meeting> meetings;
-    const QList<ListedMeeting>& all = m_store.list()->all();
-    meetings.reserve(all.size());
-    for (const ListedMeeting& one : all)
-        meetings.append(one.meeting);
-    m_ground.index.follow(meetings, std::exchange(m_touched, {}));
+    m_ground.index.follow(m_store.list()->all(), std::exchange(m_touched, {}));
 }
 
 void MainModel::openOnceThere(const QString& id)
@@ -126,6 +121,8 @@ MeetingDetailModel::Work MainModel::workOn(const Meeting& meeting)
 void MainModel::leave(std::unique_ptr<MeetingDetailModel> detail)
 {
     if (!detail) return;
+    m_touched.append(detail->id()); // what was marked, corrected or analysed there is to be found
+    followMeetings();
     if (detail->editor()->outcome() != ProtocolEditor::Outcome::Working &&
         detail->files()->outcome() != ProtocolFileMaker::Outcome::Working)
         m_work.remove(detail->id());

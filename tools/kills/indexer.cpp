@@ -17,10 +17,7 @@ int main(int argc, char** argv)
     if (argc != 2) return 2;
     const QString home = QFile::decodeName(argv[1]);
     const Paths paths{home, {home + u"/data"_s, home + u"/cache"_s, home + u"/config"_s}};
-    QList<Meeting> meetings;
-    MeetingScanner scanner{paths.logs};
-    for (const ListedMeeting& one : scanner.scan().meetings)
-        meetings.append(one.meeting);
+    const QList<ListedMeeting> meetings = MeetingScanner{paths.logs}.scan().meetings;
     Indexer indexer{paths, {paths, std::make_shared<ProtocolFinder>(paths.vaultDir)}};
     const auto outcome = indexer.bringUp(meetings, {.all = true, .touched = {}}, [](auto done, auto all) {
         std::printf("%lld of %lld\n", (long long)done, (long long)all);
