@@ -169,6 +169,17 @@ void SearchIndex::makeAnew()
                  this, [this](Indexer::Outcome) { measure(); });
 }
 
+void SearchIndex::mend()
+{
+    const double now = m_scheduler.now();
+    if (!m_built || m_running || (m_mended && std::abs(now - *m_mended) < comparison)) return;
+    m_mended = now;
+    m_indexer->discard();
+    m_built = false;
+    m_lookedAtAll.reset();
+    start();
+}
+
 void SearchIndex::measure()
 {
     const auto count = [path = m_path] {

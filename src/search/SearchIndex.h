@@ -40,6 +40,9 @@ public:
     /// Throws the index away and makes it anew, once the meetings are known.
     void makeAnew();
 
+    /// Makes it anew since a search found it missing or damaged, though not again and again.
+    void mend();
+
     /// Counts what there is; measured() tells.
     void measure();
     [[nodiscard]] qint64 bytes() const { return m_size.bytes; }
@@ -83,6 +86,7 @@ private:
     QList<ListedMeeting> m_meetings;
     QSet<QString> m_touched;             ///< to be looked at next
     std::optional<double> m_lookedAtAll; ///< when, in seconds since 1970 UTC
+    std::optional<double> m_mended;      ///< the same
     bool m_built = false;                ///< it has held all meetings once
     bool m_running = false;
     bool m_again = false;

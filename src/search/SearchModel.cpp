@@ -174,6 +174,7 @@ void SearchModel::take(const SearchAnswer& answer)
     m_answered = m_search;
     m_confirmed.clear();
     m_read = 0;
+    if (!m_answer.indexed) m_ground.index.mend();
     if (m_answer.candidates) {
         confirm();
     } else {

@@ -46,7 +46,6 @@ SearchAnswer Searcher::ask(const SearchQuestion& question)
     SearchAnswer answer{.query = queryOf(question)};
     IndexFile* const index = this->index();
     if (!index || answer.query.isEmpty()) return answer;
-    answer.indexed = true;
     const auto look = [&](const SearchQuery& query) {
         const int most = query.needsText() ? question.candidates : question.most;
         const IndexQuery asked =
@@ -58,6 +57,7 @@ SearchAnswer Searcher::ask(const SearchQuestion& question)
         answer.meetings = answer.ids.size() < most ? answer.ids.size() : index->count(asked);
     };
     look(answer.query);
+    answer.indexed = !index->broken();
     if (answer.meetings > 0 || !question.otherLayout || answer.query.terms().isEmpty()) return answer;
 
     SearchQuestion other = question;

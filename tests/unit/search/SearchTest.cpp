@@ -165,16 +165,18 @@ private slots:
     {
         writeLibrary();
         QDir{}.mkpath(m->paths.ownCache);
-        for (const QByteArray& content : {QByteArray(20'000, 'x'), QByteArray{}}) {
-            m->write(m->program.index.path(), content);
-            open();
-            QCOMPARE(found(u"подрядчик"_s), u"budget"_s);
-            main.reset();
-            QFile::remove(m->program.index.path());
-            m->program.index.makeAnew();
+        m->write(m->program.index.path(), QByteArray(20'000, 'x'));
+        open();
+        QCOMPARE(found(u"подрядчик"_s), u"budget"_s);
+        // And when it is lost or damaged while it is in use.
+        for (const QByteArray& content : {QByteArray{}, QByteArray(20'000, 'x')}) {
+            IndexFile::remove(m->program.index.path());
+            if (!content.isEmpty()) m->write(m->program.index.path(), content);
+            QTRY_COMPARE(found(search().query() + u' '), u"budget"_s);
+            QTRY_COMPARE(m->program.index.state(), SearchIndex::State::Ready);
+            m->scheduler.advance(10min); // so often
         }
         // In its place there is a folder, which nobody may remove.
-        QTRY_COMPARE(m->program.index.state(), SearchIndex::State::Ready);
         IndexFile::remove(m->program.index.path());
         QDir{}.mkpath(m->program.index.path() + u"/a"_s);
         m->program.index.makeAnew();
