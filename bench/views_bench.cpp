@@ -6,6 +6,7 @@
 #include "report/ReportLoader.h"
 #include "support/TestProgram.h"
 #include "transcript/TranscriptModel.h"
+#include "windows/MainModel.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -105,7 +106,8 @@ private:
 
 void measureList(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
 {
-    MeetingStore store{m.paths, m.language, m.scheduler};
+    MainModel model{m.mainGround()};
+    MeetingStore& store = *model.store();
     until(&store, &MeetingStore::scanned, [] {});
     const auto opening = [&](int count) {
         QList<ListedMeeting> meetings;
@@ -117,7 +119,10 @@ void measureList(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
         }
         store.list()->setMeetings(meetings, {2026, 1, 1});
         return View{
-            engine, window, u"Meetings/MeetingsPane.qml"_s, {{u"store"_s, QVariant::fromValue(&store)}}}
+            engine,
+            window,
+            u"Search/MeetingsPane.qml"_s,
+            {{u"store"_s, QVariant::fromValue(&store)}, {u"search"_s, QVariant::fromValue(model.search())}}}
             .opening();
     };
     const double few = opening(10);
