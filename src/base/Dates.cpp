@@ -83,4 +83,10 @@ QString iso8601(double seconds)
     return QDateTime::fromSecsSinceEpoch(qint64(seconds), Qt::UTC).toString(Qt::ISODate);
 }
 
+std::optional<double> fromIso8601(const QString& text)
+{
+    const QDateTime moment = QDateTime::fromString(text, Qt::ISODate);
+    return moment.isValid() ? std::optional{double(moment.toSecsSinceEpoch())} : std::nullopt;
+}
+
 } // namespace murmeli::dates

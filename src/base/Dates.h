@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QString>
 
+#include <optional>
+
 /// Dates as people read them, formatted by ICU so that all systems agree.
 namespace murmeli::dates {
 
@@ -15,5 +17,7 @@ QString spokenDuration(qint64 seconds, const QString& language);
 
 /// ISO 8601 in UTC with whole seconds, as 2026-11-15T18:20:00Z. \param seconds since 1970-01-01 UTC.
 QString iso8601(double seconds);
+/// And back; nothing when it is none.
+std::optional<double> fromIso8601(const QString& text);
 
 } // namespace murmeli::dates

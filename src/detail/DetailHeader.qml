@@ -23,6 +23,9 @@ Column {
     function focusTranscript(): void {
         transcript.forceActiveFocus(Qt.OtherFocusReason);
     }
+    function focusSheet(): void {
+        changes.forceActiveFocus(Qt.OtherFocusReason);
+    }
     function focusAnalysis(): void {
         analysis.forceActiveFocus(Qt.OtherFocusReason);
     }
@@ -154,12 +157,20 @@ Column {
         x: -Theme.gapSmall
         width: parent.width
         topPadding: visible ? 6 : 0
-        visible: root.detail.hasTranscript
+        visible: root.detail.hasTranscript || changes.visible
         LinkButton {
             id: transcript
+            visible: root.detail.hasTranscript
             symbol: "text.bubble"
             text: L.t("detail.transcript")
             onClicked: root.detail.openTranscript("")
+        }
+        LinkButton {
+            id: changes
+            visible: root.detail.changes.total > 0 || root.detail.changes.unreadable
+            symbol: "arrow.counterclockwise"
+            text: L.t("ledger.open", root.detail.changes.total)
+            onClicked: root.detail.openSheet(MeetingDetailModel.Changes)
         }
     }
     FileLine {

@@ -15,6 +15,7 @@ Item {
     required property MeetingDetailModel detail
     readonly property bool analysing: detail.analysing
     readonly property bool reading: detail.reading
+    readonly property bool listing: detail.sheet !== MeetingDetailModel.None // something else of this meeting
 
     signal closed()
 
@@ -40,6 +41,11 @@ Item {
             else header.focusTranscript();
             return;
         }
+        if (root.listing) {
+            root.detail.closeSheet();
+            header.focusSheet();
+            return;
+        }
         if (!root.analysing) {
             root.closed();
             return;
@@ -49,7 +55,11 @@ Item {
     }
 
     Keys.onEscapePressed: root.back()
-    Keys.onPressed: event => event.accepted = !root.analysing && !root.reading && ScrollKeys.take(list, event)
+    Keys.onPressed: event => {
+        if (event.matches(StandardKey.Undo) && !root.analysing && !root.reading) root.detail.undoLast();
+        else if (root.analysing || root.reading || root.listing || !ScrollKeys.take(list, event)) return;
+        event.accepted = true;
+    }
 
     Connections {
         target: root.Window.window
@@ -78,7 +88,7 @@ Item {
     Item {
         width: parent.width
         height: parent.height
-        enabled: !root.analysing && !root.reading
+        enabled: !root.analysing && !root.reading && !root.listing
         visible: enabled || opacity > 0
         opacity: enabled ? 1 : 0
         x: enabled ? 0 : -Theme.slide
@@ -145,6 +155,16 @@ Item {
             header: Column {
                 x: Theme.padMain
                 width: list.width - 2 * Theme.padMain
+                Item {
+                    width: parent.width
+                    height: overwritten.visible ? overwritten.height + 20 : 0
+                    OverwrittenNote {
+                        id: overwritten
+                        width: parent.width
+                        visible: root.detail.changes.overwrittenCount > 0
+                        changes: root.detail.changes
+                    }
+                }
                 SelectableText {
                     width: Math.min(640, parent.width)
                     visible: root.detail.tldr.length > 0
@@ -235,6 +255,7 @@ Item {
             anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
             account: root.detail.account
             editor: root.detail.editor
+            changes: root.detail.changes
             glossary: root.detail.glossary
             memory: root.detail.views
             draft: root.detail.draft
@@ -261,6 +282,23 @@ Item {
             memory: root.detail.views
             meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine
             onBuildAsked: root.detail.buildReport()
+            onClosed: root.back()
+        }
+    }
+    Loader {
+        id: changes
+        property real presence: root.detail.sheet === MeetingDetailModel.Changes ? 1 : 0
+        width: parent.width
+        height: parent.height
+        x: (1 - presence) * Theme.slide
+        opacity: presence
+        active: presence > 0
+        enabled: presence > 0 && root.listing
+        Behavior on presence { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
+        onLoaded: (item as ChangesPane).focusFirst()
+        sourceComponent: ChangesPane {
+            changes: root.detail.changes
+            meetingTitle: root.detail.title
             onClosed: root.back()
         }
     }

@@ -34,6 +34,12 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
       m_ground(ground),
       m_meeting(meeting),
       m_work(std::move(work)),
+      m_changes({.paths = ground.paths,
+                 .writer = ground.writer,
+                 .language = ground.language,
+                 .desktop = ground.desktop,
+                 .scheduler = ground.scheduler},
+                meeting),
       m_report({.account = ground.account,
                 .http = ground.http,
                 .language = ground.language,
@@ -63,10 +69,13 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
     });
     connect(m_work.files.get(), &ProtocolFileMaker::shared, this, &MeetingDetailModel::built);
     connect(m_work.editor.get(), &ProtocolEditor::fixed, this, [this] {
-        const ProtocolEditor& editor = *m_work.editor;
+        const ProtocolChange& change = m_work.editor->change();
         m_edited = true;
-        load(Correction{editor.section(), editor.index(),
-                        m_sections.textOf(editor.section(), editor.index())});
+        load(Correction{change.section, change.index, m_sections.textOf(change.section, change.index)});
+    });
+    connect(&m_changes, &ProtocolChanges::written, this, [this](const ProtocolChange& change) {
+        m_edited = true;
+        load(Correction{change.section, change.index, m_sections.textOf(change.section, change.index)});
     });
 }
 
@@ -134,6 +143,7 @@ void MeetingDetailModel::take(const Content& content, const std::optional<Correc
         }
         m_file = content.file;
         m_loaded = true;
+        m_changes.load(m_meeting);
     }
     const bool moved = std::exchange(m_protocol, content.protocol) != content.protocol;
     if (m_analysing && (content.changed || moved)) m_report.follow(m_meeting);
@@ -149,7 +159,23 @@ void MeetingDetailModel::take(const Content& content, const std::optional<Correc
 void MeetingDetailModel::sendRemark()
 {
     const QString remark = draft();
-    if (!text::trimmed(remark).isEmpty()) m_work.editor->apply(remark, m_meeting);
+    if (text::trimmed(remark).isEmpty()) return;
+    m_changes.forgetMessage();
+    m_work.editor->apply(remark, m_meeting);
+}
+
+void MeetingDetailModel::undoLast()
+{
+    if (m_work.editor->outcome() == ProtocolEditor::Outcome::Working) return; // its own change is on its way
+    m_work.editor->reset();
+    m_changes.undoLast();
+}
+
+void MeetingDetailModel::openSheet(Sheet sheet)
+{
+    if (std::exchange(m_sheet, sheet) == sheet) return;
+    if (sheet == Sheet::Changes) m_changes.load(m_meeting);
+    emit sheetChanged();
 }
 
 void MeetingDetailModel::save(QWindow* window)

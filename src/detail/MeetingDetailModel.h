@@ -6,6 +6,7 @@
 #include "glossary/GlossaryStore.h"
 #include "margin/MeetingMarks.h"
 #include "meetings/Meeting.h"
+#include "protocol/ProtocolChanges.h"
 #include "protocol/ProtocolEditor.h"
 #include "protocol/ProtocolFileMaker.h"
 #include "protocol/SectionListModel.h"
@@ -41,10 +42,12 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(bool hasTranscript READ hasTranscript NOTIFY changed FINAL)
     Q_PROPERTY(bool reading READ reading NOTIFY readingChanged FINAL)       ///< the transcript is open
     Q_PROPERTY(bool analysing READ analysing NOTIFY analysingChanged FINAL) ///< the analysis is open
+    Q_PROPERTY(Sheet sheet READ sheet NOTIFY sheetChanged FINAL)
     Q_PROPERTY(bool visiting READ visiting CONSTANT FINAL) ///< a moment or a row, and leaves with it
     Q_PROPERTY(QString draft READ draft WRITE setDraft NOTIFY draftChanged FINAL) ///< of a remark
     Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
+    Q_PROPERTY(murmeli::ProtocolChanges* changes READ changes CONSTANT FINAL)
     Q_PROPERTY(murmeli::AuthManager* account READ account CONSTANT FINAL)
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::ReportLoader* report READ report CONSTANT FINAL)
@@ -54,6 +57,10 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(murmeli::ViewMemory* views READ views CONSTANT FINAL)
 
 public:
+    /// What lies over the protocol.
+    enum class Sheet { None, Changes };
+    Q_ENUM(Sheet)
+
     /// What the meeting stands among; all of it outlives the model.
     struct Ground {
         const Paths& paths;
@@ -62,7 +69,7 @@ public:
         Drafts& drafts;
         AuthManager& account;
         Http& http;
-        Processes& processes;
+        ProtocolWriter& writer;
         Desktop& desktop;
         const Language& language;
         Scheduler& scheduler;
@@ -90,6 +97,8 @@ public:
     void setDraft(const QString& draft) { m_ground.drafts.set(m_meeting.id, draft); }
     [[nodiscard]] SectionListModel* sections() { return &m_sections; }
     [[nodiscard]] ProtocolEditor* editor() { return m_work.editor.get(); }
+    [[nodiscard]] ProtocolChanges* changes() { return &m_changes; }
+    [[nodiscard]] Sheet sheet() const { return m_sheet; }
     [[nodiscard]] AuthManager* account() { return &m_ground.account; }
     [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
     [[nodiscard]] ReportLoader* report() { return &m_report; }
@@ -104,6 +113,12 @@ public:
 
     /// Sends the draft. Nothing when it is empty or a remark is on its way.
     Q_INVOKABLE void sendRemark();
+
+    /// Takes the last change of the protocol back.
+    Q_INVOKABLE void undoLast();
+
+    Q_INVOKABLE void openSheet(murmeli::MeetingDetailModel::Sheet sheet);
+    Q_INVOKABLE void closeSheet() { openSheet(Sheet::None); }
 
     /// Asks where, in front of `window`, and builds the PDF there.
     Q_INVOKABLE void save(QWindow* window);
@@ -146,6 +161,7 @@ signals:
     void draftChanged();
     void analysingChanged();
     void readingChanged();
+    void sheetChanged();
     void built(const QString& path);
     void itemShown(int row); ///< what somebody has come for, in the list of sections
     void corrected(int row); ///< the protocol was: where, in the list of sections
@@ -176,6 +192,7 @@ private:
     std::optional<files::Identity> m_file; ///< which state of the summary file is shown
     SectionListModel m_sections{nullptr};
     Work m_work;
+    ProtocolChanges m_changes;
     ReportLoader m_report;
     MeetingMarks m_marks;
     TranscriptModel m_transcript;
@@ -185,6 +202,7 @@ private:
     bool m_analysing = false;
     bool m_reading = false;
     bool m_visiting = false;
+    Sheet m_sheet = Sheet::None;
     std::optional<std::pair<QString, qsizetype>> m_wanted; ///< item of the protocol
     ViewMemory m_views{nullptr};
     bool m_edited = false;

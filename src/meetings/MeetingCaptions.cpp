@@ -30,6 +30,11 @@ QString timeRange(const Meeting& meeting, const QString& language)
     return end ? start + u" – "_s + dates::bySkeleton(*end, language, skeleton) : start;
 }
 
+QString moment(const QDateTime& moment, const QDate& today, const QString& language)
+{
+    return dayTitle(moment.date(), today, language) + u", "_s + dates::bySkeleton(moment, language, u"Hm"_s);
+}
+
 QString dateLine(const Meeting& meeting, const QDate& today, const QString& language)
 {
     return dayTitle(meeting.startedAt.date(), today, language) + Language::text(language, u"common.dot"_s) +

@@ -15,6 +15,9 @@ QString shortDate(const QDate& day, const QDate& today, const QString& language)
 /// "12:00 – 12:47", or the start alone.
 QString timeRange(const Meeting& meeting, const QString& language);
 
+/// "Сегодня, 14:32".
+QString moment(const QDateTime& moment, const QDate& today, const QString& language);
+
 /// Day and time in one line.
 QString dateLine(const Meeting& meeting, const QDate& today, const QString& language);
 

@@ -6,16 +6,14 @@
 #include "base/Files.h"
 #include "base/Http.h"
 #include "base/Json.h"
-#include "base/Processes.h"
-#include "base/Scheduler.h"
 #include "base/Text.h"
 #include "meetings/Meeting.h"
 #include "meetings/SummaryFile.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -26,10 +24,6 @@ namespace murmeli {
 namespace {
 
 using Outcome = ProtocolEditor::Outcome;
-
-// The service may be rewriting the file at the very moment of an answer.
-constexpr auto lookPause = 100ms;
-constexpr int mostLooks = 20;
 
 struct OutcomeLook {
     const char* symbol;
@@ -63,17 +57,6 @@ QByteArray requestBody(const QString& remark, const QList<ProtocolItem>& items)
         QJsonDocument::Compact);
 }
 
-std::optional<QString> itemText(const QByteArray& summary, const QString& section, qsizetype index)
-{
-    const auto object = json::object(summary);
-    if (!object) return std::nullopt;
-    for (const ProtocolItem& item : protocolItems::editable(*object)) {
-        if (item.section == section && (item.index == index || object->value(section).isString()))
-            return item.text;
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 /// What has come of a remark so far.
@@ -85,87 +68,69 @@ struct ProtocolEditor::Result {
     {
         return {.outcome = Outcome::Failed, .failure = Message::foreignOr(text, errorKey)};
     }
+    static Result of(ProtocolWriter::Written written)
+    {
+        using Written = ProtocolWriter::Written;
+        switch (written) {
+        case Written::Yes:
+        case Written::Unlisted:
+            return {.outcome = Outcome::Fixed};
+        case Written::Changed:
+            return failed("ledger.changed_meanwhile");
+        case Written::NotFound:
+            return {.outcome = Outcome::NotFound};
+        case Written::Failed:
+            break;
+        }
+        return failed("editor.error.save");
+    }
 };
 
 /// One remark on its way.
 struct ProtocolEditor::Attempt {
     QString remark;
-    QString stem;
-    QString file;
-    QByteArray summary = {}; ///< as it was when it was asked about
+    Meeting meeting;
+    QList<ProtocolItem> items = {}; ///< as they were sent
     QByteArray body = {};
-    QString section = {};
-    qsizetype index = 0;
-    QString text = {}; ///< the item's new one
-    int looks = 0;     ///< at the file, to write to it
 
     Result read();
-    Result take(const HttpAnswer& answer);
-    [[nodiscard]] Result write(double now) const;
+    [[nodiscard]] std::optional<ProtocolChange> taken(const QJsonObject& answer) const;
 };
 
 ProtocolEditor::Result ProtocolEditor::Attempt::read()
 {
-    const auto bytes = files::readWhole(file, summaryFile::sizeLimit);
+    const auto bytes = files::readWhole(meeting.jsonPath, summaryFile::sizeLimit);
     const auto object = bytes ? json::object(*bytes) : std::nullopt;
     if (!object) return Result::failed("editor.error.read");
-    const QList<ProtocolItem> items = protocolItems::editable(*object);
+    items = protocolItems::editable(*object);
     if (items.isEmpty()) return {.outcome = Outcome::NotFound};
-    summary = *bytes;
     body = requestBody(remark, items);
     return {};
 }
 
-ProtocolEditor::Result ProtocolEditor::Attempt::take(const HttpAnswer& answer)
+/// What the answer wants changed; nothing when it found nothing that was sent.
+std::optional<ProtocolChange> ProtocolEditor::Attempt::taken(const QJsonObject& answer) const
 {
-    const auto object = answer.failure == HttpAnswer::Failure::None && answer.status == 200
-                            ? json::object(answer.body)
-                            : std::nullopt;
-    if (!object) return Result::failed("editor.error.server", answer.errorText);
-    const bool found = json::boolean(*object, "found"_L1).value_or(false);
-    const auto foundSection = json::optionalText(*object, "section"_L1);
-    const auto foundIndex = json::integer(*object, "index"_L1);
-    text = text::trimmed(json::text(*object, "text"_L1));
-    if (!found || !foundSection || !foundIndex || text.isEmpty()) return {.outcome = Outcome::NotFound};
-    section = *foundSection;
-    index = *foundIndex;
-    return {};
+    const auto section = json::optionalText(answer, "section"_L1);
+    const auto index = json::integer(answer, "index"_L1);
+    const QString text = text::trimmed(json::text(answer, "text"_L1));
+    if (!json::boolean(answer, "found"_L1).value_or(false) || !section || !index || text.isEmpty())
+        return std::nullopt;
+    const auto isMeant = [&](const ProtocolItem& item) {
+        return item.section == *section && (item.index == *index || item.isAlone);
+    };
+    const auto item = std::ranges::find_if(items, isMeant);
+    if (item == items.end()) return std::nullopt;
+    return ProtocolChange{.section = item->section,
+                          .index = item->index,
+                          .before = item->text,
+                          .after = text,
+                          .remark = remark};
 }
 
-/// Changes the file as it is now, since the service may have written to it. Still working while the service
-/// is in the middle of that.
-ProtocolEditor::Result ProtocolEditor::Attempt::write(double now) const
-{
-    files::removeUnfinished(file);
-    const auto bytes = files::readWhole(file, summaryFile::sizeLimit);
-    if (!bytes) return Result::failed("editor.error.save");
-    if (!json::object(*bytes)) return looks < mostLooks ? Result{} : Result::failed("editor.error.save");
-    // The correction was meant for another text.
-    if (*bytes != summary && itemText(*bytes, section, index) != itemText(summary, section, index))
-        return Result::failed("editor.error.changed");
-    const auto corrected = protocolItems::corrected(*bytes, section, index, text, now);
-    if (!corrected) return {.outcome = Outcome::NotFound};
-    const auto unchanged = [&] { return files::readWhole(file, summaryFile::sizeLimit) == bytes; };
-    switch (files::writeAtomicIf(file, *corrected, unchanged)) {
-    case files::Written::Yes:
-        return {.outcome = Outcome::Fixed};
-    case files::Written::Overtaken:
-        if (looks < mostLooks) return {};
-        break;
-    case files::Written::Failed:
-        break;
-    }
-    return Result::failed("editor.error.save");
-}
-
-ProtocolEditor::ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
-                               Scheduler& scheduler, QObject* parent)
-    : QObject(parent),
-      m_place(std::move(place)),
-      m_account(account),
-      m_http(http),
-      m_processes(processes),
-      m_scheduler(scheduler)
+ProtocolEditor::ProtocolEditor(QString webOrigin, const AuthManager& account, Http& http,
+                               ProtocolWriter& writer, QObject* parent)
+    : QObject(parent), m_webOrigin(std::move(webOrigin)), m_account(account), m_http(http), m_writer(writer)
 {
 }
 
@@ -181,7 +146,7 @@ Message ProtocolEditor::message() const
     case Outcome::Working:
         return Message::of("editor.working");
     case Outcome::Fixed:
-        return Message::of("editor.done", m_text);
+        return m_unlisted ? Message::of("ledger.failed") : Message::of("editor.done", m_change.after);
     case Outcome::NotFound:
         return Message::of("editor.not_found");
     case Outcome::Failed:
@@ -202,67 +167,50 @@ void ProtocolEditor::apply(const QString& remark, const Meeting& meeting)
     if (m_outcome == Outcome::Working) return;
     m_outcome = Outcome::Working;
     emit changed();
-    const auto read =
-        [attempt = Attempt{.remark = remark, .stem = meeting.id, .file = meeting.jsonPath}]() mutable {
-            const Result result = attempt.read();
-            return std::pair{attempt, result};
-        };
+    const auto read = [attempt = Attempt{.remark = remark, .meeting = meeting}]() mutable {
+        const Result result = attempt.read();
+        return std::pair{attempt, result};
+    };
     inBackground(this, read, [this](const auto& prepared) { ask(prepared.first, prepared.second); });
 }
 
 void ProtocolEditor::ask(const Attempt& attempt, const Result& prepared)
 {
     const QString token = m_account.freshToken();
-    if (prepared.outcome != Outcome::Working || token.isEmpty()) {
-        end(attempt, prepared.outcome != Outcome::Working ? prepared : Result::failed(signInKey));
-        return;
-    }
-    const auto take = [this, asked = attempt](const HttpAnswer& answer) {
-        Attempt attempt = asked;
-        const Result result = attempt.take(answer);
-        if (result.outcome == Outcome::Working) {
-            write(attempt);
-        } else {
-            end(attempt, result);
-        }
-    };
-    m_http.send(Purpose{u"remark"_s, attempt.stem},
+    if (prepared.outcome != Outcome::Working) return end(prepared);
+    if (token.isEmpty()) return end(Result::failed(signInKey));
+    m_http.send(Purpose{u"remark"_s, attempt.meeting.id},
                 {.method = "POST",
-                 .url = QUrl{m_place.webOrigin + u"/api/assist/edit"_s},
+                 .url = QUrl{m_webOrigin + u"/api/assist/edit"_s},
                  .headers = {{"Content-Type", "application/json"}},
                  .body = attempt.body,
                  .bearer = token.toUtf8(),
                  .timeout = 120s},
-                this, take);
+                this, [this, attempt](const HttpAnswer& answer) { take(attempt, answer); });
 }
 
-void ProtocolEditor::write(const Attempt& attempt)
+void ProtocolEditor::take(const Attempt& attempt, const HttpAnswer& answer)
 {
-    const auto written = [attempt, now = m_scheduler.now()] { return attempt.write(now); };
-    inBackground(this, written, [this, attempt](const Result& result) {
-        if (result.outcome != Outcome::Working) {
-            end(attempt, result);
-            return;
-        }
-        Attempt again = attempt;
-        ++again.looks;
-        m_scheduler.after(lookPause, this, [this, again] { write(again); });
-    });
+    const auto object = answer.failure == HttpAnswer::Failure::None && answer.status == 200
+                            ? json::object(answer.body)
+                            : std::nullopt;
+    if (!object) return end(Result::failed("editor.error.server", answer.errorText));
+    const auto change = attempt.taken(*object);
+    if (!change) return end({.outcome = Outcome::NotFound});
+    m_writer.write(attempt.meeting, *change, ProtocolWriter::Where::There, this,
+                   [this](ProtocolWriter::Written written, const ProtocolChange& change) {
+                       m_change = change;
+                       m_unlisted = written == ProtocolWriter::Written::Unlisted;
+                       end(Result::of(written));
+                   });
 }
 
-void ProtocolEditor::end(const Attempt& attempt, const Result& result)
+void ProtocolEditor::end(const Result& result)
 {
     m_outcome = result.outcome;
     m_failure = result.failure;
-    m_text = attempt.text;
-    m_section = attempt.section;
-    m_index = attempt.index;
     emit changed();
-    if (result.outcome != Outcome::Fixed) return;
-    // Nobody waits for it: the protocol follows when it follows, also when we have gone.
-    if (QFileInfo::exists(m_place.python))
-        m_processes.startDetached(m_place.python, {m_place.rebuildScript, attempt.file});
-    emit fixed(attempt.remark);
+    if (result.outcome == Outcome::Fixed) emit fixed(m_change.remark);
 }
 
 } // namespace murmeli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ProtocolWriter.h"
 #include "localisation/Message.h"
 #include "ui/Accent.h"
 
@@ -10,10 +11,8 @@ namespace murmeli {
 
 class AuthManager;
 class Http;
+struct HttpAnswer;
 struct Meeting;
-struct Paths;
-class Processes;
-class Scheduler;
 
 /// Corrects a protocol by a remark in plain words: the service finds the item that is meant and its new text,
 /// which is written into the summary file. Main thread only.
@@ -32,14 +31,8 @@ public:
     enum class Outcome { Idle, Working, Fixed, NotFound, Failed };
     Q_ENUM(Outcome)
 
-    struct Place {
-        QString webOrigin;
-        QString python;
-        QString rebuildScript; ///< renders the protocol anew from its summary file
-    };
-
-    ProtocolEditor(Place place, const AuthManager& account, Http& http, Processes& processes,
-                   Scheduler& scheduler, QObject* parent = nullptr);
+    ProtocolEditor(QString webOrigin, const AuthManager& account, Http& http, ProtocolWriter& writer,
+                   QObject* parent = nullptr);
     ~ProtocolEditor() override;
     Q_DISABLE_COPY_MOVE(ProtocolEditor)
 
@@ -48,8 +41,7 @@ public:
     [[nodiscard]] bool needsSignIn() const { return message() == Message::of(signInKey); }
     [[nodiscard]] QString symbol() const; ///< empty while there is nothing to tell
     [[nodiscard]] accent::Accent accent() const;
-    [[nodiscard]] QString section() const { return m_section; } ///< of the fixed item
-    [[nodiscard]] qsizetype index() const { return m_index; }
+    [[nodiscard]] const ProtocolChange& change() const { return m_change; } ///< that fixed it
 
     /// Sends a remark on `meeting`; nothing while another is on its way.
     void apply(const QString& remark, const Meeting& meeting);
@@ -65,19 +57,17 @@ private:
     struct Attempt;
     struct Result;
     void ask(const Attempt& attempt, const Result& prepared);
-    void write(const Attempt& attempt);
-    void end(const Attempt& attempt, const Result& result);
+    void take(const Attempt& attempt, const HttpAnswer& answer);
+    void end(const Result& result);
 
-    const Place m_place;
+    const QString m_webOrigin;
     const AuthManager& m_account;
     Http& m_http;
-    Processes& m_processes;
-    Scheduler& m_scheduler;
+    ProtocolWriter& m_writer;
     Outcome m_outcome = Outcome::Idle;
     Message m_failure;
-    QString m_text; ///< the new one of the fixed item
-    QString m_section;
-    qsizetype m_index = 0;
+    ProtocolChange m_change;
+    bool m_unlisted = false; ///< the change cannot be taken back
 };
 
 } // namespace murmeli

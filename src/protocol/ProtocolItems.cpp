@@ -44,14 +44,14 @@ QList<ProtocolItem> editable(const QJsonObject& summary)
     for (const Row& row : editableRows) {
         const QJsonValue value = summary.value(row.key);
         if (value.isString() && !murmeli::text::trimmed(value.toString()).isEmpty())
-            items.append({row.key, 0, value.toString(), std::nullopt});
+            items.append({row.key, 0, value.toString(), std::nullopt, true});
         const QJsonArray list = value.toArray();
         for (qsizetype i = 0; i < list.size(); ++i) {
             const QJsonValue element = list[i];
             const auto text = elementText(element, row.field);
             if (!text) continue;
             const auto field = element.isObject() ? std::optional{QString{row.field}} : std::nullopt;
-            items.append({row.key, i, *text, field});
+            items.append({row.key, i, *text, field, false});
         }
     }
     return items;

@@ -15,6 +15,7 @@ struct ProtocolItem {
     qsizetype index = 0;
     QString text;
     std::optional<QString> field; ///< the member that holds the text where the element is an object
+    bool isAlone = false;         ///< its section is a text, not a list
     bool operator==(const ProtocolItem&) const = default;
 };
 

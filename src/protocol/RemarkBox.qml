@@ -14,6 +14,7 @@ Item {
     required property ProtocolEditor editor
     required property GlossaryStore glossary
     required property string draft
+    required property ProtocolChanges changes // what has become of an undo stands here too
     readonly property bool working: editor.outcome === ProtocolEditor.Working
     readonly property bool failed: editor.outcome === ProtocolEditor.Failed
     property ViewMemory memory: null
@@ -132,7 +133,9 @@ Item {
                     onTextChanged: {
                         const typed = text !== root.draft; // else it has just come back with its meeting
                         root.written(text);
-                        if (typed && text.length > 0 && !root.working) root.editor.reset();
+                        if (!typed || text.length === 0 || root.working) return;
+                        root.editor.reset();
+                        root.changes.forgetMessage();
                     }
                     Keys.onReturnPressed: event => {
                         if (event.modifiers & Qt.ShiftModifier) event.accepted = false;
@@ -214,6 +217,7 @@ Item {
                 elide: Text.ElideRight
                 color: root.failed ? Theme.inkRed : glyph.visible ? Theme.text2 : Theme.text3
                 text: root.editor.outcome !== ProtocolEditor.Idle ? L.say(root.editor.message)
+                    : !root.changes.message.empty ? L.say(root.changes.message)
                     : root.learned.length === 0 ? L.t("editor.hint")
                     : root.account.isAuthed ? L.t("detail.learned", root.learned) : L.t("detail.learned.here", root.learned)
                 Accessible.role: root.failed ? Accessible.AlertMessage : Accessible.StatusBar

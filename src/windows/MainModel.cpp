@@ -14,6 +14,7 @@ MainModel::MainModel(const Ground& ground, QObject* parent)
     : QObject(parent),
       m_ground(ground),
       m_store(ground.paths, ground.language, ground.scheduler),
+      m_writer(ground.paths, ground.processes, ground.scheduler),
       m_search({.store = m_store,
                 .index = ground.index,
                 .glossary = ground.glossary,
@@ -59,12 +60,11 @@ void MainModel::open(const QString& id)
     const Meeting* meeting = m_store.list()->find(id);
     if (!meeting) return;
     auto old = std::exchange(
-        m_detail,
-        std::make_unique<MeetingDetailModel>(
-            MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_drafts, m_ground.account,
-                                       m_ground.http, m_ground.processes, m_ground.desktop, m_ground.language,
-                                       m_ground.scheduler, m_ground.webOrigin},
-            *meeting, workOn(*meeting)));
+        m_detail, std::make_unique<MeetingDetailModel>(
+                      MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_drafts,
+                                                 m_ground.account, m_ground.http, m_writer, m_ground.desktop,
+                                                 m_ground.language, m_ground.scheduler, m_ground.webOrigin},
+                      *meeting, workOn(*meeting)));
     emit detailChanged();
     leave(std::move(old));
 }
@@ -103,9 +103,7 @@ MeetingDetailModel::Work MainModel::workOn(const Meeting& meeting)
 {
     if (m_work.contains(meeting.id)) return m_work[meeting.id];
     const MeetingDetailModel::Work work{
-        std::make_shared<ProtocolEditor>(
-            ProtocolEditor::Place{m_ground.webOrigin, m_ground.paths.python, m_ground.paths.rebuildScript},
-            m_ground.account, m_ground.http, m_ground.processes, m_ground.scheduler),
+        std::make_shared<ProtocolEditor>(m_ground.webOrigin, m_ground.account, m_ground.http, m_writer),
         std::make_shared<ProtocolFileMaker>(m_ground.paths, m_ground.processes, m_ground.desktop)};
     connect(work.editor.get(), &ProtocolEditor::fixed, this,
             [this, id = meeting.id](const QString& remark) { m_drafts.carryOut(id, remark); });

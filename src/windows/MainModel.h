@@ -95,6 +95,7 @@ private:
 
     Ground m_ground;
     MeetingStore m_store;
+    ProtocolWriter m_writer;
     SearchModel m_search;
     Drafts m_drafts;
     AssistantModel m_assistant;

@@ -1,4 +1,6 @@
 #include "Shot.h"
+#include "base/Json.h"
+#include "protocol/ProtocolWriter.h"
 #include "sampleReport.h"
 #include "support/TestProgram.h"
 #include "windows/AppWindow.h"
@@ -8,6 +10,7 @@
 #include <QJsonDocument>
 #include <QQuickItem>
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -76,9 +79,10 @@ struct MainShot {
     bool detail = false;
     bool marks = false;
     bool transcript = false;
-    bool homeless = false;  ///< marks are
-    bool quiet = false;     ///< one voice only
-    QByteArray answer = {}; ///< to a remark; null: none is made
+    bool homeless = false;                                    ///< marks are
+    bool quiet = false;                                       ///< one voice only
+    enum { NoChanges, Listed, Compared } changes = NoChanges; ///< of the protocol
+    QByteArray answer = {};                                   ///< to a remark; null: none is made
     bool signedIn = true;
     bool protocol = true;
     QByteArray pdf = {}; ///< script of the build; null: none
@@ -123,6 +127,8 @@ QList<MainShot> mainShots(bool inRussian)
         {.name = u"detail"_s, .detail = true},
         {.name = u"detail-marks"_s, .detail = true, .marks = true},
         {.name = u"transcript"_s, .detail = true, .marks = true, .transcript = true},
+        {.name = u"detail-changes"_s, .detail = true, .changes = MainShot::Listed},
+        {.name = u"detail-changes-compared"_s, .detail = true, .changes = MainShot::Compared},
         {.name = u"detail-no-protocol"_s, .detail = true, .protocol = false},
         {.name = u"detail-fixed-teach"_s,
          .detail = true,
@@ -169,6 +175,56 @@ void writeMeetings(TestProgram& m, const Frame& frame, const MainShot& shot)
                 "{\"title\":\"" + QByteArray{sample.title} + "\",\"tldr\":\"" + sample.tldr + "\"," +
                     (inRussian ? russianItems : englishItems) + ",\"_meta\":{" + meta + "}}");
     }
+}
+
+/// Corrections of the opened meeting: two that hold, one taken back, one that the service has put back, and
+/// one over which it has written.
+void changeProtocol(TestProgram& m, MainModel& model, bool ru)
+{
+    const Meeting meeting = *model.store()->list()->find(model.detail()->id());
+    ProtocolWriter writer{m.paths, m.processes, m.scheduler};
+    const auto write = [&](ProtocolChange change, const QString& from, const QString& to) {
+        const auto items =
+            protocolItems::editable(*json::object(*files::readWhole(meeting.jsonPath, 1'000'000)));
+        const auto item = std::ranges::find_if(items, [&](const ProtocolItem& one) {
+            return one.section == change.section && one.text.contains(from);
+        });
+        change.index = item->index;
+        change.before = item->text;
+        change.after = QString{item->text}.replace(from, to);
+        bool done = false;
+        writer.write(meeting, change, ProtocolWriter::Where::There, &writer, [&](auto, const auto& made) {
+            change = made;
+            done = true;
+        });
+        await([&] { return done; });
+        m.scheduler.advance(9min);
+        return change;
+    };
+    write({.section = u"tldr"_s, .remark = ru ? u"не экраны, а тексты"_s : u"the text, not the screen"_s},
+          ru ? u"тексты экрана"_s : u"setup screen copy"_s, ru ? u"тексты экранов"_s : u"setup screens"_s);
+    const ProtocolChange risk =
+        write({.section = u"risks"_s, .remark = ru ? u"дольше"_s : u"longer"_s},
+              ru ? u"больше часа"_s : u"over an hour"_s, ru ? u"больше двух часов"_s : u"over two hours"_s);
+    write({.kind = ProtocolChange::Kind::Undo, .section = u"risks"_s, .of = risk.id},
+          ru ? u"больше двух часов"_s : u"over two hours"_s, ru ? u"больше часа"_s : u"over an hour"_s);
+    write({.section = u"decisions"_s,
+           .remark = ru ? u"не в пятницу, а в четверг, 27"_s : u"Thursday the 27th"_s},
+          ru ? u"пятницу, 28"_s : u"Friday, 28"_s, ru ? u"четверг, 27"_s : u"Thursday, 27"_s);
+    const QString tuesday = ru ? u"вторника"_s : u"Tuesday"_s;
+    const QString wednesday = ru ? u"среды"_s : u"Wednesday"_s;
+    write({.section = u"action_items"_s,
+           .remark = ru ? u"срок по текстам — среда"_s : u"copy is due on Wednesday"_s},
+          tuesday, wednesday);
+    QByteArray bytes = *files::readWhole(meeting.jsonPath, 1'000'000);
+    bytes.replace((u"до "_s + wednesday).toUtf8(), (u"до "_s + tuesday).toUtf8());
+    bytes.replace((u"by "_s + wednesday).toUtf8(), (u"by "_s + tuesday).toUtf8());
+    bytes.replace(ru ? "тексты экранов" : "setup screens", ru ? "экраны" : "the setup");
+    m.write(meeting.jsonPath, bytes);
+    model.detail()->changes()->load(meeting);
+    settle(200);
+    m.scheduler.advance(20s);
+    await([&] { return model.detail()->changes()->overwrittenCount() == 1; });
 }
 
 /// Sets a property of the views that have it.
@@ -262,6 +318,11 @@ bool shoot(const MainShot& shot, const Frame& frame)
         model.open(model.store()->list()->idAt(1));
         await([&] { return model.detail()->loaded(); });
         settle(300);
+    }
+    if (shot.changes != MainShot::NoChanges) {
+        changeProtocol(m, model, frame.language == "ru"_L1);
+        model.detail()->openSheet(MeetingDetailModel::Sheet::Changes);
+        model.detail()->changes()->setComparing(shot.changes == MainShot::Compared);
     }
     if (!shot.answer.isNull()) {
         model.detail()->setDraft(u"Срок по текстам — среда"_s);

@@ -1,5 +1,6 @@
 #include "language/Words.h"
 
+#include "language/Difference.h"
 #include "language/Layouts.h"
 #include "registeredTests.h"
 #include "support/Cases.h"
@@ -34,6 +35,44 @@ private slots:
                 found.append(span.in(text).toString());
             QCOMPARE(found.join(u'|'), expected);
         }
+    }
+
+    void differences()
+    {
+        const QString long20 = u"a b c d e f g h i j k l m n o p q r s t"_s;
+        const Cases<QString, QString, QString> cases{
+            // before, after, and what is told: [-gone-] and [+come+]
+            {"a word", u"до вторника."_s, u"до среды."_s, u"до [-вторника-][+среды+]."_s},
+            {"words side by side", u"a x y b"_s, u"a 1 2 b"_s, u"a [-x y -][+1 2 +]b"_s},
+            {"the case of a letter, and a sign", u"Да, нет"_s, u"да нет"_s, u"[-Да, -][+да +]нет"_s},
+            {"white space alone is no difference", u"a  b"_s, u" a b"_s, u"a b"_s},
+            {"a part of a number", u"0.10"_s, u"0.9"_s, u"[-0.10-][+0.9+]"_s},
+            {"from nothing", {}, u"a b"_s, u"[+a b+]"_s},
+            {"to nothing", u"a"_s, {}, u"[-a-]"_s},
+            {"far from the difference", long20 + u" x"_s, long20 + u" y"_s, u"… o p q r s t [-x-][+y+]"_s},
+            {"between two", u"x "_s + long20 + u" x"_s, u"y "_s + long20 + u" y"_s,
+             u"[-x -][+y +]a b c d e f … o p q r s t [-x-][+y+]"_s},
+            {"too long to compare",
+             QString{u"a "_s}.repeated(3000) + u"x"_s,
+             u"y "_s + QString{u"b "_s}.repeated(3000),
+             {}},
+        };
+        for (const auto& [name, before, after, told] : cases) {
+            CASE(name);
+            QString found;
+            QString made;
+            const QList<words::Piece> pieces = words::difference(before, after);
+            for (const words::Piece& piece : pieces) {
+                if (piece.kind != words::Piece::Kind::Removed) made += piece.text;
+            }
+            QCOMPARE(made.simplified(), after.simplified());
+            const QStringList signs{u"%1"_s, u"[-%1-]"_s, u"[+%1+]"_s};
+            for (const words::Piece& piece : words::brief(pieces))
+                found += signs[int(piece.kind)].arg(piece.text);
+            if (!told.isEmpty()) QCOMPARE(found, told);
+        }
+        QCOMPARE(words::dissimilarity(u"a b c d"_s, u"a b c e"_s), 0.25);
+        QCOMPARE(words::dissimilarity({}, u"a"_s), 1.0);
     }
 
     void folding()

@@ -109,7 +109,7 @@ private slots:
             {"the very item",
              R"({"decisions":["иное"]})",
              {},
-             Message::of("editor.error.changed"),
+             Message::of("ledger.changed_meanwhile"),
              R"({"decisions":["иное"]})"},
         };
         m->signIn();
@@ -295,10 +295,9 @@ private:
         QString path = paths.logs + u"/a.protocol.json"_s;
         QString pdf = home.filePath(u"к \"файлу\".pdf"_s);
         ManualScheduler clock; ///< of the editor
-        std::unique_ptr<ProtocolEditor> editor = std::make_unique<ProtocolEditor>(
-            ProtocolEditor::Place{
-                .webOrigin = server.origin(), .python = paths.python, .rebuildScript = paths.rebuildScript},
-            account, http, processes, clock);
+        ProtocolWriter writer{paths, processes, clock};
+        std::unique_ptr<ProtocolEditor> editor =
+            std::make_unique<ProtocolEditor>(server.origin(), account, http, writer);
         std::unique_ptr<ProtocolFileMaker> files =
             std::make_unique<ProtocolFileMaker>(paths, processes, desktop);
         QByteArray later; ///< what the service makes of the file once it has been looked at
