@@ -12,14 +12,14 @@ FLOORS = {  # a room includes from lower floors only, or from rooms of its own f
     "base": 0,
     "service": 1, "language": 1, "platform": 1,
     "localisation": 2, "ui": 2,
-    "account": 3, "meetings": 3, "margin": 3, "transcript": 3, "glossary": 3, "protocol": 3, "report": 3, "search": 3, "update": 3, "permissions": 3, "setup": 3,
+    "account": 3, "meetings": 3, "receipts": 3, "margin": 3, "transcript": 3, "glossary": 3, "protocol": 3, "report": 3, "search": 3, "update": 3, "permissions": 3, "setup": 3,
     "settings": 3, "notices": 3,
     "detail": 4, "panel": 4, "windows": 4,
     "app": 5,
 }
 WITHIN_FLOOR = {
-    "glossary": {"account"}, "protocol": {"meetings", "account", "glossary"}, "report": {"meetings", "account", "transcript"},
-    "settings": {"account", "update", "permissions", "search"}, "setup": {"permissions", "update"},
+    "receipts": {"meetings"}, "glossary": {"account"}, "protocol": {"meetings", "account", "glossary"}, "report": {"meetings", "account", "transcript"},
+    "settings": {"account", "receipts", "update", "permissions", "search"}, "setup": {"permissions", "update"},
     "margin": {"meetings"}, "transcript": {"meetings", "margin"}, "notices": {"meetings", "permissions"},
     "search": {"glossary", "meetings", "margin", "transcript", "report"},
     "windows": {"detail"},

@@ -4,6 +4,7 @@
 #include "base/Files.h"
 #include "glossary/GlossaryStore.h"
 #include "localisation/Language.h"
+#include "margin/MeetingLocks.h"
 #include "margin/RecordingMarks.h"
 #include "meetings/SummaryWatch.h"
 #include "notices/LongRecording.h"
@@ -13,6 +14,8 @@
 #include "notices/WriteUp.h"
 #include "panel/PanelModel.h"
 #include "platform/Installation.h"
+#include "receipts/Receipts.h"
+#include "receipts/WatchedHttp.h"
 #include "search/SearchIndex.h"
 #include "service/AppInfo.h"
 #include "service/AppState.h"
@@ -86,6 +89,9 @@ public:
     const Paths paths;
     Prefs prefs;
     OwnSettings own;
+    MeetingLocks locks;
+    Receipts receipts;
+    WatchedHttp http;
     Language language;
     AppState state;
     RecordControl record;

@@ -91,7 +91,11 @@ private:
                        (broke(error) || (m_answer.status < 400 && error != QNetworkReply::NoError))) {
                 m_answer.failure = HttpAnswer::Failure::Transport;
             }
-            if (m_answer.failure == HttpAnswer::Failure::Transport)
+            if (m_answer.failure == HttpAnswer::Failure::Transport &&
+                error == QNetworkReply::SslHandshakeFailedError)
+                m_answer.failure = HttpAnswer::Failure::Tls;
+            if (m_answer.failure == HttpAnswer::Failure::Transport ||
+                m_answer.failure == HttpAnswer::Failure::Tls)
                 m_answer.errorText = error == QNetworkReply::ContentReSendError || m_answer.status >= 400
                                          ? QCoreApplication::translate("QHttp", "Connection closed")
                                          : m_reply->errorString();

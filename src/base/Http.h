@@ -16,10 +16,15 @@ namespace murmeli {
 
 /// What a request is for, so that nothing leaves the computer unnamed. The rooms above agree on the words.
 struct Purpose {
-    explicit Purpose(QString kind, QString stem = {}) : kind{std::move(kind)}, stem{std::move(stem)} {}
+    explicit Purpose(QString kind, QString stem = {}, QStringList parts = {}, qsizetype items = 0)
+        : kind{std::move(kind)}, stem{std::move(stem)}, parts{std::move(parts)}, items{items}
+    {
+    }
 
-    QString kind; ///< "analysis", "remark", "glossary", "device", "version" or "account"
-    QString stem; ///< of the meeting of which something is sent; empty for most
+    QString kind;      ///< "analysis", "remark", "glossary", "device", "version" or "account"
+    QString stem;      ///< of the meeting of which something is sent; empty for most
+    QStringList parts; ///< what the body holds, by the names of its members
+    qsizetype items;   ///< how many of them, where they are a list
 };
 
 struct HttpRequest {
@@ -33,10 +38,10 @@ struct HttpRequest {
 };
 
 struct HttpAnswer {
-    enum class Failure { None, Transport, Timeout, TooLarge, Redirect };
-    Failure failure = Failure::None;
-    int status = 0;  ///< 0 when no answer came
-    QByteArray body; ///< empty after a failure
+    enum class Failure { None, Transport, Tls, Timeout, TooLarge, Redirect, Refused };
+    Failure failure = Failure::None; ///< refused: nothing was sent
+    int status = 0;                  ///< 0 when no answer came
+    QByteArray body;                 ///< empty after a failure
     QString
         errorText; ///< of a transport failure or time-out, in the platform's own words; no header or token
 

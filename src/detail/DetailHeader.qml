@@ -23,8 +23,8 @@ Column {
     function focusTranscript(): void {
         transcript.forceActiveFocus(Qt.OtherFocusReason);
     }
-    function focusSheet(): void {
-        changes.forceActiveFocus(Qt.OtherFocusReason);
+    function focusSheet(sheet: int): void {
+        (sheet === MeetingDetailModel.Sent ? sent : changes).forceActiveFocus(Qt.OtherFocusReason);
     }
     function focusAnalysis(): void {
         analysis.forceActiveFocus(Qt.OtherFocusReason);
@@ -156,8 +156,7 @@ Column {
     Flow {
         x: -Theme.gapSmall
         width: parent.width
-        topPadding: visible ? 6 : 0
-        visible: root.detail.hasTranscript || changes.visible
+        topPadding: 6
         LinkButton {
             id: transcript
             visible: root.detail.hasTranscript
@@ -171,6 +170,12 @@ Column {
             symbol: "arrow.counterclockwise"
             text: L.t("ledger.open", root.detail.changes.total)
             onClicked: root.detail.openSheet(MeetingDetailModel.Changes)
+        }
+        LinkButton {
+            id: sent
+            symbol: root.detail.locked ? "lock" : "arrow.up"
+            text: L.t("sent.open", root.detail.sent.total)
+            onClicked: root.detail.openSheet(MeetingDetailModel.Sent)
         }
     }
     FileLine {

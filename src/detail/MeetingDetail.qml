@@ -4,6 +4,7 @@ import Murmeli.Detail
 import Murmeli.Localisation
 import Murmeli.Margin
 import Murmeli.Protocol
+import Murmeli.Receipts
 import Murmeli.Report
 import Murmeli.Transcript
 import Murmeli.Ui
@@ -42,8 +43,9 @@ Item {
             return;
         }
         if (root.listing) {
+            const sheet = root.detail.sheet;
             root.detail.closeSheet();
-            header.focusSheet();
+            header.focusSheet(sheet);
             return;
         }
         if (!root.analysing) {
@@ -256,6 +258,7 @@ Item {
             account: root.detail.account
             editor: root.detail.editor
             changes: root.detail.changes
+            locked: root.detail.locked
             glossary: root.detail.glossary
             memory: root.detail.views
             draft: root.detail.draft
@@ -281,6 +284,7 @@ Item {
             loader: root.detail.report
             memory: root.detail.views
             meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine
+            locked: root.detail.locked
             onBuildAsked: root.detail.buildReport()
             onClosed: root.back()
         }
@@ -299,6 +303,26 @@ Item {
         sourceComponent: ChangesPane {
             changes: root.detail.changes
             meetingTitle: root.detail.title
+            onClosed: root.back()
+        }
+    }
+    Loader {
+        id: sent
+        property real presence: root.detail.sheet === MeetingDetailModel.Sent ? 1 : 0
+        width: parent.width
+        height: parent.height
+        x: (1 - presence) * Theme.slide
+        opacity: presence
+        active: presence > 0
+        enabled: presence > 0 && root.listing
+        Behavior on presence { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
+        onLoaded: (item as SentPane).focusFirst()
+        sourceComponent: SentPane {
+            sent: root.detail.sent
+            meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine
+            locked: root.detail.locked
+            lockKnown: root.detail.lockable
+            onLockAsked: locked => root.detail.locked = locked
             onClosed: root.back()
         }
     }

@@ -6,11 +6,13 @@
 #include "base/Scheduler.h"
 #include "base/Text.h"
 #include "localisation/Language.h"
+#include "margin/MeetingLocks.h"
 #include "meetings/MeetingCaptions.h"
 #include "meetings/MeetingStore.h"
 #include "meetings/ProtocolFile.h"
 #include "meetings/SummaryFile.h"
 #include "platform/Desktop.h"
+#include "receipts/Receipts.h"
 #include "service/Paths.h"
 
 #include <QDir>
@@ -40,6 +42,7 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
                  .desktop = ground.desktop,
                  .scheduler = ground.scheduler},
                 meeting),
+      m_sent(ground.receipts, ground.language, ground.scheduler, meeting.id),
       m_report({.account = ground.account,
                 .http = ground.http,
                 .language = ground.language,
@@ -54,6 +57,11 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
                     .marks = m_marks})
 {
     load();
+    m_sent.load();
+    ground.locks.look(meeting.id);
+    connect(&ground.locks, &MeetingLocks::changed, this, [this](const QString& id) {
+        if (id == m_meeting.id) emit lockedChanged();
+    });
     connect(&m_report, &ReportLoader::momentWanted, this, &MeetingDetailModel::openTranscript);
     connect(&ground.store, &MeetingStore::scanned, this, [this] {
         if (const Meeting* now = m_ground.store.list()->find(m_meeting.id); now && *now != m_meeting) {
@@ -62,6 +70,7 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
         }
         load();
         m_marks.load();
+        m_ground.locks.look(m_meeting.id);
     });
     connect(&ground.language, &Language::changed, this, &MeetingDetailModel::changed);
     connect(&ground.drafts, &Drafts::changed, this, [this](const QString& meeting) {
@@ -196,22 +205,45 @@ void MeetingDetailModel::shareAnew() { m_work.files->shareAnew(m_meeting); }
 
 bool MeetingDetailModel::offer(const QString& path, QWindow* window, const QPointF& at)
 {
-    return m_ground.desktop.share(path, window, at.toPoint());
+    const bool offered = m_ground.desktop.share(path, window, at.toPoint());
+    if (offered) noteHandedOut(u"file"_s, u"menu"_s, path);
+    return offered;
 }
 
 void MeetingDetailModel::passOn(const QString& path, Way way)
 {
     switch (way) {
     case Mail:
+        noteHandedOut(u"mail"_s, u"mail"_s, path);
         return m_ground.desktop.mail(path);
     case Open:
         return m_ground.desktop.openUrl(QUrl::fromLocalFile(path));
     case Folder:
         return m_ground.desktop.reveal(path, {});
     case Copy:
+        noteHandedOut(u"clipboard"_s, u"clipboard"_s, path);
         return m_ground.desktop.copyFile(path);
     }
 }
+
+void MeetingDetailModel::noteHandedOut(const QString& kind, const QString& to, const QString& path)
+{
+    Receipt receipt = m_ground.receipts.begun();
+    receipt.stem = m_meeting.id;
+    receipt.kind = kind;
+    receipt.to = to;
+    receipt.parts = QStringList{u"protocol"_s};
+    m_ground.receipts.noteFile(receipt, path);
+}
+
+bool MeetingDetailModel::locked() const
+{
+    return m_ground.locks.wasRead(m_meeting.id) && m_ground.locks.isLocked(m_meeting.id);
+}
+
+void MeetingDetailModel::setLocked(bool locked) { m_ground.locks.set(m_meeting.id, locked); }
+
+bool MeetingDetailModel::lockable() const { return m_ground.locks.isReadable(m_meeting.id); }
 
 void MeetingDetailModel::reveal()
 {

@@ -10,6 +10,7 @@
 #include "protocol/ProtocolEditor.h"
 #include "protocol/ProtocolFileMaker.h"
 #include "protocol/SectionListModel.h"
+#include "receipts/SentModel.h"
 #include "report/ReportLoader.h"
 #include "transcript/TranscriptModel.h"
 #include "ui/ViewMemory.h"
@@ -24,6 +25,7 @@
 namespace murmeli {
 
 class Desktop;
+class MeetingLocks;
 class MeetingStore;
 
 /// One opened meeting: its protocol and what can be done with it. Main thread only.
@@ -48,6 +50,9 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(murmeli::SectionListModel* sections READ sections CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolChanges* changes READ changes CONSTANT FINAL)
+    Q_PROPERTY(murmeli::SentModel* sent READ sent CONSTANT FINAL)
+    Q_PROPERTY(bool locked READ locked WRITE setLocked NOTIFY lockedChanged FINAL) ///< nothing of it is sent
+    Q_PROPERTY(bool lockable READ lockable NOTIFY lockedChanged FINAL)
     Q_PROPERTY(murmeli::AuthManager* account READ account CONSTANT FINAL)
     Q_PROPERTY(murmeli::GlossaryStore* glossary READ glossary CONSTANT FINAL)
     Q_PROPERTY(murmeli::ReportLoader* report READ report CONSTANT FINAL)
@@ -58,7 +63,7 @@ class MeetingDetailModel final : public QObject {
 
 public:
     /// What lies over the protocol.
-    enum class Sheet { None, Changes };
+    enum class Sheet { None, Changes, Sent };
     Q_ENUM(Sheet)
 
     /// What the meeting stands among; all of it outlives the model.
@@ -67,6 +72,8 @@ public:
         MeetingStore& store;
         GlossaryStore& glossary;
         Drafts& drafts;
+        MeetingLocks& locks;
+        Receipts& receipts;
         AuthManager& account;
         Http& http;
         ProtocolWriter& writer;
@@ -98,6 +105,10 @@ public:
     [[nodiscard]] SectionListModel* sections() { return &m_sections; }
     [[nodiscard]] ProtocolEditor* editor() { return m_work.editor.get(); }
     [[nodiscard]] ProtocolChanges* changes() { return &m_changes; }
+    [[nodiscard]] SentModel* sent() { return &m_sent; }
+    [[nodiscard]] bool locked() const;
+    void setLocked(bool locked);
+    [[nodiscard]] bool lockable() const;
     [[nodiscard]] Sheet sheet() const { return m_sheet; }
     [[nodiscard]] AuthManager* account() { return &m_ground.account; }
     [[nodiscard]] GlossaryStore* glossary() { return &m_ground.glossary; }
@@ -162,6 +173,7 @@ signals:
     void analysingChanged();
     void readingChanged();
     void sheetChanged();
+    void lockedChanged();
     void built(const QString& path);
     void itemShown(int row); ///< what somebody has come for, in the list of sections
     void corrected(int row); ///< the protocol was: where, in the list of sections
@@ -184,6 +196,7 @@ private:
     };
     /// Reads the file; what was corrected in it is marked then.
     void load(const std::optional<Correction>& correction = {});
+    void noteHandedOut(const QString& kind, const QString& to, const QString& path);
     void showWanted();
     void take(const Content& content, const std::optional<Correction>& correction);
 
@@ -193,6 +206,7 @@ private:
     SectionListModel m_sections{nullptr};
     Work m_work;
     ProtocolChanges m_changes;
+    SentModel m_sent;
     ReportLoader m_report;
     MeetingMarks m_marks;
     TranscriptModel m_transcript;

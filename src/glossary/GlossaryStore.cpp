@@ -195,17 +195,18 @@ void GlossaryStore::send()
     auto request = m_account.backend().request("PATCH", u"/rest/v1/profiles"_s, m_account.freshToken(),
                                                {{u"glossary"_s, text}});
     request.headers.emplaceBack("Prefer", "return=minimal");
-    m_http.send(Purpose{u"glossary"_s}, request, m_save.renew(), [this, text](const HttpAnswer& answer) {
-        if (answer.ok()) {
-            m_syncError = {};
-            m_savedAt = m_scheduler.moment();
-            keepCopy(text, true);
-        } else {
-            m_syncError = Message::foreignOr(answer.errorText, "assistant.error.save");
-        }
-        finish(answer.ok());
-        emit changed();
-    });
+    m_http.send(Purpose{u"glossary"_s, {}, {u"glossary"_s}}, request, m_save.renew(),
+                [this, text](const HttpAnswer& answer) {
+                    if (answer.ok()) {
+                        m_syncError = {};
+                        m_savedAt = m_scheduler.moment();
+                        keepCopy(text, true);
+                    } else {
+                        m_syncError = Message::foreignOr(answer.errorText, "assistant.error.save");
+                    }
+                    finish(answer.ok());
+                    emit changed();
+                });
 }
 
 void GlossaryStore::finish(bool saved)

@@ -36,9 +36,10 @@ public:
     /// here, so that a kill between them leaves a mark twice, which the next move mends, and never none.
     [[nodiscard]] OwnWritten settle(const QList<Meeting>& meetings) const;
 
-private:
+    /// The margin of a meeting, in which other things may stand beside the marks.
     [[nodiscard]] OwnFile margin(const QString& meeting) const;
 
+private:
     QString m_folder;
     OwnLines m_waiting;
 };

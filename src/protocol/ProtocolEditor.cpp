@@ -179,7 +179,7 @@ void ProtocolEditor::ask(const Attempt& attempt, const Result& prepared)
     const QString token = m_account.freshToken();
     if (prepared.outcome != Outcome::Working) return end(prepared);
     if (token.isEmpty()) return end(Result::failed(signInKey));
-    m_http.send(Purpose{u"remark"_s, attempt.meeting.id},
+    m_http.send(Purpose{u"remark"_s, attempt.meeting.id, {u"remark"_s, u"items"_s}, attempt.items.size()},
                 {.method = "POST",
                  .url = QUrl{m_webOrigin + u"/api/assist/edit"_s},
                  .headers = {{"Content-Type", "application/json"}},
@@ -191,6 +191,7 @@ void ProtocolEditor::ask(const Attempt& attempt, const Result& prepared)
 
 void ProtocolEditor::take(const Attempt& attempt, const HttpAnswer& answer)
 {
+    if (answer.failure == HttpAnswer::Failure::Refused) return end(Result::failed("lock.closed"));
     const auto object = answer.failure == HttpAnswer::Failure::None && answer.status == 200
                             ? json::object(answer.body)
                             : std::nullopt;

@@ -45,6 +45,8 @@ public:
     [[nodiscard]] QString symbol() const; ///< empty while a spinner tells
     [[nodiscard]] accent::Accent accent() const;
 
+    [[nodiscard]] const QString& lastBuilt() const { return m_lastBuilt; } ///< its path
+
     /// Day and title, as a file may be called.
     static QString suggestedName(const Meeting& meeting);
 

@@ -18,6 +18,7 @@ Item {
     readonly property bool working: editor.outcome === ProtocolEditor.Working
     readonly property bool failed: editor.outcome === ProtocolEditor.Failed
     property ViewMemory memory: null
+    property bool locked: false // nothing of the meeting is sent
     property bool teaching: memory?.kept("teaching", false) ?? false
     property string learned
 
@@ -25,6 +26,7 @@ Item {
     signal sent()
 
     function send(): void {
+        if (root.locked) return;
         root.learned = "";
         root.sent();
     }
@@ -157,10 +159,11 @@ Item {
                 visible: !root.working
                 focusPolicy: Qt.TabFocus
                 hoverEnabled: true
-                readonly property bool ready: field.text.trim().length > 0
+                readonly property bool ready: field.text.trim().length > 0 && !root.locked
                 enabled: ready
                 Accessible.role: Accessible.Button
                 Accessible.name: L.t("detail.send")
+                Accessible.description: root.locked ? L.t("lock.closed") : ""
                 Accessible.onPressAction: if (ready) root.send()
                 Keys.onReturnPressed: root.send()
                 onClicked: root.send()
@@ -195,8 +198,8 @@ Item {
                 y: outcome.y + 1
                 visible: name.length > 0
                 size: Theme.symbolText
-                name: root.editor.symbol || (root.learned.length > 0 ? "checkmark.circle.fill" : "")
-                ink: root.editor.symbol.length > 0 ? Theme.accentInks[root.editor.accent] : Theme.inkGreen
+                name: root.editor.symbol || (root.locked ? "lock" : root.learned.length > 0 ? "checkmark.circle.fill" : "")
+                ink: root.editor.symbol.length > 0 ? Theme.accentInks[root.editor.accent] : root.locked ? Theme.text2 : Theme.inkGreen
                 RotationAnimation on rotation {
                     running: root.working && root.Window.visibility !== Window.Hidden && Theme.motion
                     loops: Animation.Infinite
@@ -218,6 +221,7 @@ Item {
                 color: root.failed ? Theme.inkRed : glyph.visible ? Theme.text2 : Theme.text3
                 text: root.editor.outcome !== ProtocolEditor.Idle ? L.say(root.editor.message)
                     : !root.changes.message.empty ? L.say(root.changes.message)
+                    : root.locked ? L.t("lock.closed")
                     : root.learned.length === 0 ? L.t("editor.hint")
                     : root.account.isAuthed ? L.t("detail.learned", root.learned) : L.t("detail.learned.here", root.learned)
                 Accessible.role: root.failed ? Accessible.AlertMessage : Accessible.StatusBar

@@ -170,7 +170,7 @@ void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const 
         {u"meeting_date"_s, captions::dateLine(meeting, today, m_ground.language.current())},
         {u"duration_min"_s, meeting.durationMin.value_or(0)},
     };
-    m_ground.http.send(Purpose{u"analysis"_s, meeting.id},
+    m_ground.http.send(Purpose{u"analysis"_s, meeting.id, body.keys()},
                        {.method = "POST",
                         .url = QUrl{m_ground.webOrigin + u"/api/assist/report"_s},
                         .headers = {{"Content-Type", "application/json"}},
@@ -178,6 +178,8 @@ void ReportLoader::ask(const Meeting& meeting, const QString& transcript, const 
                         .bearer = token.toUtf8(),
                         .timeout = 330s},
                        this, [this, meeting, lines](const HttpAnswer& answer) {
+                           if (answer.failure == HttpAnswer::Failure::Refused)
+                               return fail(Message::of("lock.closed"));
                            const auto take = [answer, meeting] { return taken(answer, meeting); };
                            const auto done = [this, answer, lines](const std::optional<Analysis>& analysis) {
                                if (!analysis) {

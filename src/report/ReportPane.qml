@@ -15,6 +15,7 @@ Item {
     required property ReportLoader loader
     required property string meetingLine
     property ViewMemory memory: null
+    property bool locked: false // nothing of the meeting is sent
     readonly property var steps: ({ j: 1, "\u043e": 1, k: -1, "\u043b": -1 }) // keys by their place, whatever the layout
 
     signal buildAsked()
@@ -110,7 +111,7 @@ Item {
                     width: Math.min(implicitWidth, parent.width - x - (signIn.visible ? signIn.width + Theme.gapSmall : 0))
                     type: Theme.sub
                     color: !root.loader.error.empty ? Theme.inkRed : Theme.text3
-                    text: root.loader.error.empty ? root.meetingLine : L.say(root.loader.error)
+                    text: !root.loader.error.empty ? L.say(root.loader.error) : root.locked ? L.t("lock.closed") : root.meetingLine
                     wrapMode: root.loader.error.empty ? Text.NoWrap : Text.Wrap
                     Accessible.role: !root.loader.error.empty ? Accessible.AlertMessage : Accessible.StaticText
                 }
@@ -127,7 +128,8 @@ Item {
             anchors { right: close.left; rightMargin: Theme.gapRow; verticalCenter: close.verticalCenter }
             buttonHeight: Theme.buttonHeight
             kind: root.loader.present ? PillButton.Tinted : PillButton.Primary
-            enabled: !root.loader.loading
+            enabled: !root.loader.loading && !root.locked
+            help: root.locked ? L.t("lock.closed") : ""
             text: root.loader.present ? L.t("report.rebuild") : L.t("report.build")
             onClicked: root.buildAsked()
         }

@@ -21,6 +21,7 @@ constexpr auto patience = 2s;
 QStringList places(const Paths& paths)
 {
     return {paths.ownData + u"/margin"_s,          paths.ownData + u"/marks.jsonl"_s,
+            paths.ownData + u"/edits"_s,           paths.ownData + u"/sent"_s,
             paths.ownCache + u"/pulse.json"_s,     paths.ownCache + u"/index-1.db"_s,
             paths.ownCache + u"/index-1.db-wal"_s, paths.ownCache + u"/index-1.db-shm"_s,
             paths.ownCache + u"/index.lock"_s,     paths.ownConfig + u"/settings.json"_s};

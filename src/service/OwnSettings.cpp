@@ -30,7 +30,9 @@ void OwnSettings::load()
 {
     whenFinished(startOn(m_disk, [file = m_file] { return file.read(); }), this,
                  [this](const OwnFile::Content& content) {
-                     if (std::exchange(m_values, content.object) != content.object) emit changed();
+                     const bool news = std::exchange(m_values, content.object) != content.object;
+                     const bool known = std::exchange(m_known, !content.unreadable) != !content.unreadable;
+                     if (news || known) emit changed();
                  });
 }
 

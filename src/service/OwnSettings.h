@@ -12,6 +12,7 @@ struct Paths;
 
 namespace ownSetting {
 inline constexpr PrefKey<bool> remindLong{"remind_long", true}; ///< of a recording that may be forgotten
+inline constexpr PrefKey<bool> lockAll{"lock_all", false};      ///< nothing of any meeting is sent
 } // namespace ownSetting
 
 /// Preferences that the service need not know, in a file of our own, which is read and written beside the
@@ -27,6 +28,9 @@ public:
     /// What holds for this run; the default until the file has been read.
     [[nodiscard]] bool get(const PrefKey<bool>& key) const;
 
+    /// Whether the file has been read, so that what it forbids is known.
+    [[nodiscard]] bool isKnown() const { return m_known; }
+
     /// Counts at once, and is written then.
     void set(const QString& key, bool value);
 
@@ -40,6 +44,7 @@ signals:
 private:
     OwnFile m_file;
     QJsonObject m_values;
+    bool m_known = false;
     QThreadPool m_disk; ///< one thread, so that the latest value is the last one
 };
 

@@ -58,6 +58,8 @@ QList<SettingSection> sections(const QString& language)
 
     SettingRow remindLong = toggle(ownSetting::remindLong, u"timer"_s);
     remindLong.own = true;
+    SettingRow lockAll = toggle(ownSetting::lockAll, u"lock"_s);
+    lockAll.own = true;
     const SettingRow ownData{.id = u"own_data"_s,
                              .icon = u"folder"_s,
                              .control = ActionSetting{settingAction::ShowOwnData, u"own_data.action"_s,
@@ -88,9 +90,11 @@ QList<SettingSection> sections(const QString& language)
                     u"check_update.action"_s),
              action(u"account"_s, u"person.crop.circle"_s, settingAction::OpenAccount, u"account.action"_s),
              action(u"open_logs"_s, u"doc.plaintext"_s, settingAction::OpenLogs, u"open_logs.action"_s)}),
-        section(u"own"_s, {remindLong, ownData,
-                           action(u"search_index"_s, u"magnifyingglass"_s, settingAction::RebuildSearchIndex,
-                                  u"search_index.action"_s)}),
+        section(u"own"_s,
+                {remindLong, lockAll,
+                 action(u"sent"_s, u"arrow.up"_s, settingAction::ShowSent, u"sent.action"_s), ownData,
+                 action(u"search_index"_s, u"magnifyingglass"_s, settingAction::RebuildSearchIndex,
+                        u"search_index.action"_s)}),
     };
 }
 

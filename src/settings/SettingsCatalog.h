@@ -33,6 +33,7 @@ enum SettingAction {
     OpenAccount,
     ShowOwnData,
     RebuildSearchIndex,
+    ShowSent,
     DeleteOwnData, ///< asks first
 };
 Q_ENUM_NS(SettingAction)

@@ -59,6 +59,7 @@ void SettingsModel::opened()
 {
     m_loaded = instructionsFile::Loaded::Taken;
     m_deletion = Deletion::None;
+    closeSent();
     touch();
     measureOwnData();
     m_ground.index.measure();
@@ -278,6 +279,14 @@ void SettingsModel::loadInstructions(const QString& file)
         });
 }
 
+void SettingsModel::closeSent()
+{
+    if (!m_sent) return;
+    auto* const old = m_sent.release();
+    emit sentChanged();
+    old->deleteLater(); // its view still reads it
+}
+
 void SettingsModel::run(int action, QWindow* window)
 {
     switch (action) {
@@ -316,6 +325,12 @@ void SettingsModel::run(int action, QWindow* window)
     case settingAction::RebuildSearchIndex:
         m_ground.index.makeAnew();
         touch();
+        break;
+    case settingAction::ShowSent:
+        m_sent =
+            std::make_unique<SentModel>(m_ground.receipts, m_ground.language, m_ground.scheduler, QString{});
+        m_sent->load();
+        emit sentChanged();
         break;
     case settingAction::DeleteOwnData:
         if (std::exchange(m_deletion, Deletion::Asked) == Deletion::Asked) {

@@ -2,6 +2,7 @@
 
 #include "SettingsCatalog.h"
 #include "permissions/PermissionsModel.h"
+#include "receipts/SentModel.h"
 #include "service/InstructionsFile.h"
 
 #include <QJsonObject>
@@ -10,6 +11,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace murmeli {
@@ -33,6 +35,7 @@ class SettingsModel final : public QObject {
     Q_PROPERTY(QList<murmeli::SettingSection> sections READ sections CONSTANT FINAL)
     Q_PROPERTY(QVariantMap states READ states NOTIFY changed FINAL) ///< a SettingState by its row's id
     Q_PROPERTY(bool telegramConnected READ telegramConnected NOTIFY changed FINAL)
+    Q_PROPERTY(murmeli::SentModel* sent READ sent NOTIFY sentChanged FINAL) ///< null while nobody looks
     Q_PROPERTY(bool hasInstructions READ hasInstructions NOTIFY changed FINAL)
 
 public:
@@ -45,6 +48,8 @@ public:
         AuthManager& account;
         Updater& updater;
         SearchIndex& index;
+        const Receipts& receipts;
+        const Scheduler& scheduler;
         Language& language;
         Processes& processes;
         Desktop& desktop;
@@ -59,6 +64,9 @@ public:
     [[nodiscard]] SettingState stateOf(const QString& id) { return states()[id].value<SettingState>(); }
     [[nodiscard]] bool telegramConnected() const;
     [[nodiscard]] bool hasInstructions() const { return m_instructionsSize.has_value(); }
+
+    [[nodiscard]] SentModel* sent() const { return m_sent.get(); }
+    Q_INVOKABLE void closeSent();
 
     /// What a pane of the settings asks of the permissions; goes with the pane.
     Q_INVOKABLE [[nodiscard]] murmeli::PermissionsModel* permissionsFor(QObject* pane);
@@ -83,6 +91,7 @@ signals:
     void stored();            ///< by us
     void notStored();         ///< what was set
     void permissionsWanted(); ///< in sight
+    void sentChanged();
 
 private:
     /// The preference, or the default for a missing value, one of another type or one that is no option; of a
@@ -101,6 +110,7 @@ private:
     void touch();
 
     Ground m_ground;
+    std::unique_ptr<SentModel> m_sent;
     QList<SettingSection> m_sections;
     QVariantMap m_states; ///< empty until somebody looks
     QJsonObject m_seen;

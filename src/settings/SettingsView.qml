@@ -3,6 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Murmeli.Localisation
 import Murmeli.Permissions
+import Murmeli.Receipts
 import Murmeli.Settings
 import Murmeli.Ui
 
@@ -38,6 +39,8 @@ Rectangle {
     Scroller {
         id: scroll
         anchors.fill: parent
+        enabled: sent.wanted === null
+        visible: enabled
         head: 120 // the title
 
         Column {
@@ -106,6 +109,27 @@ Rectangle {
                 width: column.width
                 model: root.model.permissionsFor(root)
                 compact: true
+            }
+        }
+    }
+    Loader {
+        id: sent
+
+        readonly property SentModel wanted: root.model.sent
+
+        function show(): void {
+            if (wanted === null) source = "";
+            else setSource("qrc:/qt/qml/Murmeli/Receipts/SentPane.qml", { sent: wanted });
+        }
+
+        anchors.fill: parent
+        Component.onCompleted: show()
+        onWantedChanged: show()
+        onLoaded: (item as SentPane).focusFirst()
+        Connections {
+            target: sent.item as SentPane
+            function onClosed(): void {
+                root.model.closeSent();
             }
         }
     }

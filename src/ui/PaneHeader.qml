@@ -35,6 +35,7 @@ Item {
         Label {
             width: parent.width
             type: Theme.sub
+            visible: text.length > 0
             color: Theme.text3
             elide: Text.ElideRight
             text: root.line

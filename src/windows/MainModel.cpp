@@ -2,7 +2,10 @@
 
 #include "base/Text.h"
 #include "platform/Desktop.h"
+#include "receipts/Receipts.h"
 #include "service/Paths.h"
+
+#include <QFileInfo>
 
 #include <utility>
 
@@ -62,8 +65,9 @@ void MainModel::open(const QString& id)
     auto old = std::exchange(
         m_detail, std::make_unique<MeetingDetailModel>(
                       MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_drafts,
-                                                 m_ground.account, m_ground.http, m_writer, m_ground.desktop,
-                                                 m_ground.language, m_ground.scheduler, m_ground.webOrigin},
+                                                 m_ground.locks, m_ground.receipts, m_ground.account,
+                                                 m_ground.http, m_writer, m_ground.desktop, m_ground.language,
+                                                 m_ground.scheduler, m_ground.webOrigin},
                       *meeting, workOn(*meeting)));
     emit detailChanged();
     leave(std::move(old));
@@ -111,6 +115,14 @@ MeetingDetailModel::Work MainModel::workOn(const Meeting& meeting)
             [this, id = meeting.id, title = meeting.title, made = work.files.get()] {
                 const bool seen = m_onScreen && m_tab == Tab::Meetings && m_detail && m_detail->id() == id;
                 const bool saved = made->outcome() == ProtocolFileMaker::Outcome::Saved;
+                if (saved) {
+                    Receipt receipt = m_ground.receipts.begun();
+                    receipt.stem = id;
+                    receipt.kind = u"file"_s;
+                    receipt.to = QFileInfo{QFileInfo{made->lastBuilt()}.path()}.fileName();
+                    receipt.parts = QStringList{u"protocol"_s};
+                    m_ground.receipts.noteFile(receipt, made->lastBuilt());
+                }
                 if (!seen) emit fileEnded(text::oneLine(title), saved, made->message());
             });
     return m_work.insert(meeting.id, work).value();

@@ -44,6 +44,8 @@ public:
         RecordingMarks& marks;
         AuthManager& account;
         Http& http;
+        MeetingLocks& locks;
+        Receipts& receipts;
         Processes& processes;
         Desktop& desktop;
         const Language& language;

@@ -82,7 +82,8 @@ struct MainShot {
     bool homeless = false;                                    ///< marks are
     bool quiet = false;                                       ///< one voice only
     enum { NoChanges, Listed, Compared } changes = NoChanges; ///< of the protocol
-    QByteArray answer = {};                                   ///< to a remark; null: none is made
+    bool sent = false; ///< what has left the computer is listed: of the meeting, or in the settings of all
+    QByteArray answer = {}; ///< to a remark; null: none is made
     bool signedIn = true;
     bool protocol = true;
     QByteArray pdf = {}; ///< script of the build; null: none
@@ -129,6 +130,7 @@ QList<MainShot> mainShots(bool inRussian)
         {.name = u"transcript"_s, .detail = true, .marks = true, .transcript = true},
         {.name = u"detail-changes"_s, .detail = true, .changes = MainShot::Listed},
         {.name = u"detail-changes-compared"_s, .detail = true, .changes = MainShot::Compared},
+        {.name = u"detail-sent"_s, .detail = true, .sent = true},
         {.name = u"detail-no-protocol"_s, .detail = true, .protocol = false},
         {.name = u"detail-fixed-teach"_s,
          .detail = true,
@@ -145,6 +147,7 @@ QList<MainShot> mainShots(bool inRussian)
         {.name = u"assistant-empty"_s, .assistant = true},
         {.name = u"settings-tab"_s, .settings = true},
         {.name = u"settings-tab-unrolled"_s, .settings = true, .height = 1560},
+        {.name = u"settings-sent"_s, .sent = true, .settings = true},
         {.name = u"report"_s, .detail = true, .report = true},
         {.name = u"report-unrolled"_s, .detail = true, .report = true, .exact = false, .height = 2330},
         {.name = u"report-loading"_s, .detail = true, .report = true, .build = ""},
@@ -225,6 +228,45 @@ void changeProtocol(TestProgram& m, MainModel& model, bool ru)
     settle(200);
     m.scheduler.advance(20s);
     await([&] { return model.detail()->changes()->overwrittenCount() == 1; });
+}
+
+/// What was sent of a meeting, and besides.
+void noteSent(TestProgram& m, const QString& meeting)
+{
+    const QString host = u"https://murmeli.example"_s;
+    const auto note = [&](Receipt receipt, int minutesAgo) {
+        Receipt made = m.program.receipts.begun();
+        receipt.id = made.id;
+        receipt.time = made.time - minutesAgo * 60;
+        m.program.receipts.note(receipt);
+    };
+    note({.kind = u"version"_s, .to = host, .result = u"answered"_s, .status = 200}, 60 * 24 * 40);
+    note({.stem = meeting,
+          .kind = u"analysis"_s,
+          .to = host,
+          .bytes = 58'214,
+          .result = u"answered"_s,
+          .status = 200},
+         150);
+    note({.stem = meeting,
+          .kind = u"remark"_s,
+          .to = host,
+          .bytes = 3'902,
+          .items = 14,
+          .result = u"answered"_s,
+          .status = 200},
+         60);
+    note({.stem = meeting,
+          .kind = u"remark"_s,
+          .to = host,
+          .bytes = 3'911,
+          .items = 14,
+          .result = u"failed"_s,
+          .reason = u"offline"_s},
+         57);
+    note({.stem = meeting, .kind = u"clipboard"_s, .to = u"clipboard"_s, .bytes = 24'048}, 22);
+    note({.stem = meeting, .kind = u"file"_s, .to = u"Downloads"_s, .bytes = 24'048}, 20);
+    settle(300);
 }
 
 /// Sets a property of the views that have it.
@@ -324,6 +366,11 @@ bool shoot(const MainShot& shot, const Frame& frame)
         model.detail()->openSheet(MeetingDetailModel::Sheet::Changes);
         model.detail()->changes()->setComparing(shot.changes == MainShot::Compared);
     }
+    if (shot.sent) noteSent(m, shot.detail ? model.detail()->id() : model.store()->list()->idAt(1));
+    if (shot.sent && shot.detail) {
+        model.detail()->setLocked(true);
+        model.detail()->openSheet(MeetingDetailModel::Sheet::Sent);
+    }
     if (!shot.answer.isNull()) {
         model.detail()->setDraft(u"Срок по текстам — среда"_s);
         model.detail()->sendRemark();
@@ -342,6 +389,10 @@ bool shoot(const MainShot& shot, const Frame& frame)
     }
     if (shot.assistant) model.setTab(MainModel::Tab::Assistant);
     if (shot.settings) model.setTab(MainModel::Tab::Settings);
+    if (shot.sent && shot.settings) {
+        settle(300);
+        m.settings.run(settingAction::ShowSent, nullptr);
+    }
     if (shot.dirty)
         model.assistant()->add(frame.language == "ru"_L1 ? u"тау кит"_s : u"tow kit"_s, u"Tau Kit"_s);
     if (shot.teach) setInViews(window, "teaching", true);

@@ -202,6 +202,7 @@ private slots:
             m->write(m->paths.userInstructions, before);
             const QString chosen = m->home.filePath(u"rules.md"_s);
             m->write(chosen, content);
+            QTRY_VERIFY(m->program.own.isKnown()); // which the settings tell of too
             QSignalSpy changed{&m->settings, &SettingsModel::changed};
             m->settings.loadInstructions(chosen);
             QVERIFY(changed.wait());

@@ -1,0 +1,185 @@
+#include "SentModel.h"
+
+#include "Receipts.h"
+#include "base/Background.h"
+#include "base/Dates.h"
+#include "base/Scheduler.h"
+#include "base/Text.h"
+#include "localisation/Language.h"
+#include "meetings/MeetingCaptions.h"
+
+#include <QUrl>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+namespace {
+
+constexpr int rowRole = Qt::UserRole;
+constexpr qsizetype mostRows = 2000;
+constexpr qsizetype longestName = 120; // characters of what stands in a file that somebody may have changed
+
+QString symbolOf(const QString& kind)
+{
+    if (kind == "analysis"_L1) return u"doc.text"_s;
+    if (kind == "remark"_L1) return u"pencil"_s;
+    if (kind == "glossary"_L1) return u"brain"_s;
+    if (kind == "clipboard"_L1) return u"doc.on.doc"_s;
+    if (kind == "file"_L1) return u"square.and.arrow.down"_s;
+    if (kind == "mail"_L1) return u"paperplane"_s;
+    return kind == "version"_L1 ? u"arrow.down.circle"_s : u"person.crop.circle"_s;
+}
+
+QString titleOf(const Receipt& receipt, const QString& language)
+{
+    static const QStringList known{u"analysis"_s, u"glossary"_s, u"clipboard"_s, u"file"_s,
+                                   u"mail"_s,     u"account"_s,  u"device"_s,    u"version"_s};
+    if (receipt.kind == "glossary"_L1 && receipt.bytes == 0)
+        return Language::text(language, u"sent.glossary_read"_s);
+    if (receipt.kind == "remark"_L1) return Language::count(language, u"sent.remark"_s, receipt.items);
+    if (known.contains(receipt.kind)) return Language::text(language, u"sent."_s + receipt.kind);
+    return text::shortened(text::oneLine(receipt.kind), longestName);
+}
+
+QString placeOf(const Receipt& receipt, const QString& language)
+{
+    if (receipt.to == "clipboard"_L1) return Language::text(language, u"sent.to_clipboard"_s);
+    if (receipt.to == "mail"_L1) return Language::text(language, u"sent.to_mail"_s);
+    if (receipt.to == "menu"_L1) return Language::text(language, u"sent.to_menu"_s);
+    const QUrl url{receipt.to};
+    const QString host = url.host().isEmpty() ? receipt.to : url.authority();
+    return text::shortened(text::oneLine(host), longestName);
+}
+
+QString resultOf(const Receipt& receipt, const QString& language)
+{
+    const auto say = [&](const char* key) { return Language::text(language, QString::fromLatin1(key)); };
+    if (receipt.result == "answered"_L1) return say("sent.answered");
+    if (receipt.result == "refused"_L1) return say("sent.refused");
+    if (receipt.result == "begun"_L1) return say("sent.begun");
+    if (receipt.result != "failed"_L1) return {};
+    if (receipt.reason == "offline"_L1) return say("sent.offline");
+    if (receipt.reason == "timeout"_L1) return say("sent.timeout");
+    if (receipt.reason == "tls"_L1) return say("sent.tls");
+    if (receipt.reason == "cancelled"_L1) return say("sent.cancelled");
+    return Language::text(language, u"sent.status"_s, QString::number(receipt.status));
+}
+
+QString dashless(const QStringList& parts)
+{
+    QStringList filled = parts;
+    filled.removeAll({});
+    return filled.join(u", "_s);
+}
+
+} // namespace
+
+SentModel::SentModel(const Receipts& receipts, const Language& language, const Scheduler& scheduler,
+                     QString stem, QObject* parent)
+    : QAbstractListModel(parent),
+      m_files(receipts.files()),
+      m_language(language),
+      m_scheduler(scheduler),
+      m_stem(std::move(stem))
+{
+    connect(&receipts, &Receipts::changed, this, &SentModel::load);
+    connect(&language, &Language::changed, this, [this] {
+        if (!m_rows.isEmpty()) emit dataChanged(index(0), index(int(m_rows.size()) - 1));
+    });
+}
+
+SentModel::~SentModel() = default;
+
+void SentModel::load()
+{
+    const auto read = [files = m_files, stem = m_stem] { return files.of(stem); };
+    inBackground(m_load.renew(), read, [this](const ReceiptFiles::Read& read) {
+        m_loaded = true;
+        m_unreadable = read.unreadable;
+        m_total = int(read.receipts.size());
+        if (const QList<Row> rows = rowsOf(read.receipts); rows != m_rows) {
+            beginResetModel();
+            m_rows = rows;
+            endResetModel();
+        }
+        emit changed();
+    });
+}
+
+QList<SentModel::Row> SentModel::rowsOf(const QList<Receipt>& receipts) const
+{
+    QList<Row> rows;
+    qsizetype heading = -1;
+    QString month;
+    for (const Receipt& receipt : receipts) {
+        const QString its = dates::iso8601(receipt.time).left(7);
+        if (m_stem.isEmpty() && (heading < 0 || its != month)) {
+            if (!rows.isEmpty()) rows.last().last = true;
+            heading = rows.size();
+            month = its;
+            rows.append({.month = Month{.time = receipt.time}, .receipt = {}});
+        }
+        const bool first = rows.isEmpty() || rows.last().month;
+        if (heading >= 0) {
+            ++rows[heading].month->receipts;
+            rows[heading].month->bytes += receipt.bytes;
+        }
+        if (rows.size() < mostRows) rows.append({.month = {}, .receipt = receipt, .first = first});
+    }
+    if (!rows.isEmpty()) rows.last().last = true;
+    return rows;
+}
+
+SentRow SentModel::drawn(const Month& month) const
+{
+    const QString language = m_language.current();
+    const QString name =
+        dates::bySkeleton(QDateTime::fromSecsSinceEpoch(qint64(month.time)), language, u"yyyyLLLL"_s);
+    SentRow shown;
+    shown.heading = true;
+    shown.title = text::capitalizedFirst(name);
+    shown.line = Language::count(language, u"sent.times"_s, month.receipts);
+    if (month.bytes > 0)
+        shown.line += Language::text(language, u"common.dot"_s) + Language::size(language, month.bytes);
+    shown.spoken = shown.title + u". "_s + shown.line;
+    return shown;
+}
+
+SentRow SentModel::drawn(const Row& row) const
+{
+    if (row.month) return drawn(*row.month);
+    const QString language = m_language.current();
+    const Receipt& receipt = row.receipt;
+    const QString when = captions::moment(QDateTime::fromSecsSinceEpoch(qint64(receipt.time)),
+                                          m_scheduler.moment().date(), language);
+    const QString place = placeOf(receipt, language);
+    SentRow shown;
+    shown.first = row.first;
+    shown.last = row.last;
+    shown.symbol = symbolOf(receipt.kind);
+    shown.title = titleOf(receipt, language);
+    shown.line = place.isEmpty() ? when : when + u" → "_s + place;
+    if (m_stem.isEmpty() && !receipt.stem.isEmpty())
+        shown.line += Language::text(language, u"common.dot"_s) +
+                      text::shortened(text::oneLine(receipt.stem), longestName);
+    if (receipt.bytes > 0) shown.size = Language::count(language, u"sent.bytes"_s, receipt.bytes);
+    shown.result = resultOf(receipt, language);
+    shown.good = receipt.result == "answered"_L1;
+    shown.spoken = dashless({shown.title, shown.line, shown.size, shown.result});
+    return shown;
+}
+
+int SentModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : int(m_rows.size()); }
+
+QVariant SentModel::data(const QModelIndex& index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid) || role != rowRole) return {};
+    return QVariant::fromValue(drawn(m_rows[index.row()]));
+}
+
+QHash<int, QByteArray> SentModel::roleNames() const { return {{rowRole, "row"}}; }
+
+} // namespace murmeli
