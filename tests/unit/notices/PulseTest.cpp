@@ -5,6 +5,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QThreadPool>
 
 using namespace Qt::StringLiterals;
 using namespace murmeli;
@@ -48,6 +49,9 @@ private slots:
         m->scheduler.advance(4s);
         QCOMPARE(pulse().trouble(), quietUntil > 0 ? Trouble::Silent : Trouble::None);
         m->serviceBeats(1, 1);
+        QCOMPARE(pulse().trouble(), Trouble::None);
+        m->scheduler.sleep(3600s); // in which nobody wrote
+        m->scheduler.advance(3s);
         QCOMPARE(pulse().trouble(), Trouble::None);
     }
 
@@ -137,6 +141,11 @@ private slots:
         *m->freeBytes = Pulse::leastFree - 1;
         m->scheduler.advance(30s);
         QTRY_VERIFY(pulse().diskRunsOut());
+        for (int looks = 0; looks < 3; ++looks) {
+            m->scheduler.advance(30s);
+            QThreadPool::globalInstance()->waitForDone();
+            QCoreApplication::processEvents();
+        }
         pulse().dismissDisk();
         m->scheduler.advance(300s);
         QVERIFY(!pulse().diskRunsOut());

@@ -143,6 +143,8 @@ private slots:
         QTRY_COMPARE((m->scheduler.advance(1s), settled()), u"sync"_s);
         write(u"late"_s, at(0), R"("title":"Новая")", "Транскрипт\n[00:00:01] Анна: о смете\n");
         QTRY_COMPARE((m->scheduler.advance(20s), settled()), u"late sync"_s);
+        m->program.index.measure();
+        QTRY_COMPARE(m->program.index.meetings(), 3); // without the one that has gone
     }
 
     void itIsBuiltWhenThereIsPeaceAndSpace()
