@@ -3,6 +3,7 @@
 
 #include "meetings/MeetingStore.h"
 #include "meetings/ProtocolFinder.h"
+#include "report/QuoteCheck.h"
 #include "report/ReportLoader.h"
 #include "support/TestProgram.h"
 #include "transcript/TranscriptModel.h"
@@ -180,6 +181,39 @@ void measureReport(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
         "ms", 16.7);
 }
 
+/// Off the main thread, though measured on it.
+void measureQuotes()
+{
+    quint32 random = 1;
+    const auto word = [&random] {
+        random = random * 1'664'525U + 1'013'904'223U;
+        return u"слово%1 "_s.arg(random >> 20U);
+    };
+    QString text;
+    for (int line = 0; line < 1'000; ++line) {
+        text += u"[%1:%2:%3] Анна: "_s.arg(line / 900).arg(line / 15 % 60).arg(line % 15 * 4);
+        for (int i = 0; i < 20; ++i)
+            text += word();
+        text += u'\n';
+    }
+    QList<ReportRow> rows;
+    for (int i = 0; i < 60; ++i) {
+        Commitment claim;
+        claim.at = u"[0:%1:00]"_s.arg(i);
+        for (int j = 0; j < 14; ++j)
+            claim.quote += word();
+        rows.append({.value = claim});
+    }
+    const Transcript transcript{text};
+    const double time = median(3, [&] {
+        QElapsedTimer timer;
+        timer.start();
+        std::ignore = QuoteFindings::of(transcript, rows);
+        return double(timer.nsecsElapsed()) / 1e6;
+    });
+    row("comparing 60 quotations with 20 000 words", time, "ms", 300);
+}
+
 void measureTranscript(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
 {
     const Meeting meeting{
@@ -236,5 +270,6 @@ int main(int argc, char* argv[])
     measureList(m, engine, window);
     measureReport(m, engine, window);
     measureTranscript(m, engine, window);
+    measureQuotes();
     return 0;
 }

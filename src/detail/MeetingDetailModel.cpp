@@ -60,7 +60,11 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
     m_sent.load();
     ground.locks.look(meeting.id);
     connect(&ground.locks, &MeetingLocks::changed, this, [this](const QString& id) {
-        if (id == m_meeting.id) emit lockedChanged();
+        if (id != m_meeting.id) return;
+        emit lockedChanged();
+        if (!m_ground.locks.wasRead(id)) return;
+        for (const auto& work : std::exchange(m_waiting, {}))
+            work();
     });
     connect(&m_report, &ReportLoader::momentWanted, this, &MeetingDetailModel::openTranscript);
     connect(&ground.store, &MeetingStore::scanned, this, [this] {
@@ -170,7 +174,7 @@ void MeetingDetailModel::sendRemark()
     const QString remark = draft();
     if (text::trimmed(remark).isEmpty()) return;
     m_changes.forgetMessage();
-    m_work.editor->apply(remark, m_meeting);
+    onceLockIsKnown([this, remark] { m_work.editor->apply(remark, m_meeting); });
 }
 
 void MeetingDetailModel::undoLast()
@@ -234,6 +238,15 @@ void MeetingDetailModel::noteHandedOut(const QString& kind, const QString& to, c
     receipt.to = to;
     receipt.parts = QStringList{u"protocol"_s};
     m_ground.receipts.noteFile(receipt, path);
+}
+
+void MeetingDetailModel::onceLockIsKnown(const std::function<void()>& work)
+{
+    if (m_ground.locks.wasRead(m_meeting.id)) {
+        work();
+    } else {
+        m_waiting.append(work);
+    }
 }
 
 bool MeetingDetailModel::locked() const
@@ -316,6 +329,9 @@ void MeetingDetailModel::closeTranscript()
     m_transcript.close();
 }
 
-void MeetingDetailModel::buildReport() { m_report.build(m_meeting); }
+void MeetingDetailModel::buildReport()
+{
+    onceLockIsKnown([this] { m_report.build(m_meeting); });
+}
 
 } // namespace murmeli

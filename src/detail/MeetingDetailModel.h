@@ -20,6 +20,7 @@
 #include <QWindow>
 #include <QtQml/qqmlregistration.h>
 
+#include <functional>
 #include <memory>
 
 namespace murmeli {
@@ -197,6 +198,8 @@ private:
     /// Reads the file; what was corrected in it is marked then.
     void load(const std::optional<Correction>& correction = {});
     void noteHandedOut(const QString& kind, const QString& to, const QString& path);
+    /// Runs once it is known whether the meeting is locked: what has just been opened is not refused.
+    void onceLockIsKnown(const std::function<void()>& work);
     void showWanted();
     void take(const Content& content, const std::optional<Correction>& correction);
 
@@ -219,6 +222,7 @@ private:
     Sheet m_sheet = Sheet::None;
     std::optional<std::pair<QString, qsizetype>> m_wanted; ///< item of the protocol
     ViewMemory m_views{nullptr};
+    QList<std::function<void()>> m_waiting; ///< for the lock
     bool m_edited = false;
     bool m_loaded = false;
 };

@@ -551,6 +551,18 @@ const std::array<Text, ownTextCount> englishOwn = {{
     {"sent.times.few", u"%@ times"},
     {"sent.times.many", u"%@ times"},
     {"sent.glossary_read", u"A request for the assistant’s glossary"},
+    {"quote.exact", u"Word for word in the transcript"},
+    {"quote.similar", u"Similar to what was said — differences are marked"},
+    {"quote.elsewhere", u"Not at this moment. Closest: %@"},
+    {"quote.none", u"No such words in the transcript"},
+    {"quote.no_transcript", u"No transcript — nothing to compare the quotations with"},
+    {"quote.other_speaker", u"Somebody else said this: %@"},
+    {"quote.no_such_moment", u"The transcript has no such moment"},
+    {"quote.sum", u"Quotations: %@"},
+    {"quote.sum.exact", u"word for word %@"},
+    {"quote.sum.similar", u"similar %@"},
+    {"quote.sum.elsewhere", u"elsewhere %@"},
+    {"quote.sum.none", u"not found %@"},
 }};
 
 } // namespace murmeli::texts

@@ -549,6 +549,18 @@ const std::array<Text, ownTextCount> russianOwn = {{
     {"sent.times.few", u"%@ отправки"},
     {"sent.times.many", u"%@ отправок"},
     {"sent.glossary_read", u"Запрос словаря помощника"},
+    {"quote.exact", u"Дословно в расшифровке"},
+    {"quote.similar", u"Похоже на сказанное — отличия выделены"},
+    {"quote.elsewhere", u"У этого времени таких слов нет. Ближе всего — %@"},
+    {"quote.none", u"В расшифровке таких слов не нашлось"},
+    {"quote.no_transcript", u"Расшифровки нет — цитаты не с чем сравнить"},
+    {"quote.other_speaker", u"Эти слова сказал другой человек: %@"},
+    {"quote.no_such_moment", u"Такого времени в расшифровке нет"},
+    {"quote.sum", u"Цитат: %@"},
+    {"quote.sum.exact", u"дословно %@"},
+    {"quote.sum.similar", u"похоже %@"},
+    {"quote.sum.elsewhere", u"в другом месте %@"},
+    {"quote.sum.none", u"не нашлось %@"},
 }};
 
 } // namespace murmeli::texts

@@ -29,6 +29,11 @@ MeetingLocks::MeetingLocks(const Paths& paths, const OwnSettings& settings, QObj
 
 MeetingLocks::~MeetingLocks() = default;
 
+bool MeetingLocks::wasRead(const QString& meeting) const
+{
+    return m_settings.wasRead() && m_locks.contains(meeting);
+}
+
 bool MeetingLocks::isReadable(const QString& meeting) const
 {
     const auto lock = m_locks.constFind(meeting);

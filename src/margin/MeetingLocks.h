@@ -24,8 +24,8 @@ public:
 
     /// From memory.
     [[nodiscard]] bool isLocked(const QString& meeting) const;
-    /// Whether the margin was looked at, so that it can be told.
-    [[nodiscard]] bool wasRead(const QString& meeting) const { return m_locks.contains(meeting); }
+    /// Whether margin and settings were looked at, so that it can be told.
+    [[nodiscard]] bool wasRead(const QString& meeting) const;
     /// Whether the margin can be changed.
     [[nodiscard]] bool isReadable(const QString& meeting) const;
 

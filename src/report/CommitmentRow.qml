@@ -8,6 +8,7 @@ ClaimCard {
     id: root
 
     required property commitment value
+    required property quoteFinding finding
 
     stamps: value.stamps
     stampsBelow: true
@@ -34,6 +35,11 @@ ClaimCard {
         font.italic: true
         color: Theme.text2
         text: root.value.quote
+    }
+    QuoteLine {
+        width: root.width
+        finding: root.finding
+        loader: root.loader
     }
     SelectableText {
         width: root.width

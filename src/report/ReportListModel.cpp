@@ -2,13 +2,15 @@
 
 #include "base/Text.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
 namespace {
 
-enum Role { Kind = Qt::UserRole, Value, Claim, First, Last, Stamps };
+enum Role { Kind = Qt::UserRole, Value, Claim, First, Last, Stamps, Finding };
 
 /// What a view of that kind takes: a heading and a note are their keys, all others values of their own type.
 QVariant forViews(const ReportRow& row)
@@ -30,7 +32,14 @@ void ReportListModel::setRows(const QList<ReportRow>& rows)
     if (rows == m_rows) return;
     beginResetModel();
     m_rows = rows;
+    m_findings = {};
     endResetModel();
+}
+
+void ReportListModel::setFindings(const QuoteFindings& findings)
+{
+    if (std::exchange(m_findings, findings) == findings || m_rows.isEmpty()) return;
+    emit dataChanged(index(0), index(int(m_rows.size()) - 1), {Finding});
 }
 
 int ReportListModel::neighbour(int row, int step) const
@@ -82,6 +91,8 @@ QVariant ReportListModel::data(const QModelIndex& index, int role) const
         return row.last;
     case Stamps:
         return row.stamps();
+    case Finding:
+        return QVariant::fromValue(m_findings.byRow.value(index.row()));
     default:
         return {};
     }
@@ -89,8 +100,8 @@ QVariant ReportListModel::data(const QModelIndex& index, int role) const
 
 QHash<int, QByteArray> ReportListModel::roleNames() const
 {
-    return {{Kind, "kind"},   {Value, "value"}, {Claim, "claim"},
-            {First, "first"}, {Last, "last"},   {Stamps, "stamps"}};
+    return {{Kind, "kind"}, {Value, "value"},   {Claim, "claim"},    {First, "first"},
+            {Last, "last"}, {Stamps, "stamps"}, {Finding, "finding"}};
 }
 
 } // namespace murmeli

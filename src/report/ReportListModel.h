@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ReportRow.h"
+#include "QuoteCheck.h"
 
 #include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
@@ -18,6 +18,10 @@ public:
 
     void setRows(const QList<ReportRow>& rows);
     [[nodiscard]] const QList<ReportRow>& rows() const { return m_rows; }
+
+    /// What the quotations in these rows were found to be.
+    void setFindings(const QuoteFindings& findings);
+    [[nodiscard]] const QuoteFindings& findings() const { return m_findings; }
 
     /// The next row after `row` in the direction of `step` (1, -1) that is a claim; `row` when there is none.
     Q_INVOKABLE [[nodiscard]] int neighbour(int row, int step) const;
@@ -37,6 +41,7 @@ public:
 
 private:
     QList<ReportRow> m_rows;
+    QuoteFindings m_findings;
 };
 
 } // namespace murmeli

@@ -7,6 +7,7 @@
 #include "base/Json.h"
 #include "base/Scheduler.h"
 #include "base/Text.h"
+#include "localisation/DrawnDifference.h"
 #include "localisation/Language.h"
 #include "meetings/Hearing.h"
 #include "meetings/MeetingCaptions.h"
@@ -18,6 +19,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -103,6 +105,35 @@ void ReportLoader::show(const std::optional<Analysis>& analysis, const Transcrip
     if (rows != m_rows.rows()) m_rows.setRows(rows);
     if (quotation() != said) emit openStampChanged(); // it may be known only now
     emit changed();
+    checkQuotes();
+}
+
+void ReportLoader::checkQuotes()
+{
+    const QList<ReportRow>& rows = m_rows.rows();
+    if (std::ranges::none_of(rows, [](const ReportRow& row) { return !row.stamps().isEmpty(); })) {
+        m_check.end();
+        return;
+    }
+    inBackground(
+        m_check.renew(), [lines = m_lines, rows] { return QuoteFindings::of(lines, rows); },
+        [this](const QuoteFindings& findings) {
+            m_rows.setFindings(findings);
+            ++m_checks;
+            emit checked();
+        });
+}
+
+QString ReportLoader::quoteSum(const QString& language, int) const { return m_rows.findings().sum(language); }
+
+QString ReportLoader::spokenDifference(const QuoteFinding& finding, const QString& language)
+{
+    return finding.lead() + drawnDifference::spoken(finding.pieces, language);
+}
+
+bool ReportLoader::isOutside(const QString& stamp, int) const
+{
+    return m_rows.findings().outside.contains(stamp);
 }
 
 void ReportLoader::load(const Meeting& meeting)

@@ -39,6 +39,7 @@ class ReportLoader final : public QObject {
         QString openStamp READ openStamp NOTIFY openStampChanged FINAL) ///< whose quotation is unfolded
     Q_PROPERTY(int wantedRow READ wantedRow WRITE setWantedRow NOTIFY wantedRowChanged FINAL) ///< to be shown
                                                                                               ///< next, or -1
+    Q_PROPERTY(int checks READ checks NOTIFY checked FINAL) ///< comparisons of quotations so far
     Q_PROPERTY(QStringList quotation READ quotation NOTIFY openStampChanged FINAL)
 
 public:
@@ -87,10 +88,20 @@ public:
     Q_INVOKABLE void toggle(const QString& stamp);
     /// To the open stamp in the transcript.
     Q_INVOKABLE void goToMoment() { emit momentWanted(m_openStamp); }
+    Q_INVOKABLE void goTo(const QString& stamp) { emit momentWanted(stamp); }
     [[nodiscard]] QString openStamp() const { return m_openStamp; }
 
     /// What was said at the open stamp, the line before and the line after it; empty when that is not known.
     [[nodiscard]] QStringList quotation() const;
+
+    [[nodiscard]] int checks() const { return m_checks; }
+    /// What the comparison of all quotations has shown, in `language`; after so many of them.
+    Q_INVOKABLE [[nodiscard]] QString quoteSum(const QString& language, int checks) const;
+    /// How a quotation differs from what was said, as it is read out.
+    Q_INVOKABLE [[nodiscard]] static QString spokenDifference(const murmeli::QuoteFinding& finding,
+                                                              const QString& language);
+    /// Whether the transcript has no such moment.
+    Q_INVOKABLE [[nodiscard]] bool isOutside(const QString& stamp, int checks) const;
 
     /// Puts what the claim in a row says on the clipboard; nothing when the row is none.
     Q_INVOKABLE void copy(int row);
@@ -107,6 +118,7 @@ signals:
     void changed();
     void openStampChanged();
     void wantedRowChanged();
+    void checked();
     void momentWanted(const QString& stamp);
 
 private:
@@ -114,6 +126,7 @@ private:
 
     void unfold(const QString& stamp);
     void show(const std::optional<Analysis>& analysis, const Transcript& lines);
+    void checkQuotes();
     void fail(const Message& error);
     void ask(const Meeting& meeting, const QString& transcript, const Transcript& lines,
              const QString& token);
@@ -129,6 +142,8 @@ private:
     bool m_asked = false;
     bool m_busy = false; ///< from the press to the answer
     Lease m_load;
+    Lease m_check;
+    int m_checks = 0;
 };
 
 } // namespace murmeli

@@ -258,6 +258,7 @@ Item {
             required property bool first
             required property bool last
             required property var stamps
+            required property quoteFinding finding
 
             width: list.width
             height: view.implicitHeight
@@ -288,6 +289,7 @@ Item {
                 first: place.first
                 last: place.last
                 stamps: place.stamps
+                finding: place.finding
                 loader: root.loader
                 growth: list.growth
                 spoken: root.loader.rows.spoken(place.index, L.language)

@@ -13,6 +13,7 @@ Item {
     required property bool first // on its card
     required property bool last
     required property var stamps
+    required property quoteFinding finding
     required property ReportLoader loader
     required property real growth // of bars, from 0 to 1
     required property string spoken
@@ -101,13 +102,26 @@ Item {
     // qmllint disable unqualified
     Component {
         id: heading
-        Label {
-            topPadding: 22
-            bottomPadding: 10
-            type: Theme.overline
-            color: Theme.text3
-            text: L.t(root.value)
-            Accessible.role: Accessible.Heading
+        Item {
+            implicitHeight: name.height
+            Label {
+                id: name
+                topPadding: 22
+                bottomPadding: 10
+                type: Theme.overline
+                color: Theme.text3
+                text: L.t(root.value)
+                Accessible.role: Accessible.Heading
+            }
+            Label {
+                anchors { right: parent.right; left: name.right; leftMargin: Theme.padPanel; baseline: name.baseline }
+                horizontalAlignment: Text.AlignRight
+                visible: root.value === "report.commitments" && text.length > 0
+                type: Theme.caption
+                color: Theme.text3
+                text: visible || root.value === "report.commitments" ? root.loader.quoteSum(L.language, root.loader.checks) : ""
+                Accessible.role: Accessible.StatusBar
+            }
         }
     }
     Component {
@@ -128,7 +142,7 @@ Item {
     Component { id: metric; MetricRow { value: root.value; growth: root.growth } }
     Component { id: blocker; Bullet { text: root.value.what } }
     Component { id: insight; InsightRow { value: root.value; loader: root.loader } }
-    Component { id: commitment; CommitmentRow { value: root.value; loader: root.loader } }
+    Component { id: commitment; CommitmentRow { value: root.value; loader: root.loader; finding: root.finding } }
     Component { id: disagreement; DisagreementRow { value: root.value; loader: root.loader } }
     Component { id: agenda; AgendaRow { value: root.value; loader: root.loader } }
     Component { id: number; NumberRow { value: root.value; loader: root.loader } }

@@ -10,8 +10,10 @@ Button {
 
     required property string stamp
     required property ReportLoader loader
-    readonly property bool open: visible && loader.openStamp === stamp
+    property bool travels: false // to the transcript, else what was said unfolds here
+    readonly property bool open: visible && !travels && loader.openStamp === stamp
     readonly property bool stop: visible // of the keyboard
+    readonly property bool nowhere: loader.isOutside(stamp, loader.checks) // in the transcript
 
     implicitHeight: Theme.grown(20)
     leftPadding: 8
@@ -19,8 +21,9 @@ Button {
     topPadding: 0
     bottomPadding: 0
     text: stamp.length > 40 ? stamp.substring(0, 40) + "…" : stamp
+    opacity: nowhere ? Theme.disabledOpacity : 1
     hoverEnabled: true
-    onClicked: loader.toggle(stamp)
+    onClicked: travels ? loader.goTo(stamp) : loader.toggle(stamp)
     focusPolicy: Qt.NoFocus // the pane leads the keyboard from one to the next
     containmentMask: QtObject { // larger than it looks
         function contains(point: point): bool {
@@ -30,7 +33,8 @@ Button {
     Accessible.focusable: true
     Accessible.role: Accessible.Button
     Accessible.name: L.t("report.stamp.name", loader.spoken(stamp, L.language))
-    Accessible.checkable: true
+    Accessible.description: nowhere ? L.t("quote.no_such_moment") : ""
+    Accessible.checkable: !travels
     Accessible.checked: open
     Accessible.onPressAction: root.clicked()
     Accessible.onToggleAction: root.clicked()
@@ -57,7 +61,7 @@ Button {
         active: root.hovered
         sourceComponent: HelpTip {
             wanted: root.hovered && !root.pressed
-            text: L.t("report.stamp.help")
+            text: root.nowhere ? L.t("quote.no_such_moment") : L.t("report.stamp.help")
         }
     }
     // qmllint enable unqualified

@@ -32,7 +32,8 @@ void OwnSettings::load()
                  [this](const OwnFile::Content& content) {
                      const bool news = std::exchange(m_values, content.object) != content.object;
                      const bool known = std::exchange(m_known, !content.unreadable) != !content.unreadable;
-                     if (news || known) emit changed();
+                     const bool first = !std::exchange(m_read, true);
+                     if (first || news || known) emit changed();
                  });
 }
 

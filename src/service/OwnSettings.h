@@ -28,7 +28,8 @@ public:
     /// What holds for this run; the default until the file has been read.
     [[nodiscard]] bool get(const PrefKey<bool>& key) const;
 
-    /// Whether the file has been read, so that what it forbids is known.
+    /// Whether it was tried to read the file, and whether what it forbids is known.
+    [[nodiscard]] bool wasRead() const { return m_read; }
     [[nodiscard]] bool isKnown() const { return m_known; }
 
     /// Counts at once, and is written then.
@@ -44,6 +45,7 @@ signals:
 private:
     OwnFile m_file;
     QJsonObject m_values;
+    bool m_read = false;
     bool m_known = false;
     QThreadPool m_disk; ///< one thread, so that the latest value is the last one
 };
