@@ -10,6 +10,7 @@ from scene import Language, Line, Scene, Team
 
 LONG_PAUSE_SECONDS = 10.0
 PAUSE_SECONDS = 2.0
+QUOTED = ("exact", "changed", "elsewhere", "exact", "invented", "somebody else")
 
 
 @dataclass(frozen=True)
@@ -142,6 +143,21 @@ class Composer:
             self.nod(line, cast)
         self.note(topic, cast, dues, fill, said, first.stamp)
 
+    def quoted(self, turn: Turn, cast: dict[str, str]) -> dict:
+        """What an analysis quotes: mostly as it was said, now and then as a language model gets it wrong."""
+        quote = {"quote": turn.text, "at": turn.stamp}
+        way = QUOTED[len(self.report["commitments"]) % len(QUOTED)]
+        if way == "changed":
+            words = turn.text.split()
+            quote["quote"] = " ".join(word for place, word in enumerate(words) if place % 5 != 3)
+        elif way == "elsewhere":
+            quote["at"] = self.meeting.turns[0].stamp
+        elif way == "invented":
+            quote["quote"] = self.phrase("invented")
+        elif way == "somebody else":
+            quote["who"] = next(name for name in cast.values() if name != turn.speaker)
+        return quote
+
     def nod(self, line: Line, cast: dict[str, str]) -> None:
         if line.text.endswith(".") and not line.tags and self.rng.random() < 0.06:
             self.say(cast[self.rng.choice([role for role in "ABCD" if role != line.role])], self.phrase("nod"))
@@ -156,8 +172,7 @@ class Composer:
             owner, when = cast[task.owner], self.language.due(due) if due else None
             meeting.action_items.append({"task": fill(task.text), "owner": owner, "due": when})
             report["commitments"].append({
-                "who": owner, "what": fill(task.text), "due": when, "quote": said[tag].text,
-                "at": said[tag].stamp, "firmness": "твёрдое" if task.firm else "с оговоркой",
+                "who": owner, "what": fill(task.text), "due": when, **self.quoted(said[tag], cast), "firmness": "твёрдое" if task.firm else "с оговоркой",
                 "definition_of_done": task.done_when and fill(task.done_when)})
         # The interface knows these statuses by their Russian beginnings, whatever the meeting's language.
         left_open = topic.question and not topic.decision

@@ -613,6 +613,7 @@ LANGUAGE = Language(
         "agenda": ("Today we have: {topics}.", "Here is the list: {topics}.", "In this order, please: {topics}."),
         "next": ("Moving on. Next is: {topic}.", "That's clear. Now: {topic}.", "Good. The next one: {topic}.",
                  "Noted. Then we have: {topic}."),
+        "invented": ("I will report to the board before the holidays.", "I will buy all of it myself by Monday."),
         "nod": ("Exactly.", "I agree.", "Makes sense.", "Mm-hm.", "That's right."),
         "postpone": ("No time left for the last one: {topic}. We'll move it.",
                      "One thing we won't manage today: {topic}. We'll begin with it next time."),
