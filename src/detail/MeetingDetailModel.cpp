@@ -187,6 +187,7 @@ void MeetingDetailModel::undoLast()
 void MeetingDetailModel::openSheet(Sheet sheet)
 {
     if (std::exchange(m_sheet, sheet) == sheet) return;
+    m_changes.forgetMessage(); // the list tells what has become of each
     if (sheet == Sheet::Changes) m_changes.load(m_meeting);
     emit sheetChanged();
 }

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import json
 import shutil
 import subprocess
 from pathlib import Path
@@ -152,3 +153,33 @@ class Protocol(JourneyTest):
         session.screen.key("Escape", "Escape")
         session.tree.wait_gone("text", "Поиск в расшифровке")
         wait_for(lambda: session.tree.focus_is_on("Расшифровка"), "the link to have the keyboard again")
+
+    def test_a_change_is_taken_back_and_a_meeting_locked_by_the_keyboard_alone(self):
+        session, _ = self.open_protocol()
+        session.screen.key("Escape")
+        wait_list(session)
+        stem, own, before = "2026-03-03 10-00-00", session.home / ".local/share/murmeli", "Красим лодки в красный."
+        (own / "edits").mkdir(parents=True)
+        begun = {"v": 1, "id": "1", "t": "2026-03-04T10:00:00Z", "kind": "remark", "section": "decisions", "index": 0,
+                 "before": before, "after": DECISION, "remark": "в зелёный", "step": "begun"}
+        (own / "edits" / f"{stem}.jsonl").write_text(json.dumps(begun) + '\n{"v":1,"id":"1","step":"done"}\n')
+        open_meeting(session, TITLE)
+        session.tree.wait("push button", "Правки: 1")
+        session.tab_to("Правки: 1")
+        session.screen.key("space")
+        undo = session.tree.wait("push button", lambda name: name.startswith("Отменить правку: Решения, ")).name
+        self.assertIn("убрано: красный, вставлено: зелёный", undo)
+        session.tab_to(undo)
+        session.screen.key("Return")
+        session.tree.wait("push button", lambda name: name.startswith("Вернуть правку: Решения, "))
+        self.assertIn(before, (session.notes / "logs" / f"{stem}.protocol.json").read_text())
+        session.screen.key("Escape")
+        wait_for(lambda: session.tree.focus_is_on("Правки: 1"), "the link to have the keyboard again")
+        session.tab_to("Что ушло: 0")
+        session.screen.key("space")
+        session.tree.wait("check box", "Ничего не отправлять")
+        session.tab_to("Ничего не отправлять")
+        session.screen.key("space")
+        wait_for(lambda: '"lock":true' in "".join(lines(own / "margin" / f"{stem}.json")), "the lock")
+        session.screen.key("Escape")
+        session.tree.wait("status bar", "Замок закрыт: эта встреча никуда не отправляется")
