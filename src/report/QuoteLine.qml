@@ -45,6 +45,8 @@ Column {
             text: root.known ? L.t(root.look.key, "").trim() : ""
             Accessible.name: root.known ? L.t(root.look.key, root.finding.stamp) : ""
         }
+        // Loaders take no bound components yet.
+        // qmllint disable unqualified
         Loader {
             id: chip
             anchors { left: words.right; leftMargin: 6; verticalCenter: words.verticalCenter }
@@ -55,7 +57,10 @@ Column {
                 travels: true
             }
         }
+        // qmllint enable unqualified
     }
+    // Loaders take no bound components yet.
+    // qmllint disable unqualified
     Loader {
         width: parent.width
         active: root.finding.kind === 2
@@ -83,6 +88,7 @@ Column {
             }
         }
     }
+    // qmllint enable unqualified
     Label {
         width: parent.width
         visible: root.finding.speaker.length > 0
