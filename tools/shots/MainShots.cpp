@@ -349,7 +349,8 @@ bool shoot(const MainShot& shot, const Frame& frame)
     await([&] { return model.store()->loaded() && !model.glossary()->loading(); });
     if (!shot.query.isEmpty()) {
         SearchModel& search = *model.search();
-        await([&] { return m.program.index.state() == SearchIndex::State::Ready; });
+        // Which waits for the end of a recording.
+        if (!shot.recording) await([&] { return m.program.index.state() == SearchIndex::State::Ready; });
         search.setPeriod(shot.period);
         search.setBest(shot.best);
         search.setQuery(shot.query);
