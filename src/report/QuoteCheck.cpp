@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -23,12 +24,18 @@ constexpr qsizetype longestContext = 300; // characters of a line that are shown
 /// A transcript made ready to look for quotations in it.
 class Comparison {
 public:
-    explicit Comparison(const Transcript& transcript) : m_lines(transcript.lines())
+    /// \param quotes whether there are quotations to look for; else it only knows the lines' times.
+    Comparison(const Transcript& transcript, bool quotes) : m_lines(transcript.lines())
     {
         qint64 last = std::numeric_limits<qint64>::min();
         for (const TranscriptLine& line : m_lines) {
             if (line.seconds) last = *line.seconds;
             m_times.append(last);
+            if (line.seconds) {
+                m_begin = std::min(m_begin.value_or(last), last);
+                m_end = std::max(m_end.value_or(last), last);
+            }
+            if (!quotes) continue;
             m_firstWords.append(m_sequence.size());
             m_spans.append(words::split(line.words));
             m_sequence.append(line.words, m_spans.last(), m_keys);
@@ -39,11 +46,9 @@ public:
     [[nodiscard]] bool isOutside(const QString& stamp) const
     {
         const auto moment = Transcript::seconds(stamp);
-        const auto known = [](qint64 time) { return time != std::numeric_limits<qint64>::min(); };
-        const auto first = std::ranges::find_if(m_times, known);
-        return moment && first != m_times.end() &&
-               (*moment < *first || *moment > *std::ranges::max_element(m_times));
+        return moment && m_begin && (*moment < *m_begin || *moment > *m_end);
     }
+    [[nodiscard]] bool isEmpty() const { return m_lines.isEmpty(); }
 
     QuoteFinding check(const Commitment& claim)
     {
@@ -135,6 +140,8 @@ private:
     }
 
     QList<TranscriptLine> m_lines;
+    std::optional<qint64> m_begin; ///< of the lines' times
+    std::optional<qint64> m_end;
     QList<qint64> m_times; ///< of the lines; those without one have that before
     QList<qsizetype> m_firstWords;
     QList<QList<words::Span>> m_spans;
@@ -149,8 +156,12 @@ QVariantList QuoteFinding::piecesForViews() const { return drawnDifference::piec
 QuoteFindings QuoteFindings::of(const Transcript& transcript, const QList<ReportRow>& rows)
 {
     QuoteFindings findings;
-    Comparison comparison{transcript};
-    findings.noTranscript = transcript.lines().isEmpty();
+    const bool quotes = std::ranges::any_of(rows, [](const ReportRow& row) {
+        const auto* const claim = std::get_if<Commitment>(&row.value);
+        return claim && !claim->quote.isEmpty();
+    });
+    Comparison comparison{transcript, quotes};
+    findings.noTranscript = comparison.isEmpty();
     if (findings.noTranscript) return findings;
     for (int row = 0; row < rows.size(); ++row) {
         for (const QString& stamp : rows[row].stamps()) {
