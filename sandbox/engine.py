@@ -13,6 +13,7 @@ import threading
 import time
 from dataclasses import dataclass, field
 from datetime import datetime
+from pathlib import Path
 
 import homes
 import meeting_files
@@ -36,13 +37,14 @@ class Faults:
     breathless: float | None = None  # after so many seconds it does nothing any more
     auth: bool = False
     slow: float = 0.0
+    rewrite: float | None = None  # so many seconds after a protocol was edited it stands as the service once wrote it
 
     @classmethod
     def parse(cls, names: list[str]) -> Faults:
         faults = cls()
         for name in names:
             key, _, value = name.partition("=")
-            if key in ("slow", "breathless"):
+            if key in ("slow", "breathless", "rewrite"):
                 setattr(faults, key, seconds(value))
             elif key in ("torn", "deaf", "auth") and not value:
                 setattr(faults, key, True)
@@ -55,6 +57,32 @@ class Faults:
 class Recording:
     number: int  # how many recordings this service has begun, this one included
     since: float
+
+
+@dataclass
+class Rewriting:
+    """Writes over edited protocols what the service itself had written, as one that makes them anew."""
+    logs: Path
+    after: float
+    looked_at: dict[Path, int] = field(default_factory=dict)  # when changed, in nanoseconds
+    own: dict[Path, str] = field(default_factory=dict)
+    due: dict[Path, float] = field(default_factory=dict)
+
+    def tick(self, now: float) -> None:
+        for path in self.logs.glob("*.protocol.json"):
+            changed = path.stat().st_mtime_ns
+            if self.looked_at.get(path) == changed:
+                continue
+            self.looked_at[path] = changed
+            meta = (homes.read_object(path) or {}).get("_meta")
+            if not (isinstance(meta, dict) and meta.get("edited") is True):
+                self.own[path] = path.read_text("utf-8")
+            elif path in self.own:
+                self.due.setdefault(path, now + self.after)
+        for path in [path for path, when in self.due.items() if when <= now]:
+            del self.due[path]
+            homes.write_whole(path, self.own[path])
+            say(f"wrote {path.name} anew")
 
 
 @dataclass
@@ -74,6 +102,11 @@ class Engine:
     last_ts: float | None = None
     published: str = ""
     published_at: float = 0.0
+    rewriting: Rewriting | None = None
+
+    def __post_init__(self) -> None:
+        if self.faults.rewrite is not None:
+            self.rewriting = Rewriting(self.home.logs, self.faults.rewrite)
 
     def run(self) -> None:
         self.publish()
@@ -95,6 +128,11 @@ class Engine:
             self.publish()
         while self.processing and self.processing[0][0] <= now:
             self.write_meeting(self.processing.pop(0)[1])
+        if self.rewriting is not None:
+            try:
+                self.rewriting.tick(now)
+            except OSError as error:
+                say(f"could not write a protocol anew: {error}")
         self.publish()
 
     def finish(self) -> None:
@@ -228,7 +266,8 @@ def main() -> int:
                         help="write the state so often also while nothing changes (default: never)")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--no-telegram", action="store_true")
-    parser.add_argument("--fault", action="append", default=[], metavar="torn|deaf|auth|slow=SECONDS|breathless=SECONDS")
+    parser.add_argument("--fault", action="append", default=[], 
+                        metavar="torn|deaf|auth|slow=SECONDS|breathless=SECONDS|rewrite=SECONDS")
     arguments = parser.parse_args()
     try:
         faults = Faults.parse(arguments.fault)

@@ -50,6 +50,19 @@ class Service(SandboxCase):
         engine.let_it_turn()
         self.assertTrue(engine.command_file.exists())
 
+    def test_an_edited_protocol_is_written_anew_when_asked(self):
+        engine = Engine(self, "--processing-seconds", "0", "--fault", "rewrite=0")
+        engine.command("start", 1)
+        wait_for(lambda: engine.state()["status"] == "recording", "the recording")
+        engine.command("stop", 2)
+        [path] = wait_for(lambda: list(self.logs.glob("*.protocol.json")), "the summary file")
+        engine.let_it_turn()
+        own = path.read_text()
+        edited = json.loads(own)
+        edited["_meta"]["edited"] = True
+        homes.write_whole(path, json.dumps(edited))
+        wait_for(lambda: path.read_text() == own, "the service's own version")
+
 
 class Refusals(SandboxCase):
     def test_a_real_home_under_any_name_and_a_folder_that_leads_out(self):
