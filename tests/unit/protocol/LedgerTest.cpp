@@ -186,7 +186,7 @@ private slots:
                 texts = before;
                 const auto way = random.bounded(4);
                 if (way == 0 || texts.size() < 2)
-                    texts.insert(some(texts.size() + 1), fresh);
+                    texts = QStringList{fresh} + texts + texts.mid(some(texts.size()), 2); // some read alike
                 else if (way == 1)
                     texts.removeAt(some(texts.size()));
                 else if (way == 2)
