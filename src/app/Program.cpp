@@ -204,6 +204,7 @@ MainModel& Program::main()
                                                                .account = account,
                                                                .http = http,
                                                                .locks = locks,
+                                                               .own = own,
                                                                .receipts = receipts,
                                                                .processes = m_outside.processes,
                                                                .desktop = m_outside.desktop,

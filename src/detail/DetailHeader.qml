@@ -24,7 +24,8 @@ Column {
         transcript.forceActiveFocus(Qt.OtherFocusReason);
     }
     function focusSheet(sheet: int): void {
-        (sheet === MeetingDetailModel.Sent ? sent : changes).forceActiveFocus(Qt.OtherFocusReason);
+        const links = {[MeetingDetailModel.Sent]: sent, [MeetingDetailModel.HandOut]: handout};
+        (links[sheet] ?? changes).forceActiveFocus(Qt.OtherFocusReason);
     }
     function focusAnalysis(): void {
         analysis.forceActiveFocus(Qt.OtherFocusReason);
@@ -177,11 +178,18 @@ Column {
             text: L.t("sent.open", root.detail.sent.total)
             onClicked: root.detail.openSheet(MeetingDetailModel.Sent)
         }
+        LinkButton {
+            id: handout
+            symbol: "square.and.arrow.up"
+            text: L.t("detail.desk")
+            onClicked: root.detail.openSheet(MeetingDetailModel.HandOut)
+        }
     }
     FileLine {
         width: parent.width
         files: root.detail.files
         onRebuildAsked: root.detail.shareAnew()
+        onOtherWayAsked: root.detail.openSheet(MeetingDetailModel.HandOut)
     }
     Item {
         width: 1

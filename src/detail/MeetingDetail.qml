@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Murmeli.Detail
+import Murmeli.Handout
 import Murmeli.Localisation
 import Murmeli.Margin
 import Murmeli.Protocol
@@ -323,6 +324,23 @@ Item {
             locked: root.detail.locked
             lockKnown: root.detail.lockable
             onLockAsked: locked => root.detail.locked = locked
+            onClosed: root.back()
+        }
+    }
+    Loader {
+        id: handout
+        property real presence: root.detail.sheet === MeetingDetailModel.HandOut ? 1 : 0
+        width: parent.width
+        height: parent.height
+        x: (1 - presence) * Theme.slide
+        opacity: presence
+        active: presence > 0
+        enabled: presence > 0 && root.listing
+        Behavior on presence { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
+        onLoaded: (item as HandoutPane).focusFirst()
+        sourceComponent: HandoutPane {
+            handout: root.detail.handout
+            meetingLine: root.detail.title + L.t("common.dot") + root.detail.dateLine
             onClosed: root.back()
         }
     }

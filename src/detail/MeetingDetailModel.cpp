@@ -163,6 +163,7 @@ void MeetingDetailModel::take(const Content& content, const std::optional<Correc
     const bool rewritten = std::exchange(m_protocolFile, content.protocolFile) != content.protocolFile;
     m_hasTranscript = content.hasTranscript;
     if (m_reading && (moved || rewritten)) m_transcript.load(m_meeting);
+    if (m_sheet == Sheet::HandOut && (content.changed || moved || rewritten)) m_handout->load(m_meeting);
     emit changed(); // and the day may have
     if (m_wanted) showWanted();
     if (correction)
@@ -189,7 +190,20 @@ void MeetingDetailModel::openSheet(Sheet sheet)
     if (std::exchange(m_sheet, sheet) == sheet) return;
     m_changes.forgetMessage(); // the list tells what has become of each
     if (sheet == Sheet::Changes) m_changes.load(m_meeting);
+    if (sheet == Sheet::HandOut) openHandout();
     emit sheetChanged();
+}
+
+void MeetingDetailModel::openHandout()
+{
+    if (m_handout) return m_handout->load(m_meeting);
+    m_handout = std::make_unique<HandoutModel>(HandoutModel::Ground{.files = m_ground.files,
+                                                                    .settings = m_ground.settings,
+                                                                    .receipts = m_ground.receipts,
+                                                                    .desktop = m_ground.desktop,
+                                                                    .language = m_ground.language,
+                                                                    .home = m_ground.paths.home},
+                                               m_meeting);
 }
 
 void MeetingDetailModel::save(QWindow* window)
@@ -220,7 +234,7 @@ void MeetingDetailModel::passOn(const QString& path, Way way)
     switch (way) {
     case Mail:
         noteHandedOut(u"mail"_s, u"mail"_s, path);
-        return m_ground.desktop.mail(path);
+        return m_ground.desktop.mail({.file = path});
     case Open:
         return m_ground.desktop.openUrl(QUrl::fromLocalFile(path));
     case Folder:

@@ -4,6 +4,7 @@
 #include "base/Drafts.h"
 #include "base/Files.h"
 #include "glossary/GlossaryStore.h"
+#include "handout/HandoutModel.h"
 #include "margin/MeetingMarks.h"
 #include "meetings/Meeting.h"
 #include "protocol/ProtocolChanges.h"
@@ -28,6 +29,7 @@ namespace murmeli {
 class Desktop;
 class MeetingLocks;
 class MeetingStore;
+class OwnSettings;
 
 /// One opened meeting: its protocol and what can be done with it. Main thread only.
 class MeetingDetailModel final : public QObject {
@@ -52,6 +54,7 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolChanges* changes READ changes CONSTANT FINAL)
     Q_PROPERTY(murmeli::SentModel* sent READ sent CONSTANT FINAL)
+    Q_PROPERTY(murmeli::HandoutModel* handout READ handout NOTIFY sheetChanged FINAL) ///< once its sheet was open
     Q_PROPERTY(bool locked READ locked WRITE setLocked NOTIFY lockedChanged FINAL) ///< nothing of it is sent
     Q_PROPERTY(bool lockable READ lockable NOTIFY lockedChanged FINAL)
     Q_PROPERTY(murmeli::AuthManager* account READ account CONSTANT FINAL)
@@ -64,7 +67,7 @@ class MeetingDetailModel final : public QObject {
 
 public:
     /// What lies over the protocol.
-    enum class Sheet { None, Changes, Sent };
+    enum class Sheet { None, Changes, Sent, HandOut };
     Q_ENUM(Sheet)
 
     /// What the meeting stands among; all of it outlives the model.
@@ -74,6 +77,8 @@ public:
         GlossaryStore& glossary;
         Drafts& drafts;
         MeetingLocks& locks;
+        OwnSettings& settings;
+        MeetingFiles files;
         Receipts& receipts;
         AuthManager& account;
         Http& http;
@@ -107,6 +112,7 @@ public:
     [[nodiscard]] ProtocolEditor* editor() { return m_work.editor.get(); }
     [[nodiscard]] ProtocolChanges* changes() { return &m_changes; }
     [[nodiscard]] SentModel* sent() { return &m_sent; }
+    [[nodiscard]] HandoutModel* handout() { return m_handout.get(); }
     [[nodiscard]] bool locked() const;
     void setLocked(bool locked);
     [[nodiscard]] bool lockable() const;
@@ -200,6 +206,7 @@ private:
     void noteHandedOut(const QString& kind, const QString& to, const QString& path);
     /// Runs once it is known whether the meeting is locked: what has just been opened is not refused.
     void onceLockIsKnown(const std::function<void()>& work);
+    void openHandout();
     void showWanted();
     void take(const Content& content, const std::optional<Correction>& correction);
 
@@ -210,6 +217,7 @@ private:
     Work m_work;
     ProtocolChanges m_changes;
     SentModel m_sent;
+    std::unique_ptr<HandoutModel> m_handout;
     ReportLoader m_report;
     MeetingMarks m_marks;
     TranscriptModel m_transcript;

@@ -145,9 +145,7 @@ bool mayBeSame(QStringView left, QStringView right, words::Keys& keys)
     const auto isNone = [](QStringView name, const QList<words::Span>& words) {
         return std::ranges::any_of(words, [&](const words::Span& word) {
             const QString folded = words::folded(word.in(name));
-            return folded.front().isDigit() || std::ranges::any_of(noNames, [&](const char16_t* none) {
-                       return folded == QStringView{none};
-                   });
+            return folded.front().isDigit() || isNobodysName(folded);
         });
     };
     if (isNone(left, leftWords) || isNone(right, rightWords)) return true;
@@ -164,6 +162,23 @@ bool mayBeSame(QStringView left, QStringView right, words::Keys& keys)
         }
     }
     return false;
+}
+
+QStringList othersFor(const QString& name)
+{
+    QStringList others;
+    for (const char16_t* row : shortNames) {
+        const QStringList names = QString::fromUtf16(row).split(u' ');
+        if (names.contains(name)) others += names;
+    }
+    others.removeDuplicates();
+    others.removeAll(name);
+    return others;
+}
+
+bool isNobodysName(QStringView word)
+{
+    return std::ranges::any_of(noNames, [&](const char16_t* none) { return word == QStringView{none}; });
 }
 
 } // namespace murmeli::personNames

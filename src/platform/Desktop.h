@@ -40,9 +40,14 @@ public:
 
     /// Puts a file on the clipboard, for programs that take files and for those that take text.
     virtual void copyFile(const QString& path) = 0;
-    /// \param html the same for programs that take formatted text; empty: there is none.
-    virtual void copyText(const QString& text, const QString& html) = 0;
-    void copyText(const QString& text) { copyText(text, {}); }
+    /// A text, and the same for programs that take formatted text or Markdown, where there is any.
+    struct Clip {
+        QString text;
+        QString html = {};
+        QString markdown = {};
+    };
+    virtual void copy(const Clip& clip) = 0;
+    void copyText(const QString& text) { copy({.text = text}); }
 
     /// Asks in front of `window` for a file to read, or where to save one, under the very name that was
     /// typed, with its ending. `chosen` gets the path, or is not called when the user cancels or `context`
@@ -56,8 +61,15 @@ public:
     /// none.
     virtual bool share(const QString& path, QWindow* window, const QPoint& at) = 0;
 
-    /// Begins a letter with the file, in the default mail program. For desktops that do not share.
-    virtual void mail(const QString& path) = 0;
+    struct Letter {
+        QString subject = {};
+        QString text = {};
+        QString file = {}; ///< path of what goes with it
+    };
+    /// Begins a letter in the default mail program.
+    virtual void mail(const Letter& letter) = 0;
+    /// Asks whether there is one. `answer` may come later; it does not come when `context` has gone.
+    virtual void askForMailProgram(QObject* context, std::function<void(bool there)> answer) = 0;
 
     /// Shows the desktop's own page for a permission. \return false where the desktop has no such page.
     virtual bool openSettings(SettingsPage page) = 0;

@@ -118,11 +118,12 @@ void QtDesktop::copyFile(const QString& path)
     QGuiApplication::clipboard()->setMimeData(data);
 }
 
-void QtDesktop::copyText(const QString& text, const QString& html)
+void QtDesktop::copy(const Clip& clip)
 {
     auto* data = new QMimeData;
-    data->setText(text);
-    if (!html.isEmpty()) data->setHtml(html);
+    data->setText(clip.text);
+    if (!clip.html.isEmpty()) data->setHtml(clip.html);
+    if (!clip.markdown.isEmpty()) data->setData(u"text/markdown"_s, clip.markdown.toUtf8());
     QGuiApplication::clipboard()->setMimeData(data);
 }
 

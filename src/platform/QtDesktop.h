@@ -10,8 +10,7 @@ public:
     void openUrl(const QUrl& url) override;
     void openFolder(const QString& path) override;
     void copyFile(const QString& path) override;
-    using Desktop::copyText;
-    void copyText(const QString& text, const QString& html) override;
+    void copy(const Clip& clip) override;
     void askForFile(const FileQuestion& question, QWindow* window, QObject* context, Chosen chosen) override;
     void askWhereToSave(const FileQuestion& question, QWindow* window, QObject* context,
                         Chosen chosen) override;

@@ -13,6 +13,7 @@ Item {
     readonly property bool failed: files.outcome === ProtocolFileMaker.Failed
 
     signal rebuildAsked()
+    signal otherWayAsked() // to a PDF
 
     property real unfolded: files.outcome === ProtocolFileMaker.Idle ? 0 : 1
 
@@ -51,9 +52,9 @@ Item {
     LinkButton {
         id: anew
         anchors { left: line.right; leftMargin: Theme.gapSmall; verticalCenter: line.verticalCenter }
-        visible: root.outdated
-        symbol: "arrow.counterclockwise"
-        text: L.t("file.anew")
-        onClicked: root.rebuildAsked()
+        visible: root.outdated || root.failed
+        symbol: root.outdated ? "arrow.counterclockwise" : "doc.text"
+        text: root.outdated ? L.t("file.anew") : L.t("desk.without_chrome")
+        onClicked: root.outdated ? root.rebuildAsked() : root.otherWayAsked()
     }
 }

@@ -41,14 +41,14 @@ ProtocolFileMaker::~ProtocolFileMaker()
     if (!m_unfinished.isEmpty()) QFile::remove(m_unfinished);
 }
 
-QString ProtocolFileMaker::suggestedName(const Meeting& meeting)
+QString ProtocolFileMaker::suggestedName(const Meeting& meeting, const QString& ending)
 {
     QString title = text::oneLine(meeting.title.left(longestName));        // a code unit is a byte at least
     if (!title.isEmpty() && title.back().isHighSurrogate()) title.chop(1); // half a character
     title.replace(u'/', u'-').replace(u':', u'-');
     while (title.toUtf8().size() > longestName)
         title.chop(title.back().isLowSurrogate() ? 2 : 1);
-    return meeting.startedAt.toString(u"yyyy-MM-dd"_s) + u' ' + title + u".pdf"_s;
+    return meeting.startedAt.toString(u"yyyy-MM-dd"_s) + u' ' + title + u'.' + ending;
 }
 
 void ProtocolFileMaker::end(Outcome outcome, const QString& saved)

@@ -47,8 +47,8 @@ public:
 
     [[nodiscard]] const QString& lastBuilt() const { return m_lastBuilt; } ///< its path
 
-    /// Day and title, as a file may be called.
-    static QString suggestedName(const Meeting& meeting);
+    /// Day and title, as a file may be called. \param ending after the dot.
+    static QString suggestedName(const Meeting& meeting, const QString& ending = QStringLiteral("pdf"));
 
     /// Builds at `destination`, which the user has chosen, and puts the file on the clipboard.
     void save(const Meeting& meeting, const QString& destination);

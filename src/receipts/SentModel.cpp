@@ -40,6 +40,12 @@ QString titleOf(const Receipt& receipt, const QString& language)
     if (receipt.kind == "glossary"_L1 && receipt.bytes == 0)
         return Language::text(language, u"sent.glossary_read"_s);
     if (receipt.kind == "remark"_L1) return Language::count(language, u"sent.remark"_s, receipt.items);
+    const bool wholeProtocol = receipt.parts == QStringList{u"protocol"_s}; // as the engine makes it
+    if (!wholeProtocol && !receipt.parts.isEmpty()) {
+        if (receipt.kind == "clipboard"_L1) return Language::text(language, u"sent.handed_clipboard"_s);
+        if (receipt.kind == "file"_L1) return Language::text(language, u"sent.handed_file"_s);
+        if (receipt.kind == "mail"_L1) return Language::text(language, u"sent.handed_mail"_s);
+    }
     if (known.contains(receipt.kind)) return Language::text(language, u"sent."_s + receipt.kind);
     return text::shortened(text::oneLine(receipt.kind), longestName);
 }
@@ -165,6 +171,10 @@ SentRow SentModel::drawn(const Row& row) const
     if (m_stem.isEmpty() && !receipt.stem.isEmpty())
         shown.line += Language::text(language, u"common.dot"_s) +
                       text::shortened(text::oneLine(receipt.stem), longestName);
+    for (const auto& [part, key] : {std::pair{"names", "sent.without_names"}, {"numbers", "sent.without_numbers"}}) {
+        if (!receipt.parts.contains(QLatin1StringView{part})) continue;
+        shown.line += Language::text(language, u"common.dot"_s) + Language::text(language, QString::fromLatin1(key));
+    }
     if (receipt.bytes > 0) shown.size = Language::count(language, u"sent.bytes"_s, receipt.bytes);
     shown.result = resultOf(receipt, language);
     shown.good = receipt.result == "answered"_L1;

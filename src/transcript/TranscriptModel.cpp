@@ -222,9 +222,9 @@ void TranscriptModel::copyQuote()
     const QString whole = Language::text(language, u"transcript.quoted"_s);
     const QString source = reference(m_lines[from]);
     const QString html = u"<blockquote>%1</blockquote><p>— %2</p>"_s;
-    m_ground.desktop.copyText(
-        QString{whole}.replace(u"%@"_s, said.join(u'\n')) + u" — "_s + source,
-        html.arg(said.join(u'\n').toHtmlEscaped().replace(u'\n', u"<br>"_s), source.toHtmlEscaped()));
+    m_ground.desktop.copy({.text = QString{whole}.replace(u"%@"_s, said.join(u'\n')) + u" — "_s + source,
+                           .html = html.arg(said.join(u'\n').toHtmlEscaped().replace(u'\n', u"<br>"_s),
+                                            source.toHtmlEscaped())});
 }
 
 void TranscriptModel::copyAll()

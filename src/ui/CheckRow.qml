@@ -10,6 +10,7 @@ CheckBox {
 
     required property bool on
     property string hint
+    property string amount // of what it stands for
 
     signal chosen(bool on)
 
@@ -27,7 +28,7 @@ CheckBox {
 
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
-    Accessible.description: hint
+    Accessible.description: hint + amount
     Accessible.checkable: true
     Accessible.checked: checked
     Accessible.onPressAction: if (root.enabled) root.clicked()
@@ -63,9 +64,17 @@ CheckBox {
                 type: Theme.caption
                 wrapMode: Text.Wrap
                 color: Theme.text3
+                visible: text.length > 0
                 text: root.hint
                 Accessible.ignored: true
             }
+        }
+        Label {
+            type: Theme.caption
+            color: Theme.text3
+            visible: text.length > 0
+            text: root.amount
+            Accessible.ignored: true
         }
     }
 }

@@ -45,6 +45,7 @@ public:
         AuthManager& account;
         Http& http;
         MeetingLocks& locks;
+        OwnSettings& own;
         Receipts& receipts;
         Processes& processes;
         Desktop& desktop;

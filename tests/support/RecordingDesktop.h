@@ -21,7 +21,8 @@ public:
     QString answer; ///< to the next question; empty: the user cancels
     bool shares = true;
     QStringList shared;
-    QStringList mailed;
+    QList<Letter> letters;
+    bool hasMail = true;
     QList<SettingsPage> pages;
     bool hasPages = true;
     bool throughBrowser = true;
@@ -36,11 +37,10 @@ public:
     void openFolder(const QString& path) override { folders.append(path); }
     void reveal(const QString& path, const QString&) override { revealed.append(path); }
     void copyFile(const QString& path) override { copiedFiles.append(path); }
-    using Desktop::copyText;
-    void copyText(const QString& text, const QString& html) override
+    void copy(const Clip& clip) override
     {
-        copiedText = text;
-        copiedHtml = html;
+        copiedText = clip.text;
+        copiedHtml = clip.html;
     }
     void askForFile(const FileQuestion& question, QWindow*, QObject*, Chosen chosen) override
     {
@@ -57,7 +57,8 @@ public:
         if (shares) shared.append(path);
         return shares;
     }
-    void mail(const QString& path) override { mailed.append(path); }
+    void mail(const Letter& letter) override { letters.append(letter); }
+    void askForMailProgram(QObject*, std::function<void(bool)> answer) override { answer(hasMail); }
     bool openSettings(SettingsPage page) override
     {
         if (hasPages) pages.append(page);

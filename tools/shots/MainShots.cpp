@@ -82,6 +82,7 @@ struct MainShot {
     bool homeless = false;                                    ///< marks are
     bool quiet = false;                                       ///< one voice only
     enum { NoChanges, Listed, Compared } changes = NoChanges; ///< of the protocol
+    bool handOut = false; ///< under hidden names
     bool sent = false; ///< what has left the computer is listed: of the meeting, or in the settings of all
     QByteArray answer = {}; ///< to a remark; null: none is made
     bool signedIn = true;
@@ -131,6 +132,7 @@ QList<MainShot> mainShots(bool inRussian)
         {.name = u"detail-changes"_s, .detail = true, .changes = MainShot::Listed},
         {.name = u"detail-changes-compared"_s, .detail = true, .changes = MainShot::Compared},
         {.name = u"detail-sent"_s, .detail = true, .sent = true},
+        {.name = u"detail-desk"_s, .detail = true, .handOut = true},
         {.name = u"detail-no-protocol"_s, .detail = true, .protocol = false},
         {.name = u"detail-fixed-teach"_s,
          .detail = true,
@@ -371,6 +373,13 @@ bool shoot(const MainShot& shot, const Frame& frame)
     if (shot.sent && shot.detail) {
         model.detail()->setLocked(true);
         model.detail()->openSheet(MeetingDetailModel::Sheet::Sent);
+    }
+    if (shot.handOut) {
+        model.detail()->openSheet(MeetingDetailModel::Sheet::HandOut);
+        HandoutModel& handout = *model.detail()->handout();
+        handout.setHideNames(true);
+        await([&] { return handout.isReady() && handout.hidden() > 0; });
+        settle(600);
     }
     if (!shot.answer.isNull()) {
         model.detail()->setDraft(u"Срок по текстам — среда"_s);

@@ -12,7 +12,9 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QSysInfo>
+#include <QTimer>
 
+#include <chrono>
 #include <tuple>
 
 using namespace Qt::StringLiterals;
@@ -24,6 +26,7 @@ namespace {
 const QString fileManager = u"org.freedesktop.FileManager1"_s;
 constexpr qint64 sizeLimit = 64 * 1024; // bytes of /etc/machine-info
 constexpr int answerTime = 500;         // milliseconds that a small question is worth
+constexpr auto mailAnswerTime = std::chrono::seconds{3};
 
 struct Command {
     QString program;
@@ -54,7 +57,8 @@ public:
 
     void reveal(const QString& path, const QString& root) override;
     bool share(const QString&, QWindow*, const QPoint&) override { return false; }
-    void mail(const QString& path) override;
+    void mail(const Letter& letter) override;
+    void askForMailProgram(QObject* context, std::function<void(bool)> answer) override;
     bool openSettings(SettingsPage page) override;
     void setLoginItem(bool on, const QString& agentFile) override;
     [[nodiscard]] bool startedByAgent(const QString&) const override { return false; }
@@ -90,9 +94,28 @@ void LinuxDesktop::reveal(const QString& path, const QString&)
     });
 }
 
-void LinuxDesktop::mail(const QString& path)
+void LinuxDesktop::mail(const Letter& letter)
 {
-    QProcess::startDetached(u"xdg-email"_s, {u"--attach"_s, path});
+    QStringList arguments{u"--utf8"_s};
+    if (!letter.subject.isEmpty()) arguments += {u"--subject"_s, letter.subject};
+    if (!letter.text.isEmpty()) arguments += {u"--body"_s, letter.text};
+    if (!letter.file.isEmpty()) arguments += {u"--attach"_s, letter.file};
+    QProcess::startDetached(u"xdg-email"_s, arguments);
+}
+
+void LinuxDesktop::askForMailProgram(QObject* context, std::function<void(bool)> answer)
+{
+    auto* query = new QProcess{context};
+    const auto end = [query, answer = std::move(answer)] {
+        query->deleteLater();
+        answer(!query->readAllStandardOutput().trimmed().isEmpty());
+    };
+    QObject::connect(query, &QProcess::finished, context, end);
+    QObject::connect(query, &QProcess::errorOccurred, context, [end](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart) end();
+    });
+    query->start(u"xdg-mime"_s, {u"query"_s, u"default"_s, u"x-scheme-handler/mailto"_s});
+    QTimer::singleShot(mailAnswerTime, query, &QProcess::kill);
 }
 
 bool LinuxDesktop::openSettings(SettingsPage page)

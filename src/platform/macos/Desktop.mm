@@ -49,7 +49,21 @@ public:
         [picker showRelativeToRect:place ofView:view preferredEdge:[view isFlipped] ? NSRectEdgeMaxY : NSRectEdgeMinY];
         return true;
     }
-    void mail(const QString&) override {}
+    void mail(const Letter& letter) override
+    {
+        NSSharingService* service = [NSSharingService sharingServiceNamed:NSSharingServiceNameComposeEmail];
+        service.subject = letter.subject.toNSString();
+        if (letter.file.isEmpty()) {
+            [service performWithItems:@[ letter.text.toNSString() ]];
+        } else {
+            [service performWithItems:@[ letter.text.toNSString(), [NSURL fileURLWithPath:letter.file.toNSString()] ]];
+        }
+    }
+    void askForMailProgram(QObject*, std::function<void(bool)> answer) override
+    {
+        NSSharingService* service = [NSSharingService sharingServiceNamed:NSSharingServiceNameComposeEmail];
+        answer(service && [service canPerformWithItems:@[ @"" ]]);
+    }
 
     bool openSettings(SettingsPage page) override
     {

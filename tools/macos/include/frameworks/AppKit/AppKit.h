@@ -121,6 +121,16 @@ extern NSNotificationName const NSWorkspaceAccessibilityDisplayOptionsDidChangeN
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)urls SINCE(10.6);
 @end
 
+typedef NSString *NSSharingServiceName;
+extern NSSharingServiceName const NSSharingServiceNameComposeEmail;
+
+@interface NSSharingService : NSObject
++ (nullable NSSharingService *)sharingServiceNamed:(NSSharingServiceName)serviceName;
+@property (nullable, copy) NSString *subject;
+- (BOOL)canPerformWithItems:(nullable NSArray *)items;
+- (void)performWithItems:(NSArray *)items;
+@end
+
 @class NSSharingServicePicker;
 @protocol NSSharingServicePickerDelegate <NSObject>
 @end
