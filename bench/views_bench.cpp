@@ -1,6 +1,7 @@
-// What a long list, a long analysis and a long transcript take to be seen: views_bench. Prints figures and
+// What a long list, a long analysis and a long transcript take to be seen, and to become a PDF: views_bench. Prints figures and
 // bounds.
 
+#include "handout/HandoutPages.h"
 #include "meetings/MeetingStore.h"
 #include "meetings/ProtocolFinder.h"
 #include "report/QuoteCheck.h"
@@ -254,6 +255,41 @@ void measureTranscript(TestProgram& m, QQmlEngine& engine, QQuickWindow& window)
         100);
 }
 
+/// Megabytes of memory that the process has had at most, or has now.
+double megabytes(const QByteArray& key)
+{
+    QFile file{u"/proc/self/status"_s};
+    if (!file.open(QIODevice::ReadOnly)) return 0;
+    const QByteArray all = file.readAll();
+    return all.mid(all.indexOf(key) + key.size() + 1, 20).simplified().split(' ')[0].toDouble() / 1024;
+}
+
+void measureHandout()
+{
+    Handout handout{.language = u"ru"_s, .title = u"План"_s, .dateLine = u"4 марта 2026"_s};
+    Handout::Section talk{.part = HandoutPart::Transcript, .heading = u"Расшифровка"_s, .items = {}};
+    for (int i = 0; i < 1800; ++i) { // three hours, as people talk
+        talk.items.append({.text = u"Надо решить, кто пишет тексты и когда мы их увидим: в 12:00 или завтра."_s,
+                           .speaker = i % 2 ? u"Анна"_s : u"Илья"_s,
+                           .stamp = QString::fromLatin1(stamp(i * 6))});
+    }
+    const auto timed = [&] {
+        QElapsedTimer timer;
+        timer.start();
+        const HandoutPages pages{handout};
+        std::ignore = textInPdf(pages.pdf());
+        return double(timer.nsecsElapsed()) / 1e6;
+    };
+    row("an empty page as a PDF (the floor)", median(3, timed), "ms", 2000);
+    handout.sections = {talk};
+    QFile forget{u"/proc/self/clear_refs"_s}; // the most so far
+    if (forget.open(QIODevice::WriteOnly)) forget.write("5");
+    forget.close();
+    const double before = megabytes("VmRSS:");
+    row("three hours of transcript as a PDF, read back", median(3, timed), "ms", 2000);
+    row("memory for it", megabytes("VmHWM:") - before, "MB", 60);
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -261,6 +297,7 @@ int main(int argc, char* argv[])
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     const QApplication app{argc, argv};
+    measureHandout(); // while nothing else has left room in the memory
     TestProgram m;
     QQmlEngine engine;
     m.install(engine);
