@@ -14,7 +14,7 @@ FLOORS = {  # a room includes from lower floors only, or from rooms of its own f
     "localisation": 2, "ui": 2,
     "account": 3, "meetings": 3, "receipts": 3, "margin": 3, "transcript": 3, "glossary": 3, "protocol": 3, "report": 3, "search": 3, "handout": 3, "update": 3, "permissions": 3, "setup": 3,
     "settings": 3, "notices": 3,
-    "detail": 4, "panel": 4, "windows": 4,
+    "detail": 4, "panel": 4, "windows": 4, "commands": 4,
     "app": 5,
 }
 WITHIN_FLOOR = {

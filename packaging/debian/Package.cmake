@@ -34,6 +34,10 @@ install(FILES icons/murmeli-idle-symbolic.svg icons/murmeli-processing-symbolic.
 install(FILES ${metainfo} DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/murmeli.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
+install(FILES completions/murmeli.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME murmeli)
+install(FILES completions/_murmeli DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES completions/murmeli.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+
 install(FILES debian/autostart.desktop DESTINATION /etc/xdg/autostart RENAME murmeli.desktop
     COMPONENT debian EXCLUDE_FROM_ALL)
 install(FILES debian/copyright ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/murmeli

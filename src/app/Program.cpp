@@ -7,6 +7,7 @@
 
 #include <QFileInfo>
 #include <QThreadPool>
+#include <QUrl>
 
 #include <utility>
 
@@ -189,10 +190,27 @@ void Program::told(const QString& line)
     if (account.handle(line)) return;
     if (line == wish::beSeen) emit somethingWanted();
     if (line == wish::window) emit mainWindowWanted();
+    if (line.startsWith(wish::open + u' ')) return openAsTold(line.sliced(wish::open.size() + 1).split(u' '));
     if (line == wish::record && !state.isRecording()) {
         record.toggle();
         if (record.refused()) emit panelWanted(); // to say so
     }
+}
+
+void Program::openAsTold(QStringList parts)
+{
+    for (QString& part : parts)
+        part = QUrl::fromPercentEncoding(part.toLatin1());
+    const QString meeting = parts.value(0);
+    MainModel& model = main();
+    model.setTab(MainModel::Tab::Meetings);
+    const QString query = parts.value(2);
+    if (!meeting.isEmpty()) {
+        model.openOnceThere(meeting, parts.value(1), query);
+    } else if (!query.isEmpty()) {
+        model.search()->setQuery(query);
+    }
+    emit mainWindowWanted();
 }
 
 MainModel& Program::main()

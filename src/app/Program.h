@@ -48,6 +48,7 @@ namespace wish {
 inline constexpr QLatin1StringView beSeen{"activate"};
 inline constexpr QLatin1StringView window{"window"};
 inline constexpr QLatin1StringView record{"record"};
+inline constexpr QLatin1StringView open{"open"}; ///< MEETING STAMP QUERY, percent-encoded, each may be empty
 } // namespace wish
 
 /// All state objects and every connection between them, without a window: what the program is before anybody
@@ -126,6 +127,7 @@ private:
     void connectNotices();
     void sayNotWritten(OwnWritten why, const QString& file);
     void announce(noticeKind::NoticeKind kind);
+    void openAsTold(QStringList parts);
     void beginSetup();
     void finishSetup();
 

@@ -3,6 +3,7 @@
 #include "base/Http.h"
 #include "base/Processes.h"
 #include "base/Scheduler.h"
+#include "commands/Commands.h"
 #include "platform/Activation.h"
 #include "platform/Appearance.h"
 #include "platform/Desktop.h"
@@ -30,6 +31,7 @@ using namespace murmeli;
 namespace {
 
 constexpr auto usage = R"(Usage: murmeli [OPTION | ADDRESS]
+       murmeli COMMAND …
 Records meetings and keeps their protocols; an icon in the tray is the way to all of it.
 
   --window   open the main window
@@ -37,6 +39,8 @@ Records meetings and keeps their protocols; an icon in the tray is the way to al
   --setup    open the setup
   --version  print the version
   --help     print this text
+
+murmeli help lists the commands, which answer in the shell.
 )";
 
 struct Start {
@@ -55,6 +59,7 @@ Start startOf(int argc, char** argv)
         if (argument == "--setup"_L1) start.forceSetup = true;
         if (argument == "--window"_L1) start.wish = wish::window;
         if (argument == "--record"_L1) start.wish = wish::record;
+        if (argument.startsWith("--wish="_L1)) start.wish = argument.section(u'=', 1);
         if (argument == "--help"_L1) start.printed = usage;
         if (argument == "--version"_L1) start.printed = version.constData();
         if (!argument.startsWith(signIn::scheme + u':', Qt::CaseInsensitive)) continue;
@@ -68,6 +73,7 @@ Start startOf(int argc, char** argv)
 
 int main(int argc, char* argv[])
 {
+    if (const auto exit = commands::run(argc, argv)) return *exit;
     const Start start = startOf(argc, argv);
     if (start.printed) {
         std::fputs(start.printed, stdout);
@@ -79,10 +85,11 @@ int main(int argc, char* argv[])
         return 1;
     }
 
-    SingleInstance instance{SingleInstance::runtimeFolder()};
+    const QString runtimeFolder = SingleInstance::runtimeFolder();
+    SingleInstance instance{runtimeFolder};
     if (!instance.isFirst()) {
         const QCoreApplication app{argc, argv};
-        instance.tellFirst(start.wish.isEmpty() ? QString{wish::beSeen} : start.wish);
+        SingleInstance::tell(runtimeFolder, start.wish.isEmpty() ? QString{wish::beSeen} : start.wish);
         return 0;
     }
 

@@ -70,7 +70,7 @@ bool looksLikeAName(const QString& text)
 QString dateLineOf(const Meeting& meeting, const QString& language)
 {
     QString day = dates::bySkeleton(meeting.startedAt, language, u"yMMMMd"_s);
-    day.remove(u" г."_s);
+    if (day.endsWith(u" г.") || day.endsWith(u"\u00a0г.")) day.chop(3);
     return day + Language::text(language, u"common.dot"_s) + captions::timeRange(meeting, language);
 }
 

@@ -79,40 +79,52 @@ Notice NoticeBoard::trouble() const
         language.t(kind == Pulse::Trouble::NotStarted ? u"pulse.not_started"_s : u"pulse.not_stopped"_s);
     notice.closable = true;
     notice.actions = {action(NoticeAction::TryAgain, "notice.try_again", true)};
+    notice.body = reasonOf(pulse, language.current());
+    switch (pulse.reason()) {
+    case Pulse::Reason::NotInstalled:
+        notice.actions = {action(NoticeAction::Install, "notice.install", true),
+                          action(NoticeAction::TryAgain, "notice.try_again")};
+        break;
+    case Pulse::Reason::Denied:
+        notice.actions += action(NoticeAction::ShowPermissions, "notice.permissions");
+        break;
+    case Pulse::Reason::DiskFull:
+        notice.actions += action(NoticeAction::ShowRecordings, "notice.recordings");
+        break;
+    case Pulse::Reason::Busy:
+        break;
+    case Pulse::Reason::Silent:
+    case Pulse::Reason::NotTaken:
+    case Pulse::Reason::NoAnswer:
+        notice.actions += action(NoticeAction::ShowLog, "notice.log");
+    }
+    return notice;
+}
+
+QString NoticeBoard::reasonOf(const Pulse& pulse, const QString& language)
+{
     const auto because = [&](const char* key, const QString& argument = {}) {
-        notice.body = language.t(QString::fromLatin1(key), argument);
+        return Language::text(language, QString::fromLatin1(key), argument);
     };
     switch (pulse.reason()) {
     case Pulse::Reason::NotInstalled:
-        because("pulse.reason.not_installed");
-        notice.actions = {action(NoticeAction::Install, "notice.install", true),
-                          action(NoticeAction::TryAgain, "notice.try_again")};
-        return notice;
+        return because("pulse.reason.not_installed");
     case Pulse::Reason::Denied:
-        because("pulse.reason.denied", PermissionsModel::names(pulse.deniedKeys(), language.current()));
-        notice.actions += action(NoticeAction::ShowPermissions, "notice.permissions");
-        return notice;
+        return because("pulse.reason.denied", PermissionsModel::names(pulse.deniedKeys(), language));
     case Pulse::Reason::DiskFull:
-        because("pulse.reason.disk", Language::size(language.current(), pulse.freeBytes().value_or(0)));
-        notice.actions += action(NoticeAction::ShowRecordings, "notice.recordings");
-        return notice;
+        return because("pulse.reason.disk", Language::size(language, pulse.freeBytes().value_or(0)));
     case Pulse::Reason::Busy:
-        because("pulse.reason.busy");
-        return notice;
-    case Pulse::Reason::Silent:
-        because("pulse.reason.silent",
-                dates::bySkeleton(QDateTime::fromMSecsSinceEpoch(qint64(pulse.lastWritten() * 1000)),
-                                  language.current(), u"Hm"_s));
-        break;
-    case Pulse::Reason::NotTaken:
-        because("pulse.reason.not_taken");
-        break;
-    case Pulse::Reason::NoAnswer:
-        because("pulse.reason.no_answer");
-        break;
+        return because("pulse.reason.busy");
+    case Pulse::Reason::Silent: {
+        const auto written = QDateTime::fromMSecsSinceEpoch(qint64(pulse.lastWritten() * 1000));
+        return because("pulse.reason.silent", dates::bySkeleton(written, language, u"Hm"_s));
     }
-    notice.actions += action(NoticeAction::ShowLog, "notice.log");
-    return notice;
+    case Pulse::Reason::NotTaken:
+        return because("pulse.reason.not_taken");
+    case Pulse::Reason::NoAnswer:
+        return because("pulse.reason.no_answer");
+    }
+    return {};
 }
 
 Notice NoticeBoard::disk() const

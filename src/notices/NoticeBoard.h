@@ -45,6 +45,9 @@ public:
     [[nodiscard]] QString line() const;
     [[nodiscard]] bool lineFails() const;
 
+    /// Why the service did not do what it was asked for.
+    [[nodiscard]] static QString reasonOf(const Pulse& pulse, const QString& language);
+
     Q_INVOKABLE void act(int kind, int action); ///< a NoticeAction::Action
     Q_INVOKABLE void dismiss(int kind);
 

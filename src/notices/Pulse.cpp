@@ -19,8 +19,6 @@ namespace murmeli {
 namespace {
 
 constexpr double longestPause = 10; // seconds between two looks; after more the computer has slept
-constexpr double leastSilence = 20;
-constexpr double silentBeats = 8;
 constexpr double rememberEvery = 3600;
 constexpr double longestQuiet = 1e9; // seconds; a time before that is a damaged figure
 constexpr auto firstMemory = 10s;
@@ -30,7 +28,7 @@ constexpr qint64 sizeLimit = 1024 * 1024; // bytes
 } // namespace
 
 Pulse::Pulse(const Ground& ground, QObject* parent)
-    : QObject(parent), m_ground(ground), m_file({ground.paths.ownCache, u"pulse.json"_s, sizeLimit})
+    : QObject(parent), m_ground(ground), m_file(file(ground.paths))
 {
     connect(&ground.state, &AppState::statusRead, this, &Pulse::look);
     connect(&ground.record, &RecordControl::pendingChanged, this, &Pulse::followRequest);
@@ -40,17 +38,15 @@ Pulse::Pulse(const Ground& ground, QObject* parent)
         inBackground(
             this, [file = m_file] { return file.read(); },
             [this](const OwnFile::Content& known) {
-                QHash<QString, double> learned;
-                const QJsonObject rhythm = known.object[u"rhythm"_s].toObject();
-                for (auto it = rhythm.begin(); it != rhythm.end(); ++it)
-                    learned[it.key()] = it->toDouble();
-                m_rhythm.remember(learned);
+                m_rhythm.remember(known.object[u"rhythm"_s].toObject());
                 m_takesRequests = m_takesRequests || known.object[u"takes_requests"_s].toBool();
             });
     });
 }
 
 Pulse::~Pulse() = default;
+
+OwnFile Pulse::file(const Paths& paths) { return OwnFile{{paths.ownCache, u"pulse.json"_s, sizeLimit}}; }
 
 void Pulse::look(const QString& from, const QString& to)
 {
@@ -92,9 +88,8 @@ void Pulse::listen(const QString& status)
 
 bool Pulse::isSilent() const
 {
-    const auto rhythm = m_rhythm.of(m_ground.state.status());
-    return rhythm && m_lastWritten > 0 &&
-           m_ground.scheduler.now() - m_quietSince >= std::max(leastSilence, silentBeats * *rhythm);
+    return m_lastWritten > 0 &&
+           m_rhythm.isSilence(m_ground.state.status(), m_ground.scheduler.now() - m_quietSince);
 }
 
 qint64 Pulse::secondsQuiet() const

@@ -40,6 +40,9 @@ public:
     };
     static constexpr qint64 leastFree = 500'000'000; ///< bytes
 
+    /// What is known of the service from one run to the next: "rhythm".
+    static OwnFile file(const Paths& paths);
+
     explicit Pulse(const Ground& ground, QObject* parent = nullptr);
     ~Pulse() override;
     Q_DISABLE_COPY_MOVE(Pulse)

@@ -15,6 +15,8 @@ constexpr size_t enough = 8; // intervals that make a rhythm
 constexpr size_t kept = 32;
 constexpr double shortest = 0.2; // seconds
 constexpr double longest = 60;
+constexpr double leastSilence = 20;
+constexpr double silentBeats = 8;
 const QStringList statuses{u"idle"_s, u"recording"_s, u"processing"_s}; // a file can name any number
 
 } // namespace
@@ -46,6 +48,20 @@ void Rhythm::remember(const QHash<QString, double>& learned)
     for (auto it = learned.begin(); it != learned.end(); ++it) {
         if (statuses.contains(it.key()) && *it >= shortest && *it <= longest) m_remembered[it.key()] = *it;
     }
+}
+
+void Rhythm::remember(const QJsonObject& learned)
+{
+    QHash<QString, double> rhythms;
+    for (auto it = learned.begin(); it != learned.end(); ++it)
+        rhythms[it.key()] = it->toDouble();
+    remember(rhythms);
+}
+
+bool Rhythm::isSilence(const QString& status, double seconds) const
+{
+    const auto rhythm = of(status);
+    return rhythm && seconds >= std::max(leastSilence, silentBeats * *rhythm);
 }
 
 QHash<QString, double> Rhythm::learned() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QJsonObject>
 #include <QString>
 
 #include <deque>
@@ -18,9 +19,14 @@ public:
     /// Seconds between two writings; nothing while it is not known.
     [[nodiscard]] std::optional<double> of(const QString& status) const;
 
+    /// Whether a service that has not written for so many seconds would have, if it lived.
+    [[nodiscard]] bool isSilence(const QString& status, double seconds) const;
+
     /// Takes what an earlier run has learned, where this one has not.
     void remember(const QHash<QString, double>& learned);
     [[nodiscard]] QHash<QString, double> learned() const;
+    /// The same as it is kept in a file.
+    void remember(const QJsonObject& learned);
 
 private:
     QHash<QString, std::deque<double>> m_heard; ///< the latest of each status

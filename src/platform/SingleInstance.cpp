@@ -90,14 +90,15 @@ void SingleInstance::listen()
     m_server.listen(m_socket);
 }
 
-void SingleInstance::tellFirst(const QString& line) const
+bool SingleInstance::tell(const QString& runtimeFolder, const QString& line)
 {
     QLocalSocket socket;
-    socket.connectToServer(m_socket);
-    if (!socket.waitForConnected(handOverTime)) return;
+    socket.connectToServer(runtimeFolder + QLatin1StringView{socketName});
+    if (!socket.waitForConnected(handOverTime)) return false;
     socket.write(line.toUtf8() + '\n');
     socket.waitForBytesWritten(handOverTime);
     socket.waitForDisconnected(handOverTime); // it closes once it has read the line
+    return true;
 }
 
 } // namespace murmeli

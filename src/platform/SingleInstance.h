@@ -28,8 +28,9 @@ public:
     /// From now on told() reports what later processes hand over.
     void listen();
 
-    /// From a later process: sends one line to the first, waiting a few seconds at most.
-    void tellFirst(const QString& line) const;
+    /// Sends one line to the first process, waiting a few seconds at most. \return whether there is one that
+    /// listens.
+    static bool tell(const QString& runtimeFolder, const QString& line);
 
 signals:
     void told(const QString& line);

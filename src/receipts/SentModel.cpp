@@ -1,5 +1,6 @@
 #include "SentModel.h"
 
+#include "ReceiptWords.h"
 #include "Receipts.h"
 #include "base/Background.h"
 #include "base/Dates.h"
@@ -7,8 +8,6 @@
 #include "base/Text.h"
 #include "localisation/Language.h"
 #include "meetings/MeetingCaptions.h"
-
-#include <QUrl>
 
 #include <utility>
 
@@ -20,7 +19,6 @@ namespace {
 
 constexpr int rowRole = Qt::UserRole;
 constexpr qsizetype mostRows = 2000;
-constexpr qsizetype longestName = 120; // characters of what stands in a file that somebody may have changed
 
 QString symbolOf(const QString& kind)
 {
@@ -31,47 +29,6 @@ QString symbolOf(const QString& kind)
     if (kind == "file"_L1) return u"square.and.arrow.down"_s;
     if (kind == "mail"_L1) return u"paperplane"_s;
     return kind == "version"_L1 ? u"arrow.down.circle"_s : u"person.crop.circle"_s;
-}
-
-QString titleOf(const Receipt& receipt, const QString& language)
-{
-    static const QStringList known{u"analysis"_s, u"glossary"_s, u"clipboard"_s, u"file"_s,
-                                   u"mail"_s,     u"account"_s,  u"device"_s,    u"version"_s};
-    if (receipt.kind == "glossary"_L1 && receipt.bytes == 0)
-        return Language::text(language, u"sent.glossary_read"_s);
-    if (receipt.kind == "remark"_L1) return Language::count(language, u"sent.remark"_s, receipt.items);
-    const bool wholeProtocol = receipt.parts == QStringList{u"protocol"_s}; // as the engine makes it
-    if (!wholeProtocol && !receipt.parts.isEmpty()) {
-        if (receipt.kind == "clipboard"_L1) return Language::text(language, u"sent.handed_clipboard"_s);
-        if (receipt.kind == "file"_L1) return Language::text(language, u"sent.handed_file"_s);
-        if (receipt.kind == "mail"_L1) return Language::text(language, u"sent.handed_mail"_s);
-    }
-    if (known.contains(receipt.kind)) return Language::text(language, u"sent."_s + receipt.kind);
-    return text::shortened(text::oneLine(receipt.kind), longestName);
-}
-
-QString placeOf(const Receipt& receipt, const QString& language)
-{
-    if (receipt.to == "clipboard"_L1) return Language::text(language, u"sent.to_clipboard"_s);
-    if (receipt.to == "mail"_L1) return Language::text(language, u"sent.to_mail"_s);
-    if (receipt.to == "menu"_L1) return Language::text(language, u"sent.to_menu"_s);
-    const QUrl url{receipt.to};
-    const QString host = url.host().isEmpty() ? receipt.to : url.authority();
-    return text::shortened(text::oneLine(host), longestName);
-}
-
-QString resultOf(const Receipt& receipt, const QString& language)
-{
-    const auto say = [&](const char* key) { return Language::text(language, QString::fromLatin1(key)); };
-    if (receipt.result == "answered"_L1) return say("sent.answered");
-    if (receipt.result == "refused"_L1) return say("sent.refused");
-    if (receipt.result == "begun"_L1) return say("sent.begun");
-    if (receipt.result != "failed"_L1) return {};
-    if (receipt.reason == "offline"_L1) return say("sent.offline");
-    if (receipt.reason == "timeout"_L1) return say("sent.timeout");
-    if (receipt.reason == "tls"_L1) return say("sent.tls");
-    if (receipt.reason == "cancelled"_L1) return say("sent.cancelled");
-    return Language::text(language, u"sent.status"_s, QString::number(receipt.status));
 }
 
 QString dashless(const QStringList& parts)
@@ -161,22 +118,22 @@ SentRow SentModel::drawn(const Row& row) const
     const Receipt& receipt = row.receipt;
     const QString when = captions::moment(QDateTime::fromSecsSinceEpoch(qint64(receipt.time)),
                                           m_scheduler.moment().date(), language);
-    const QString place = placeOf(receipt, language);
+    const QString place = receiptWords::place(receipt, language);
     SentRow shown;
     shown.first = row.first;
     shown.last = row.last;
     shown.symbol = symbolOf(receipt.kind);
-    shown.title = titleOf(receipt, language);
+    shown.title = receiptWords::title(receipt, language);
     shown.line = place.isEmpty() ? when : when + u" → "_s + place;
     if (m_stem.isEmpty() && !receipt.stem.isEmpty())
         shown.line += Language::text(language, u"common.dot"_s) +
-                      text::shortened(text::oneLine(receipt.stem), longestName);
+                      text::shortened(text::oneLine(receipt.stem), receiptWords::longest);
     for (const auto& [part, key] : {std::pair{"names", "sent.without_names"}, {"numbers", "sent.without_numbers"}}) {
         if (!receipt.parts.contains(QLatin1StringView{part})) continue;
         shown.line += Language::text(language, u"common.dot"_s) + Language::text(language, QString::fromLatin1(key));
     }
     if (receipt.bytes > 0) shown.size = Language::count(language, u"sent.bytes"_s, receipt.bytes);
-    shown.result = resultOf(receipt, language);
+    shown.result = receiptWords::result(receipt, language);
     shown.good = receipt.result == "answered"_L1;
     shown.spoken = dashless({shown.title, shown.line, shown.size, shown.result});
     return shown;

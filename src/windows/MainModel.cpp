@@ -95,12 +95,17 @@ void MainModel::followMeetings()
     m_ground.index.follow(m_store.list()->all(), std::exchange(m_touched, {}));
 }
 
-void MainModel::openOnceThere(const QString& id)
+void MainModel::openOnceThere(const QString& id, const QString& stamp, const QString& query)
 {
     setTab(Tab::Meetings);
-    if (m_store.list()->find(id)) return open(id);
-    connect(
-        &m_store, &MeetingStore::scanned, this, [this, id] { open(id); }, Qt::SingleShotConnection);
+    const auto go = [this, id, stamp, query] {
+        open(id);
+        if (!m_detail || m_detail->id() != id || (stamp.isEmpty() && query.isEmpty())) return;
+        m_detail->openTranscript(stamp);
+        if (!query.isEmpty()) m_detail->transcript()->setQuery(query);
+    };
+    if (m_store.list()->find(id)) return go();
+    connect(&m_store, &MeetingStore::scanned, this, go, Qt::SingleShotConnection);
     m_store.reload();
 }
 

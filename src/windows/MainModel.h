@@ -76,8 +76,9 @@ public:
     Q_INVOKABLE void open(const QString& id);
     /// The same, at what was found there.
     Q_INVOKABLE void openAt(const QString& id, const murmeli::FoundPlace& place);
-    /// The same for one that the next scan may bring; in the tab of the meetings.
-    void openOnceThere(const QString& id);
+    /// The same for one that the next scan may bring, in the tab of the meetings; where there is one,
+    /// at a moment of its transcript, or looking for something in that.
+    void openOnceThere(const QString& id, const QString& stamp = {}, const QString& query = {});
     /// Back to the list. \return the meeting that was open.
     Q_INVOKABLE QString back();
 

@@ -209,7 +209,7 @@ private slots:
         const QString line = u"murmeli://auth#token=я%20"_s;
         std::thread second{[&] {
             const SingleInstance later{folder.path()};
-            if (!later.isFirst()) later.tellFirst(line);
+            if (!later.isFirst()) SingleInstance::tell(folder.path(), line);
         }};
         QTRY_COMPARE(told.size(), 1);
         second.join();
@@ -227,7 +227,7 @@ private slots:
         SingleInstance instance{folder.path()};
         instance.listen();
         QSignalSpy told{&instance, &SingleInstance::told};
-        std::thread second{[&] { SingleInstance{folder.path()}.tellFirst(u"activate"_s); }};
+        std::thread second{[&] { SingleInstance::tell(folder.path(), u"activate"_s); }};
         QTRY_COMPARE(told.size(), 1);
         second.join();
 

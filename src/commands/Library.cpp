@@ -1,0 +1,96 @@
+#include "Library.h"
+
+#include "base/Files.h"
+#include "language/Words.h"
+#include "meetings/MeetingScanner.h"
+#include "meetings/SummaryFile.h"
+
+#include <QFile>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace murmeli {
+
+Library::Library(const Paths& paths)
+    : m_folder(paths.logs),
+      m_protocols(std::make_shared<ProtocolFinder>(paths.vaultDir)),
+      m_files(paths, m_protocols)
+{
+}
+
+const QStringList& Library::stems()
+{
+    if (m_stems) return *m_stems;
+    m_stems.emplace();
+    for (const QByteArray& name : files::namesIn(QFile::encodeName(m_folder)).value_or(QList<QByteArray>{})) {
+        if (name.endsWith(summaryFile::suffix.data()) && !name.startsWith('.'))
+            m_stems->append(QFile::decodeName(name.chopped(summaryFile::suffix.size())));
+    }
+    std::ranges::sort(*m_stems, std::greater{});
+    return *m_stems;
+}
+
+std::optional<Meeting> Library::read(const QString& stem) const
+{
+    const QString path = m_folder + u'/' + stem + summaryFile::suffix;
+    files::Identity identity;
+    const auto bytes = files::readWhole(QFile::encodeName(path), summaryFile::sizeLimit, &identity);
+    return bytes ? summaryFile::meeting(*bytes, path, stem, identity.modifiedNs / 1'000'000) : std::nullopt;
+}
+
+QList<Meeting> Library::newest(qsizetype most, const Span& span)
+{
+    QList<Meeting> meetings;
+    const auto take = [&](const QString& stem) {
+        const auto meeting = read(stem);
+        if (!meeting) return;
+        const QDate day = meeting->startedAt.date();
+        if ((!span.since || day >= *span.since) && (!span.until || day <= *span.until)) meetings.append(*meeting);
+    };
+    qsizetype read = 0;
+    for (const QString& stem : stems()) {
+        const auto begin = summaryFile::dateFromStem(stem);
+        // A day more, for starts that were written elsewhere on the globe.
+        const bool near = begin && (!span.since || begin->date() >= span.since->addDays(-1)) &&
+            (!span.until || begin->date() <= span.until->addDays(1));
+        if (begin && (!near || read >= most + most / 2 + 2)) continue;
+        if (begin) ++read;
+        take(stem);
+    }
+    std::ranges::stable_sort(meetings, std::greater{}, &Meeting::startedAt);
+    return meetings.first(std::min(most, meetings.size()));
+}
+
+QList<Meeting> Library::find(const QString& words)
+{
+    if (words == "last"_L1) return newest(1, {});
+    if (!words.contains(u'/')) {
+        if (const auto meeting = read(words)) return {*meeting};
+    }
+    QList<Meeting> found;
+    for (const QString& stem : stems()) {
+        if (!stem.startsWith(words)) continue;
+        if (const auto meeting = read(stem)) found.append(*meeting);
+    }
+    if (!found.isEmpty()) return found;
+    words::Keys keys;
+    const auto keysOf = [&keys](const QString& text) {
+        QList<QByteArray> list;
+        for (const words::Span& word : words::split(text))
+            list.append(keys.of(word.in(text)));
+        return list;
+    };
+    const QList<QByteArray> wanted = keysOf(words);
+    if (wanted.isEmpty()) return {};
+    MeetingScanner scanner{m_folder};
+    for (const ListedMeeting& listed : scanner.scan().meetings) {
+        const QList<QByteArray> title = keysOf(listed.meeting.title);
+        if (std::ranges::all_of(wanted, [&](const QByteArray& key) { return title.contains(key); }))
+            found.append(listed.meeting);
+    }
+    return found;
+}
+
+} // namespace murmeli
