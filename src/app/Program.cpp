@@ -139,6 +139,8 @@ void Program::connectNotices()
     connect(&pulse, &Pulse::diskRanLow, this, [this] { announce(noticeKind::Disk); });
     connect(&writeUp, &WriteUp::becameReady, this, [this] { announce(noticeKind::Ready); });
     connect(&writeUp, &WriteUp::becameSlow, this, [this] { announce(noticeKind::Slow); });
+    connect(&board, &NoticeBoard::summaryCopied, this,
+            [this](const QString& id, qint64 bytes) { receipts.noteCopied(id, u"excerpt"_s, bytes); });
     connect(&board, &NoticeBoard::meetingRequested, this, [this](const QString& id) {
         emit mainWindowWanted();
         main().openOnceThere(id);

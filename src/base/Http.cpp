@@ -25,6 +25,8 @@ public:
           m_done(std::move(done))
     {
         connect(m_reply, &QNetworkReply::readyRead, this, &Exchange::take);
+        connect(m_reply, &QNetworkReply::uploadProgress, this,
+                [this](qint64 sent) { m_answer.sent = m_answer.sent || sent > 0; });
         connect(m_reply, &QNetworkReply::finished, this, &Exchange::finish);
         QTimer::singleShot(request.timeout, this, [this] { giveUp(HttpAnswer::Failure::Timeout); });
     }

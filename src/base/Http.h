@@ -41,6 +41,7 @@ struct HttpAnswer {
     enum class Failure { None, Transport, Tls, Timeout, TooLarge, Redirect, Refused };
     Failure failure = Failure::None; ///< refused: nothing was sent
     int status = 0;                  ///< 0 when no answer came
+    bool sent = false;               ///< of the request's body something has left
     QByteArray body;                 ///< empty after a failure
     QString
         errorText; ///< of a transport failure or time-out, in the platform's own words; no header or token

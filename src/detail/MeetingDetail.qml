@@ -59,7 +59,8 @@ Item {
 
     Keys.onEscapePressed: root.back()
     Keys.onPressed: event => {
-        if (event.matches(StandardKey.Undo) && !root.analysing && !root.reading) root.detail.undoLast();
+        const undoes = !root.analysing && !root.reading && (!root.listing || root.detail.sheet === MeetingDetailModel.Changes);
+        if (event.matches(StandardKey.Undo) && undoes) root.detail.undoLast();
         else if (root.analysing || root.reading || root.listing || !ScrollKeys.take(list, event)) return;
         event.accepted = true;
     }

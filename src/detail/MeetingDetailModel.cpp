@@ -86,6 +86,14 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
         m_edited = true;
         load(Correction{change.section, change.index, m_sections.textOf(change.section, change.index)});
     });
+    connect(&m_changes, &ProtocolChanges::told, this, [this] {
+        if (m_work.editor->outcome() != ProtocolEditor::Outcome::Working) m_work.editor->reset(); // the older one
+    });
+    connect(&m_changes, &ProtocolChanges::copied, this, [this](qint64 bytes) { noteCopied(u"excerpt"_s, bytes); });
+    connect(&m_report, &ReportLoader::copied, this, [this](qint64 bytes) { noteCopied(u"excerpt"_s, bytes); });
+    connect(&m_transcript, &TranscriptModel::copied, this, [this](bool whole, qint64 bytes) {
+        noteCopied(whole ? u"transcript"_s : u"excerpt"_s, bytes);
+    });
     connect(&m_changes, &ProtocolChanges::written, this, [this](const ProtocolChange& change) {
         m_edited = true;
         load(Correction{change.section, change.index, m_sections.textOf(change.section, change.index)});
@@ -278,6 +286,11 @@ void MeetingDetailModel::reveal()
     if (m_protocol) m_ground.desktop.reveal(*m_protocol, m_ground.paths.vaultDir);
 }
 
+void MeetingDetailModel::noteCopied(const QString& part, qint64 bytes)
+{
+    m_ground.receipts.noteCopied(m_meeting.id, part, bytes);
+}
+
 void MeetingDetailModel::copyItem(int row) { copyText(m_sections.text(row)); }
 
 void MeetingDetailModel::copyProtocol()
@@ -285,12 +298,16 @@ void MeetingDetailModel::copyProtocol()
     QStringList parts{title() + u'\n' + dateLine()};
     if (!m_meeting.tldr.isEmpty()) parts.append(m_meeting.tldr);
     parts.append(m_sections.words(m_ground.language.current()));
-    copyText(parts.join(u"\n\n"_s));
+    const QString text = parts.join(u"\n\n"_s);
+    m_ground.desktop.copyText(text);
+    noteCopied(u"sections"_s, text.toUtf8().size());
 }
 
 void MeetingDetailModel::copyText(const QString& text)
 {
-    if (!text.isEmpty()) m_ground.desktop.copyText(text);
+    if (text.isEmpty()) return;
+    m_ground.desktop.copyText(text);
+    noteCopied(u"excerpt"_s, text.toUtf8().size());
 }
 
 void MeetingDetailModel::openReport()

@@ -203,6 +203,7 @@ private:
     };
     /// Reads the file; what was corrected in it is marked then.
     void load(const std::optional<Correction>& correction = {});
+    void noteCopied(const QString& part, qint64 bytes);
     void noteHandedOut(const QString& kind, const QString& to, const QString& path);
     /// Runs once it is known whether the meeting is locked: what has just been opened is not refused.
     void onceLockIsKnown(const std::function<void()>& work);

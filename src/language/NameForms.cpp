@@ -247,7 +247,11 @@ QStringList relatedTo(QStringView word)
     const QString name = plain(word);
     if (name.isEmpty()) return {};
     QStringList forms;
+    // They begin too many sentences that are about something else.
+    static const QSet<QString> commonBeginnings{u"тема"_s, u"поля"_s, u"света"_s, u"лана"_s, u"ник"_s, u"ден"_s,
+                                                u"will"_s, u"bill"_s, u"drew"_s};
     for (const QString& other : QStringList{name} + personNames::othersFor(name)) {
+        if (other != name && commonBeginnings.contains(other)) continue;
         forms += of(other);
         const QString stem = other.chopped(1);
         if (!isCyrillic(other) || stem.size() < 2) continue;

@@ -60,8 +60,10 @@ WordSequence::Match WordSequence::nearest(QStringView quotation, Keys& keys, qsi
                               : wanted.key == word.key ? anotherForm
                                                        : anotherWord;
             Cell cell{before[i - 1].cost + other, before[i - 1].first};
-            if (const int missing = now[i - 1].cost + anotherWord; missing < cell.cost)
-                cell = {missing, now[i - 1].first};
+            // Of equal ones the one that begins later: what stands before it is somebody else's.
+            if (const Cell missing{now[i - 1].cost + anotherWord, now[i - 1].first};
+                missing.cost < cell.cost || (missing.cost == cell.cost && missing.first > cell.first))
+                cell = missing;
             if (const int more = before[i].cost + oneMore; more < cell.cost) cell = {more, before[i].first};
             now[i] = cell;
         }

@@ -540,7 +540,7 @@ const std::array<Text, ownTextCount> englishOwn = {{
     {"sent.refused", u"not sent: locked"},
     {"sent.begun", u"begun, its end is not known"},
     {"sent.offline", u"failed: no network"},
-    {"sent.timeout", u"failed: no answer"},
+    {"sent.timeout", u"no answer; it may have arrived"},
     {"sent.tls", u"failed: the connection is not secure"},
     {"sent.cancelled", u"cancelled"},
     {"sent.status", u"the server answered with error %@"},
@@ -665,6 +665,9 @@ const std::array<Text, ownTextCount> englishOwn = {{
     {"command.fault.pdf", u"a PDF does not go to a terminal: name a file, -o FILE"},
     {"command.fault.lang", u"there is no such language: %@"},
     {"command.fault.command", u"there is no such command: %@"},
+    {"sent.broken", u"the connection broke; it may have arrived"},
+    {"sent.excerpt", u"An excerpt, copied"},
+    {"sent.transcript", u"The transcript, copied"},
 }};
 
 } // namespace murmeli::texts

@@ -538,7 +538,7 @@ const std::array<Text, ownTextCount> russianOwn = {{
     {"sent.refused", u"не отправлено: замок закрыт"},
     {"sent.begun", u"отправка начата, чем кончилась — неизвестно"},
     {"sent.offline", u"не дошло: нет сети"},
-    {"sent.timeout", u"не дошло: нет ответа"},
+    {"sent.timeout", u"ответа не было, могло дойти"},
     {"sent.tls", u"не дошло: соединение не защищено"},
     {"sent.cancelled", u"прервано"},
     {"sent.status", u"сервер ответил ошибкой %@"},
@@ -663,6 +663,9 @@ const std::array<Text, ownTextCount> russianOwn = {{
     {"command.fault.pdf", u"PDF не выводится на терминал: назовите файл, -o ФАЙЛ"},
     {"command.fault.lang", u"нет такого языка: %@"},
     {"command.fault.command", u"нет такой команды: %@"},
+    {"sent.broken", u"связь прервалась, могло дойти"},
+    {"sent.excerpt", u"Отрывок — скопирован"},
+    {"sent.transcript", u"Расшифровка — скопирована"},
 }};
 
 } // namespace murmeli::texts

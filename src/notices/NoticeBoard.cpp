@@ -220,6 +220,7 @@ void NoticeBoard::act(int kind, int action)
     }
     case NoticeAction::CopySummary:
         m_ground.desktop.copyText(m_ground.writeUp.ready()->tldr);
+        emit summaryCopied(m_ground.writeUp.ready()->id, m_ground.writeUp.ready()->tldr.toUtf8().size());
         return m_ground.writeUp.dismissReady();
     case NoticeAction::Install:
         emit installRequested();

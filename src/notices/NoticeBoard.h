@@ -55,6 +55,7 @@ signals:
     void changed();
     void installRequested();
     void permissionsRequested();
+    void summaryCopied(const QString& id, qint64 bytes);
     void meetingRequested(const QString& id);
     void folderOpened(); ///< in a window of its own
 

@@ -3,6 +3,7 @@
 #include "language/Difference.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <algorithm>
 #include <vector>
@@ -15,28 +16,18 @@ using Kind = ProtocolChange::Kind;
 using State = ChangeHistory::State;
 
 constexpr double another = 0.98; // what differs of an item of which nothing is the same: less than two halves
+constexpr qsizetype mostForeign = 100;
 constexpr qsizetype mostMatched = 10'000; // pairs of items
 
-bool reads(const QList<ProtocolItem>& items, const QString& section, const QString& text)
-{
-    return std::ranges::any_of(
-        items, [&](const ProtocolItem& item) { return item.section == section && item.text == text; });
-}
+/// Texts, each in its section.
+using Texts = QSet<std::pair<QString, QString>>;
 
-/// Without those of which only the beginning was noted and that left no trace.
-QList<ProtocolChange> carriedOut(const Ledger::Content& ledger, const QList<ProtocolItem>& items)
+Texts textsOf(const QList<ProtocolItem>& items)
 {
-    QList<ProtocolChange> result;
-    for (qsizetype i = ledger.changes.size() - 1; i >= 0; --i) {
-        const ProtocolChange& change = ledger.changes[i];
-        const auto follows = [&](const ProtocolChange& later) {
-            return later.section == change.section && later.before == change.after;
-        };
-        if (ledger.ended.contains(change.id) || reads(items, change.section, change.after) ||
-            std::ranges::any_of(result, follows))
-            result.prepend(change);
-    }
-    return result;
+    Texts texts;
+    for (const ProtocolItem& item : items)
+        texts.insert({item.section, item.text});
+    return texts;
 }
 
 /// The item that is most like a text, among those that no other change has written.
@@ -56,38 +47,60 @@ QString nearest(const QList<ProtocolItem>& items, const ProtocolChange& change, 
 
 } // namespace
 
+QList<ProtocolChange> ChangeHistory::carriedOut(const Ledger::Content& ledger, const QList<ProtocolItem>& items)
+{
+    const Texts standing = textsOf(items);
+    Texts followed; // by a later change of the same item
+    QList<ProtocolChange> result;
+    for (auto change = ledger.changes.crbegin(); change != ledger.changes.crend(); ++change) {
+        const auto reads = [&](const QString& text) {
+            return std::ranges::any_of(items, [&](const ProtocolItem& item) {
+                return item.section == change->section && item.index == change->index && item.text == text;
+            });
+        };
+        const bool ended = ledger.ended.contains(change->id);
+        const std::pair after{change->section, change->after};
+        if (!ended && !followed.contains(after) && (reads(change->before) || !standing.contains(after))) continue;
+        followed.insert({change->section, change->before});
+        result.append(*change);
+    }
+    std::ranges::reverse(result);
+    return result;
+}
+
 ChangeHistory ChangeHistory::of(const Ledger::Content& ledger, const QList<ProtocolItem>& items)
 {
+    const Texts standing = textsOf(items);
     ChangeHistory history;
+    QHash<QString, qsizetype> places; // of the entries, by their ids
     for (const ProtocolChange& change : carriedOut(ledger, items)) {
         if (change.kind == Kind::Remark) {
+            places.insert(change.id, history.entries.size());
             history.entries.append({.change = change});
             continue;
         }
-        const auto entry =
-            std::ranges::find(history.entries, change.of, [](const Entry& one) { return one.change.id; });
-        if (entry == history.entries.end()) continue;
-        entry->state = change.kind == Kind::Undo ? State::Undone : State::Holds;
-        entry->undoneAt = change.time;
+        const qsizetype place = places.value(change.of, -1);
+        if (place < 0) continue;
+        history.entries[place].state = change.kind == Kind::Undo ? State::Undone : State::Holds;
+        history.entries[place].undoneAt = change.time;
     }
     QSet<QString> written;
     for (const Entry& entry : std::as_const(history.entries)) {
         if (entry.state == State::Holds) written.insert(entry.change.after);
     }
-    for (qsizetype i = 0; i < history.entries.size(); ++i) {
-        Entry& entry = history.entries[i];
-        const ProtocolChange& change = entry.change;
-        const bool replaced =
-            std::any_of(history.entries.cbegin() + i + 1, history.entries.cend(), [&](const Entry& later) {
-                return later.state == State::Holds && later.change.section == change.section &&
-                       later.change.before == change.after;
-            });
-        if (entry.state != State::Holds || replaced || reads(items, change.section, change.after)) continue;
-        if (reads(items, change.section, change.before)) {
-            entry.state = ledger.kept.contains(change.id) ? State::Kept : State::Overwritten;
-        } else {
-            history.foreign.append(
-                {change.id, change.section, change.after, nearest(items, change, written)});
+    Texts replaced; // by a later change that holds
+    for (auto entry = history.entries.rbegin(); entry != history.entries.rend(); ++entry) {
+        const ProtocolChange& change = entry->change;
+        const std::pair after{change.section, change.after};
+        const std::pair before{change.section, change.before};
+        if (entry->state != State::Holds) continue;
+        const bool stands = replaced.contains(after) || standing.contains(after);
+        replaced.insert(before);
+        if (stands) continue;
+        if (standing.contains(before)) {
+            entry->state = ledger.kept.contains(change.id) ? State::Kept : State::Overwritten;
+        } else if (history.foreign.size() < mostForeign) {
+            history.foreign.prepend({change.id, change.section, change.after, nearest(items, change, written)});
         }
     }
     return history;

@@ -71,18 +71,12 @@ Item {
             Row {
                 id: tools
                 anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-                PillButton {
-                    visible: root.row.undoable
-                    symbol: "arrow.counterclockwise"
-                    text: L.t("ledger.undo")
-                    spokenName: L.t("ledger.undo.name", root.row.spoken)
-                    onClicked: root.undoAsked()
-                }
-                PillButton {
-                    visible: root.row.redoable
-                    text: L.t("ledger.redo")
-                    spokenName: L.t("ledger.redo.name", root.row.spoken)
-                    onClicked: root.redoAsked()
+                PillButton { // one, so that it keeps the keyboard
+                    visible: root.row.undoable || root.row.redoable
+                    symbol: root.row.undoable ? "arrow.counterclockwise" : ""
+                    text: root.row.undoable ? L.t("ledger.undo") : L.t("ledger.redo")
+                    spokenName: root.row.undoable ? L.t("ledger.undo.name", root.row.spoken) : L.t("ledger.redo.name", root.row.spoken)
+                    onClicked: root.row.undoable ? root.undoAsked() : root.redoAsked()
                 }
                 Pill {
                     visible: root.row.foreign

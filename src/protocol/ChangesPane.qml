@@ -76,11 +76,24 @@ Item {
                 x: Theme.padMain
                 y: 18
                 width: parent.width - 2 * Theme.padMain
-                bottomPadding: root.changes.overwrittenCount > 0 || root.changes.unreadable ? 14 : 0
+                bottomPadding: root.changes.overwrittenCount > 0 || root.changes.unreadable || told.visible ? 14 : 0
+                spacing: Theme.gapRow
                 OverwrittenNote {
                     width: parent.width
                     visible: root.changes.overwrittenCount > 0
                     changes: root.changes
+                }
+                Label {
+                    id: told
+                    width: parent.width
+                    visible: !root.changes.message.empty
+                    type: Theme.sub
+                    color: root.changes.failed ? Theme.inkRed : Theme.text2
+                    wrapMode: Text.Wrap
+                    maximumLineCount: 3
+                    elide: Text.ElideRight
+                    text: L.say(root.changes.message)
+                    Accessible.role: root.changes.failed ? Accessible.AlertMessage : Accessible.StatusBar
                 }
                 Label {
                     width: parent.width

@@ -87,19 +87,21 @@ Ledger::Content Ledger::read() const
     Content content{.unreadable = lines.unreadable};
     QSet<QString> failed;
     for (const QJsonObject& line : lines.lines) {
+        if (json::text(line, "step"_L1) == "failed"_L1) failed.insert(json::text(line, "id"_L1));
+    }
+    for (const QJsonObject& line : lines.lines) {
         const QString id = json::text(line, "id"_L1);
         const QString step = json::text(line, "step"_L1);
         const QString kind = json::text(line, "kind"_L1);
         if (step == "done"_L1) {
             content.ended.insert(id);
-        } else if (step == "failed"_L1) {
-            failed.insert(id);
         } else if (kind == "kept"_L1) {
             content.kept.insert(json::text(line, "of"_L1));
         } else if (kind == "original"_L1 && content.original.isEmpty()) {
             for (const QJsonObject& item : json::objects(line, "items"_L1))
                 content.original.append(itemOf(item));
         } else if (const auto known = kindOf(kind); known && !id.isEmpty()) {
+            if (failed.contains(id)) continue;
             if (*known == Kind::Redo) content.kept.remove(json::text(line, "of"_L1));
             content.changes.append({.id = id,
                                     .time = dates::fromIso8601(json::text(line, "t"_L1)).value_or(0),
@@ -113,7 +115,6 @@ Ledger::Content Ledger::read() const
                                     .of = json::text(line, "of"_L1)});
         }
     }
-    content.changes.removeIf([&](const ProtocolChange& change) { return failed.contains(change.id); });
     return content;
 }
 

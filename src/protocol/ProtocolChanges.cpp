@@ -40,8 +40,12 @@ QString titleOf(const QString& section, const QString& language)
 
 QList<words::Piece> between(const QString& before, const QString& after)
 {
-    return words::brief(
-        words::difference(text::shortened(before, mostCompared), text::shortened(after, mostCompared)));
+    QList<words::Piece> pieces = words::brief(words::difference(before, after));
+    if (pieces.isEmpty()) // they are too long
+        pieces = words::difference(text::shortened(before, mostCompared), text::shortened(after, mostCompared));
+    for (words::Piece& piece : pieces)
+        piece.text = text::shortened(piece.text, mostCompared);
+    return pieces;
 }
 
 } // namespace
@@ -72,12 +76,25 @@ void ProtocolChanges::load(const Meeting& meeting)
         Content content{.history = ChangeHistory::of(lines, items),
                         .rows = {},
                         .fileTime = double(identity.modifiedNs) / 1e9,
-                        .unreadable = lines.unreadable};
+                        .unreadable = lines.unreadable,
+                        .unfinished = std::ranges::any_of(lines.changes, [&](const ProtocolChange& change) {
+                            return !lines.ended.contains(change.id);
+                        })};
+        for (const ChangeHistory::Entry& entry : std::as_const(content.history.entries)) {
+            const bool undo = entry.state == State::Holds;
+            const ProtocolChange wish{.section = entry.change.section,
+                                      .index = entry.change.index,
+                                      .before = undo ? entry.change.after : entry.change.before};
+            if (ProtocolWriter::meant(items, wish, ProtocolWriter::Where::Anywhere)) content.possible.insert(entry.change.id);
+        }
         content.rows = comparing ? rowsOf(compared(lines.original, items)) : rowsOf(content.history);
         return content;
     };
     inBackground(m_load.renew(), read, [this](const std::optional<Content>& content) {
         if (!content) return;
+        if (content->unfinished && !std::exchange(m_settled, true)) m_ground.writer.settle(m_meeting);
+        m_gone.subtract(content->possible);
+        m_writing.subtract(std::exchange(m_written, {}));
         m_history = content->history;
         m_fileTime = content->fileTime;
         m_unreadable = content->unreadable;
@@ -183,8 +200,14 @@ void ProtocolChanges::redo(int row)
 
 void ProtocolChanges::undoLast()
 {
-    const auto last = std::find_if(m_history.entries.crbegin(), m_history.entries.crend(),
-                                   [](const auto& entry) { return entry.state == State::Holds; });
+    QSet<QString> passed = m_gone;
+    for (const auto& foreign : std::as_const(m_history.foreign))
+        passed.insert(foreign.change);
+    const auto last =
+        std::find_if(m_history.entries.crbegin(), m_history.entries.crend(), [&](const auto& entry) {
+            const QString& id = entry.change.id;
+            return entry.state == State::Holds && !passed.contains(id) && !m_writing.contains(id);
+        });
     if (last != m_history.entries.crend()) write(*last, Kind::Undo);
 }
 
@@ -206,7 +229,7 @@ void ProtocolChanges::keep()
             ids, [&](const QString& id) { return ledger.keep(id, now) == OwnWritten::Yes; });
     };
     inBackground(this, note, [this](bool noted) {
-        if (!noted) say(Message::of("own.failed", u"edits"_s));
+        if (!noted) say(Message::of("own.failed", u"edits"_s), true);
         load(m_meeting);
     });
 }
@@ -214,7 +237,9 @@ void ProtocolChanges::keep()
 void ProtocolChanges::write(const ChangeHistory::Entry& entry, Kind kind)
 {
     const bool undo = kind == Kind::Undo;
-    const ProtocolChange& of = entry.change;
+    const ProtocolChange of = entry.change;
+    if (m_writing.contains(of.id)) return;
+    m_writing.insert(of.id);
     const ProtocolChange change{.kind = kind,
                                 .section = of.section,
                                 .index = of.index,
@@ -226,20 +251,21 @@ void ProtocolChanges::write(const ChangeHistory::Entry& entry, Kind kind)
         m_meeting, change, ProtocolWriter::Where::Anywhere, this,
         [this](ProtocolWriter::Written outcome, const ProtocolChange& change) {
             using Written = ProtocolWriter::Written;
+            m_written.insert(change.of);
             switch (outcome) {
             case Written::Yes:
                 say(Message::of(change.kind == Kind::Undo ? "ledger.undone" : "ledger.redone", change.after));
                 break;
             case Written::Unlisted:
-                say(Message::of("ledger.failed"));
+                say(Message::of("ledger.failed"), true);
                 break;
             case Written::Changed:
             case Written::NotFound:
                 m_gone.insert(change.of);
-                say(Message::of("ledger.gone"));
+                say(Message::of("ledger.gone"), true);
                 break;
             case Written::Failed:
-                say(Message::of("editor.error.save"));
+                say(Message::of("editor.error.save"), true);
                 break;
             }
             if (outcome == Written::Yes || outcome == Written::Unlisted) emit written(change);
@@ -248,9 +274,11 @@ void ProtocolChanges::write(const ChangeHistory::Entry& entry, Kind kind)
         });
 }
 
-void ProtocolChanges::say(const Message& message)
+void ProtocolChanges::say(const Message& message, bool failed)
 {
     m_message = message;
+    m_failed = failed;
+    if (!message.isEmpty()) emit told();
     emit changed();
 }
 
@@ -261,7 +289,12 @@ void ProtocolChanges::forgetMessage()
 
 void ProtocolChanges::copyBefore(int row)
 {
-    if (const auto* entry = entryAt(row)) m_ground.desktop.copyText(entry->change.before);
+    const auto* entry = entryAt(row);
+    if (!entry) return;
+    const bool undone = entry->state != State::Holds; // then what was to come back is the text after it
+    const QString& text = undone ? entry->change.after : entry->change.before;
+    m_ground.desktop.copyText(text);
+    emit copied(text.toUtf8().size());
 }
 
 ChangeRow ProtocolChanges::drawn(const Row& row) const

@@ -53,6 +53,7 @@ class ProtocolChanges final : public QAbstractListModel {
     Q_PROPERTY(QString overwritten READ overwritten NOTIFY changed FINAL) ///< what the service has put back
     Q_PROPERTY(int overwrittenCount READ overwrittenCount NOTIFY changed FINAL)
     Q_PROPERTY(murmeli::Message message READ message NOTIFY changed FINAL) ///< of the last wish
+    Q_PROPERTY(bool failed READ failed NOTIFY changed FINAL)               ///< and it could not be carried out
 
 public:
     struct Ground {
@@ -74,15 +75,16 @@ public:
     [[nodiscard]] QString overwritten() const;
     [[nodiscard]] int overwrittenCount() const;
     [[nodiscard]] Message message() const { return m_message; }
+    [[nodiscard]] bool failed() const { return m_failed; }
 
     /// Reads the ledger and the protocol again.
     void load(const Meeting& meeting);
 
     Q_INVOKABLE void undo(int row);
     Q_INVOKABLE void redo(int row);
-    /// The last change that holds.
+    /// The last change that holds and can be.
     Q_INVOKABLE void undoLast();
-    /// Puts what a change had replaced on the clipboard.
+    /// Puts what was to come back on the clipboard.
     Q_INVOKABLE void copyBefore(int row);
 
     /// Writes again what the service has put back, or lets it stand.
@@ -97,6 +99,8 @@ public:
 
 signals:
     void changed();
+    void told(); ///< there is another message
+    void copied(qint64 bytes);
     void written(const murmeli::ProtocolChange& change); ///< into the summary file
 
 private:
@@ -113,6 +117,8 @@ private:
         QList<Row> rows;
         double fileTime = 0;
         bool unreadable = false;
+        bool unfinished = false; ///< some changes are only begun
+        QSet<QString> possible;  ///< ids of changes that can be undone or made again
     };
     static QList<Row> rowsOf(const ChangeHistory& history);
     static QList<Row> rowsOf(const QList<ComparedItem>& items);
@@ -120,14 +126,18 @@ private:
     [[nodiscard]] ChangeRow drawn(const Row& row) const;
     void write(const ChangeHistory::Entry& entry, ProtocolChange::Kind kind);
     [[nodiscard]] const ChangeHistory::Entry* entryAt(int row) const;
-    void say(const Message& message);
+    void say(const Message& message, bool failed = false);
 
     Ground m_ground;
     Meeting m_meeting;
     ChangeHistory m_history;
     QList<Row> m_rows;
     QSet<QString> m_gone; ///< ids of changes whose text was no longer there
+    QSet<QString> m_writing; ///< ids of changes that are being undone or made again, until that is seen
+    QSet<QString> m_written; ///< those of them for which it is done
     Message m_message;
+    bool m_failed = false;
+    bool m_settled = false; ///< what an earlier run had begun
     double m_fileTime = 0; ///< of the summary file, in seconds since 1970 UTC
     bool m_comparing = false;
     bool m_unreadable = false;

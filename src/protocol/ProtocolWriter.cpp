@@ -1,5 +1,6 @@
 #include "ProtocolWriter.h"
 
+#include "ChangeHistory.h"
 #include "base/Background.h"
 #include "base/Files.h"
 #include "base/Json.h"
@@ -30,8 +31,10 @@ constexpr auto lookPause = 100ms;
 constexpr int mostLooks = 20;
 constexpr int idleThread = 1000; // milliseconds for which the thread waits for more
 
-/// The item that a change means, in the protocol as it is now.
-std::optional<ProtocolItem> meant(const QList<ProtocolItem>& items, const ProtocolChange& change, Where where)
+} // namespace
+
+std::optional<ProtocolItem> ProtocolWriter::meant(const QList<ProtocolItem>& items, const ProtocolChange& change,
+                                                  Where where)
 {
     QList<ProtocolItem> same;
     for (const ProtocolItem& item : items) {
@@ -41,8 +44,6 @@ std::optional<ProtocolItem> meant(const QList<ProtocolItem>& items, const Protoc
     }
     return where == Where::Anywhere && same.size() == 1 ? std::optional{same.first()} : std::nullopt;
 }
-
-} // namespace
 
 /// A change on its way. Used beside the main thread by one look at a time.
 struct ProtocolWriter::Attempt {
@@ -83,12 +84,14 @@ std::optional<Written> ProtocolWriter::Attempt::put(double now)
     if (!item) return Written::Changed;
     const auto corrected = protocolItems::corrected(*bytes, item->section, item->index, change.after, now);
     if (!corrected) return Written::NotFound;
+    change.index = item->index;
+    change.field = item->field.value_or(QString{});
     if (!std::exchange(begun, true)) {
-        change.index = item->index;
-        change.field = item->field.value_or(QString{});
         change.time = now;
         listed = ledger.begin(change, items) == OwnWritten::Yes;
     }
+    // A remark is what the user wants in any case; but what is undone unseen would look like somebody else's.
+    if (!listed && change.kind != ProtocolChange::Kind::Remark) return Written::Failed;
     const auto unchanged = [&] { return files::readWhole(file, summaryFile::sizeLimit) == bytes; };
     switch (files::writeAtomicIf(file, *corrected, unchanged)) {
     case files::Written::Yes:
@@ -103,7 +106,11 @@ std::optional<Written> ProtocolWriter::Attempt::put(double now)
 
 ProtocolWriter::ProtocolWriter(const Paths& paths, Processes& processes, Scheduler& scheduler,
                                QObject* parent)
-    : QObject(parent), m_paths(paths), m_processes(processes), m_scheduler(scheduler)
+    : QObject(parent),
+      m_paths(paths),
+      m_processes(processes),
+      m_scheduler(scheduler),
+      m_start(scheduler.now())
 {
     m_disk.setMaxThreadCount(1);
     m_disk.setExpiryTimeout(idleThread);
@@ -121,6 +128,25 @@ void ProtocolWriter::write(const Meeting& meeting, ProtocolChange change, Where 
                                          .where = where,
                                          .context = context,
                                          .done = std::move(done)}));
+}
+
+void ProtocolWriter::settle(const Meeting& meeting)
+{
+    const auto end = [ledger = Ledger{m_paths, meeting.id}, file = meeting.jsonPath, start = m_start,
+                      now = m_scheduler.now()] {
+        const Ledger::Content content = ledger.read();
+        const auto bytes = files::readWhole(file, summaryFile::sizeLimit);
+        const auto summary = bytes ? json::object(*bytes) : std::nullopt;
+        if (!summary || content.unreadable) return;
+        QSet<QString> carriedOut;
+        for (const ProtocolChange& change : ChangeHistory::carriedOut(content, protocolItems::editable(*summary)))
+            carriedOut.insert(change.id);
+        for (const ProtocolChange& change : content.changes) {
+            if (content.ended.contains(change.id) || change.time >= start) continue;
+            std::ignore = ledger.end(change.id, carriedOut.contains(change.id), now);
+        }
+    };
+    startOn(m_disk, end);
 }
 
 void ProtocolWriter::go(const std::shared_ptr<Attempt>& attempt)

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace murmeli {
 
@@ -30,6 +31,9 @@ public:
     /// Where the item stands that a change means: at the very place, or wherever one item of its section
     /// reads so.
     enum class Where { There, Anywhere };
+    /// The item that a change means, in a protocol as it is now. Any thread.
+    static std::optional<ProtocolItem> meant(const QList<ProtocolItem>& items, const ProtocolChange& change, Where where);
+
     using Done = std::function<void(Written written, const ProtocolChange& change)>;
 
     ProtocolWriter(const Paths& paths, Processes& processes, Scheduler& scheduler, QObject* parent = nullptr);
@@ -40,6 +44,9 @@ public:
     /// is where it was written. `done` runs unless `context` has gone; the work goes on without it.
     void write(const Meeting& meeting, ProtocolChange change, Where where, QObject* context, Done done);
 
+    /// Ends in the ledger what an earlier run of the program has only begun.
+    void settle(const Meeting& meeting);
+
 private:
     struct Attempt;
     void go(const std::shared_ptr<Attempt>& attempt);
@@ -47,6 +54,7 @@ private:
     const Paths& m_paths;
     Processes& m_processes;
     Scheduler& m_scheduler;
+    double m_start; ///< of this run, in seconds since 1970 UTC
     QThreadPool m_disk; ///< one thread: who writes the same file twice must not overtake himself
 };
 

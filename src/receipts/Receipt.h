@@ -18,7 +18,7 @@ struct Receipt {
     qint64 items = 0;
     QString result; ///< "begun", "answered", "refused" or "failed"; empty where nobody answers
     int status = 0; ///< of an answer
-    QString reason; ///< of a failure: "offline", "timeout", "tls", "status" or "cancelled"
+    QString reason; ///< of a failure: "offline", "broken", "timeout", "tls", "status" or "cancelled"
 
     static Receipt begun(double now);
     /// Lenient: a member that is missing or of another type is empty.

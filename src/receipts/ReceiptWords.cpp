@@ -18,6 +18,8 @@ QString title(const Receipt& receipt, const QString& language)
     if (receipt.kind == "remark"_L1) return Language::count(language, u"sent.remark"_s, receipt.items);
     const bool wholeProtocol = receipt.parts == QStringList{u"protocol"_s}; // as the engine makes it
     if (!wholeProtocol && !receipt.parts.isEmpty()) {
+        if (receipt.parts == QStringList{u"excerpt"_s}) return Language::text(language, u"sent.excerpt"_s);
+        if (receipt.parts == QStringList{u"transcript"_s}) return Language::text(language, u"sent.transcript"_s);
         if (receipt.kind == "clipboard"_L1) return Language::text(language, u"sent.handed_clipboard"_s);
         if (receipt.kind == "file"_L1) return Language::text(language, u"sent.handed_file"_s);
         if (receipt.kind == "mail"_L1) return Language::text(language, u"sent.handed_mail"_s);
@@ -44,6 +46,7 @@ QString result(const Receipt& receipt, const QString& language)
     if (receipt.result == "begun"_L1) return say("sent.begun");
     if (receipt.result != "failed"_L1) return {};
     if (receipt.reason == "offline"_L1) return say("sent.offline");
+    if (receipt.reason == "broken"_L1) return say("sent.broken");
     if (receipt.reason == "timeout"_L1) return say("sent.timeout");
     if (receipt.reason == "tls"_L1) return say("sent.tls");
     if (receipt.reason == "cancelled"_L1) return say("sent.cancelled");

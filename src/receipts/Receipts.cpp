@@ -40,6 +40,18 @@ void Receipts::note(const Receipt& receipt, QObject* context, std::function<void
                  });
 }
 
+void Receipts::noteCopied(const QString& stem, const QString& part, qint64 bytes)
+{
+    Receipt receipt = begun();
+    receipt.stem = stem;
+    receipt.kind = u"clipboard"_s;
+    receipt.to = u"clipboard"_s;
+    receipt.bytes = bytes;
+    receipt.parts = QStringList{part};
+    receipt.result.clear(); // nobody answers
+    note(receipt);
+}
+
 void Receipts::noteFile(Receipt receipt, const QString& path)
 {
     receipt.result.clear(); // nobody answers

@@ -27,6 +27,8 @@ public:
     /// Notes a receipt, also what has become of one that was noted before, and runs `then` once it stands on
     /// the disk, or cannot be.
     void note(const Receipt& receipt, QObject* context = nullptr, std::function<void()> then = {});
+    /// A copy on the clipboard: of an "excerpt", the "transcript", the "sections".
+    void noteCopied(const QString& stem, const QString& part, qint64 bytes);
     /// A file that was handed out; how large it is is looked at here.
     void noteFile(Receipt receipt, const QString& path);
     /// What carries nothing of a meeting is listed once a day by its kind.

@@ -9,6 +9,7 @@
 #include "localisation/Language.h"
 #include "meetings/MeetingCaptions.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -31,12 +32,15 @@ QString symbolOf(const QString& kind)
     return kind == "version"_L1 ? u"arrow.down.circle"_s : u"person.crop.circle"_s;
 }
 
-QString dashless(const QStringList& parts)
+QString filledOnes(const QStringList& parts)
 {
     QStringList filled = parts;
     filled.removeAll({});
     return filled.join(u", "_s);
 }
+
+/// Whether it counts as sent: what a lock has refused stands in the list alone.
+bool hasLeft(const Receipt& receipt) { return receipt.result != "refused"_L1; }
 
 } // namespace
 
@@ -62,7 +66,7 @@ void SentModel::load()
     inBackground(m_load.renew(), read, [this](const ReceiptFiles::Read& read) {
         m_loaded = true;
         m_unreadable = read.unreadable;
-        m_total = int(read.receipts.size());
+        m_total = int(std::ranges::count_if(read.receipts, hasLeft));
         if (const QList<Row> rows = rowsOf(read.receipts); rows != m_rows) {
             beginResetModel();
             m_rows = rows;
@@ -86,7 +90,7 @@ QList<SentModel::Row> SentModel::rowsOf(const QList<Receipt>& receipts) const
             rows.append({.month = Month{.time = receipt.time}, .receipt = {}});
         }
         const bool first = rows.isEmpty() || rows.last().month;
-        if (heading >= 0) {
+        if (heading >= 0 && hasLeft(receipt)) {
             ++rows[heading].month->receipts;
             rows[heading].month->bytes += receipt.bytes;
         }
@@ -135,7 +139,7 @@ SentRow SentModel::drawn(const Row& row) const
     if (receipt.bytes > 0) shown.size = Language::count(language, u"sent.bytes"_s, receipt.bytes);
     shown.result = receiptWords::result(receipt, language);
     shown.good = receipt.result == "answered"_L1;
-    shown.spoken = dashless({shown.title, shown.line, shown.size, shown.result});
+    shown.spoken = filledOnes({shown.title, shown.line, shown.size, shown.result});
     return shown;
 }
 

@@ -35,7 +35,7 @@ Receipt ended(Receipt receipt, const HttpAnswer& answer)
         }
         break;
     case Failure::Transport:
-        receipt.reason = u"offline"_s;
+        receipt.reason = answer.sent ? u"broken"_s : u"offline"_s;
         break;
     case Failure::Tls:
         receipt.reason = u"tls"_s;
@@ -48,6 +48,7 @@ Receipt ended(Receipt receipt, const HttpAnswer& answer)
         break;
     case Failure::Refused:
         receipt.result = u"refused"_s;
+        receipt.bytes = 0; // not one has left
         break;
     }
     return receipt;
@@ -97,8 +98,8 @@ void WatchedHttp::send(const Purpose& purpose, const HttpRequest& request, QObje
     receipt.bytes = request.body.size();
     receipt.parts = purpose.parts;
     receipt.items = purpose.items;
+    const HttpAnswer refused{.failure = Failure::Refused, .body = {}, .errorText = {}};
     if (!purpose.stem.isEmpty() && m_isLocked(purpose.stem)) {
-        const HttpAnswer refused{.failure = Failure::Refused, .body = {}, .errorText = {}};
         m_receipts.note(ended(receipt, refused));
         QMetaObject::invokeMethod(
             context, [done = std::move(done), refused] { done(refused); }, Qt::QueuedConnection);
@@ -113,18 +114,15 @@ void WatchedHttp::send(const Purpose& purpose, const HttpRequest& request, QObje
         return;
     }
     auto* const watch = new Watch{m_receipts, receipt, context};
-    m_receipts.note(receipt, watch, [this, purpose, request, watch, done = std::move(done)] {
-        if (!purpose.stem.isEmpty() && m_isLocked(purpose.stem)) { // by now
-            const HttpAnswer refused{.failure = Failure::Refused, .body = {}, .errorText = {}};
-            watch->end(refused);
-            return done(refused);
-        }
-        m_network.send(purpose, request, watch, [watch, done](const HttpAnswer& answer) {
+    m_receipts.note(receipt, watch, [this, purpose, request, watch, refused, done = std::move(done)] {
+        const auto end = [watch, done](const HttpAnswer& answer) {
             watch->end(answer);
             const auto go = done; // the context may end with it, and the watch
             watch->deleteLater();
             go(answer);
-        });
+        };
+        if (!purpose.stem.isEmpty() && m_isLocked(purpose.stem)) return end(refused); // by now
+        m_network.send(purpose, request, watch, end);
     });
 }
 

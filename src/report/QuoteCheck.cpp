@@ -4,9 +4,12 @@
 #include "localisation/DrawnDifference.h"
 #include "localisation/Language.h"
 
+#include <QHash>
+
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -18,8 +21,16 @@ constexpr double alike = 0.40;            // of the words may differ
 constexpr qsizetype fewWords = 3;         // of fewer, likeness says nothing
 constexpr qint64 before = 30;             // seconds in which the words of a stamp may stand
 constexpr qint64 after = 60;              //
+constexpr qint64 latest = 1'000'000'000;  // seconds; a later stamp is none of a meeting
+constexpr int mostEqual = 8;              // places that are looked at for one whose speaker fits
 constexpr qsizetype mostWords = 100'000;  // of more, only those about the stamps are compared
 constexpr qsizetype longestContext = 300; // characters of a line that are shown beside the words
+
+bool isWrittenAsAName(const QString& text)
+{
+    return std::ranges::all_of(words::split(text),
+                               [&](const words::Span& word) { return !word.in(text).front().isLower(); });
+}
 
 /// A transcript made ready to look for quotations in it.
 class Comparison {
@@ -27,6 +38,13 @@ public:
     /// \param quotes whether there are quotations to look for; else it only knows the lines' times.
     Comparison(const Transcript& transcript, bool quotes) : m_lines(transcript.lines())
     {
+        // What stands before a colon once only may be speech as well: "Look: we ship on Friday".
+        for (const TranscriptLine& line : m_lines)
+            ++m_turns[line.speaker];
+        for (TranscriptLine& line : m_lines) {
+            if (m_turns.value(line.speaker) == 1 && !isWrittenAsAName(line.speaker))
+                line.words = std::exchange(line.speaker, {}) + u": "_s + line.words;
+        }
         qint64 last = std::numeric_limits<qint64>::min();
         for (const TranscriptLine& line : m_lines) {
             if (line.seconds) last = *line.seconds;
@@ -54,23 +72,51 @@ public:
     {
         const qsizetype count = words::split(claim.quote).size();
         if (count == 0) return {};
+        if (!Transcript::seconds(claim.at) && m_sequence.size() > mostWords) return {};
         const auto [from, to] = neighbourhood(claim.at);
-        const auto there = m_sequence.nearest(claim.quote, m_keys, from, to);
+        const auto there = nearest(claim, from, to);
         if (there.distance == 0) return found(QuoteFinding::Exact, there, claim);
         if (count < fewWords) return {};
         if (there.distance <= alike) return found(QuoteFinding::Similar, there, claim);
         if (m_sequence.size() > mostWords) return {};
-        const auto anywhere = m_sequence.nearest(claim.quote, m_keys, 0, m_sequence.size());
+        const auto anywhere = nearest(claim, 0, m_sequence.size());
         if (anywhere.distance <= alike) return found(QuoteFinding::Elsewhere, anywhere, claim);
         return {.kind = QuoteFinding::None, .stamp = {}, .said = {}, .speaker = {}, .pieces = {}};
     }
 
 private:
+    using Match = words::WordSequence::Match;
+
+    /// The nearest place; of those that are equally near one whose speaker fits, if it is among the first.
+    Match nearest(const Commitment& claim, qsizetype from, qsizetype to)
+    {
+        const Match first = m_sequence.nearest(claim.quote, m_keys, from, to);
+        Match place = first;
+        for (int i = 0; i < mostEqual && place.distance <= alike && !otherSpeaker(place, claim).isEmpty(); ++i) {
+            place = m_sequence.nearest(claim.quote, m_keys, place.first + 1, to);
+            if (place.distance > first.distance) return first;
+        }
+        return place.distance <= alike && otherSpeaker(place, claim).isEmpty() ? place : first;
+    }
+
+    /// Who has said it all, when that cannot be who the claim names.
+    QString otherSpeaker(const Match& match, const Commitment& claim)
+    {
+        if (claim.who.isEmpty()) return {};
+        const qsizetype last = lineOf(std::max(match.first, match.end - 1));
+        for (qsizetype line = lineOf(match.first); line <= last; ++line) {
+            const QString& speaker = m_lines[line].speaker;
+            if (speaker.isEmpty() || m_turns.value(speaker) == 1 || personNames::mayBeSame(claim.who, speaker, m_keys)) return {};
+        }
+        return m_lines[lineOf(match.first)].speaker;
+    }
+
     /// The words about a stamp, those included that were begun before and may have gone on; all without one.
     [[nodiscard]] std::pair<qsizetype, qsizetype> neighbourhood(const QString& stamp) const
     {
         const auto moment = Transcript::seconds(stamp);
         if (!moment) return {0, m_sequence.size()};
+        if (*moment > latest) return {0, 0};
         qsizetype first = -1;
         qsizetype end = 0;
         for (qsizetype line = 0; line < m_lines.size(); ++line) {
@@ -99,9 +145,7 @@ private:
         const qsizetype first = lineOf(match.first);
         const TranscriptLine& line = m_lines[first];
         QuoteFinding finding{.kind = kind, .stamp = {}, .said = line.speaker, .speaker = {}, .pieces = {}};
-        if (!claim.who.isEmpty() && !line.speaker.isEmpty() &&
-            !personNames::mayBeSame(claim.who, line.speaker, m_keys))
-            finding.speaker = line.speaker;
+        if (words::split(claim.quote).size() >= fewWords) finding.speaker = otherSpeaker(match, claim);
         if (kind == QuoteFinding::Elsewhere) finding.stamp = u'[' + line.stamp + u']';
         if (kind == QuoteFinding::Similar) finding.pieces = pieces(match, claim.quote);
         return finding;
@@ -140,6 +184,7 @@ private:
     }
 
     QList<TranscriptLine> m_lines;
+    QHash<QString, int> m_turns; ///< of each speaker
     std::optional<qint64> m_begin; ///< of the lines' times
     std::optional<qint64> m_end;
     QList<qint64> m_times; ///< of the lines; those without one have that before
@@ -161,8 +206,8 @@ QuoteFindings QuoteFindings::of(const Transcript& transcript, const QList<Report
         return claim && !claim->quote.isEmpty();
     });
     Comparison comparison{transcript, quotes};
-    findings.noTranscript = comparison.isEmpty();
-    if (findings.noTranscript) return findings;
+    findings.noTranscript = quotes && comparison.isEmpty();
+    if (comparison.isEmpty()) return findings;
     for (int row = 0; row < rows.size(); ++row) {
         for (const QString& stamp : rows[row].stamps()) {
             if (comparison.isOutside(stamp)) findings.outside.insert(stamp);

@@ -83,7 +83,9 @@ ReportLoader::ReportLoader(Ground ground, QObject* parent) : QObject(parent), m_
 void ReportLoader::copy(int row)
 {
     const QString text = m_rows.copied(row, m_ground.language.current());
-    if (!text.isEmpty()) m_ground.desktop.copyText(text);
+    if (text.isEmpty()) return;
+    m_ground.desktop.copyText(text);
+    emit copied(text.toUtf8().size());
 }
 
 QString ReportLoader::storedFile(const Meeting& meeting)
@@ -111,7 +113,11 @@ void ReportLoader::show(const std::optional<Analysis>& analysis, const Transcrip
 void ReportLoader::checkQuotes()
 {
     const QList<ReportRow>& rows = m_rows.rows();
-    if (std::ranges::none_of(rows, [](const ReportRow& row) { return !row.stamps().isEmpty(); })) {
+    const auto isCompared = [](const ReportRow& row) {
+        const auto* const claim = std::get_if<Commitment>(&row.value);
+        return !row.stamps().isEmpty() || (claim && !claim->quote.isEmpty());
+    };
+    if (std::ranges::none_of(rows, isCompared)) {
         m_check.end();
         return;
     }

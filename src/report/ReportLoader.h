@@ -115,6 +115,7 @@ public:
     static Analysis stored(const Meeting& meeting);
 
 signals:
+    void copied(qint64 bytes);
     void changed();
     void openStampChanged();
     void wantedRowChanged();

@@ -116,10 +116,10 @@ Item {
             Label {
                 anchors { right: parent.right; left: name.right; leftMargin: Theme.padPanel; baseline: name.baseline }
                 horizontalAlignment: Text.AlignRight
-                visible: root.value === "report.commitments" && text.length > 0
+                visible: text.length > 0
                 type: Theme.caption
                 color: Theme.text3
-                text: visible || root.value === "report.commitments" ? root.loader.quoteSum(L.language, root.loader.checks) : ""
+                text: root.value === "report.commitments" ? root.loader.quoteSum(L.language, root.loader.checks) : ""
                 Accessible.role: Accessible.StatusBar
             }
         }

@@ -117,9 +117,17 @@ Rectangle {
 
         readonly property SentModel wanted: root.model.sent
 
+        property Item before: null // had the keyboard
+
         function show(): void {
-            if (wanted === null) source = "";
-            else setSource("qrc:/qt/qml/Murmeli/Receipts/SentPane.qml", { sent: wanted });
+            if (wanted === null) {
+                source = "";
+                before?.forceActiveFocus(Qt.OtherFocusReason);
+                before = null;
+                return;
+            }
+            before = root.Window.activeFocusItem;
+            setSource("qrc:/qt/qml/Murmeli/Receipts/SentPane.qml", { sent: wanted });
         }
 
         anchors.fill: parent

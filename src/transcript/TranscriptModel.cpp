@@ -222,9 +222,11 @@ void TranscriptModel::copyQuote()
     const QString whole = Language::text(language, u"transcript.quoted"_s);
     const QString source = reference(m_lines[from]);
     const QString html = u"<blockquote>%1</blockquote><p>— %2</p>"_s;
-    m_ground.desktop.copy({.text = QString{whole}.replace(u"%@"_s, said.join(u'\n')) + u" — "_s + source,
+    const QString text = QString{whole}.replace(u"%@"_s, said.join(u'\n')) + u" — "_s + source;
+    m_ground.desktop.copy({.text = text,
                            .html = html.arg(said.join(u'\n').toHtmlEscaped().replace(u'\n', u"<br>"_s),
                                             source.toHtmlEscaped())});
+    emit copied(false, text.toUtf8().size());
 }
 
 void TranscriptModel::copyAll()
@@ -233,7 +235,9 @@ void TranscriptModel::copyAll()
     for (const TranscriptLine& line : std::as_const(m_lines))
         lines.append(line.stamp + u' ' + (line.speaker.isEmpty() ? QString{} : line.speaker + u": "_s) +
                      line.words);
-    m_ground.desktop.copyText(lines.join(u'\n'));
+    const QString text = lines.join(u'\n');
+    m_ground.desktop.copyText(text);
+    emit copied(true, text.toUtf8().size());
 }
 
 void TranscriptModel::mark()

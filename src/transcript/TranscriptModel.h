@@ -97,6 +97,7 @@ public:
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
 signals:
+    void copied(bool whole, qint64 bytes);
     void loadedChanged();
     void queryChanged();
     void hitsChanged();

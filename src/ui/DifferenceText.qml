@@ -10,7 +10,7 @@ Label {
     property string lead // plain, before it
 
     function escaped(text: string): string {
-        return text.replace(/&/g, "&amp;").replace(/</g, "&lt;").replace(/>/g, "&gt;");
+        return text.replace(/&/g, "&amp;").replace(/</g, "&lt;").replace(/>/g, "&gt;").replace(/\n/g, "<br>");
     }
     function drawn(piece: var, next: var): string {
         const bare = piece.text.replace(/\s+$/, "");

@@ -50,6 +50,7 @@ private slots:
             {"holds", first + ended(u"1"_s), {u"b"_s}, u"1 holds"_s},
             {"its end was not noted, but it was made", first, {u"b"_s}, u"1 holds"_s},
             {"it was never made", first, {u"a"_s}, {}},
+            {"it was never made, and another one reads so", first, {u"a"_s, u"b"_s}, {}},
             {"it failed, and another one wrote the same", first + ended(u"1"_s, u"failed"_s), {u"b"_s}, {}},
             {"its place has moved", first + ended(u"1"_s), {u"x"_s, u"b"_s}, u"1 holds"_s},
             {"changed once more",
@@ -150,6 +151,31 @@ private slots:
         QCOMPARE(row(1).spoken, u"Решения. убрано: два, вставлено: четыре"_s);
     }
 
+    void pressedTwiceItTakesTwoBack()
+    {
+        writeItems({u"раз"_s, u"два"_s});
+        write({.section = u"decisions"_s, .before = u"раз"_s, .after = u"три"_s});
+        write({.section = u"decisions"_s, .index = 1, .before = u"два"_s, .after = u"четыре"_s});
+        load();
+        changes->undoLast();
+        changes->undoLast();
+        QTRY_COMPARE(items(), (QStringList{u"раз"_s, u"два"_s}));
+        QVERIFY(!changes->failed());
+    }
+
+    // Else a change whose program was killed would vanish once the service writes over it.
+    void whatAnEarlierRunHasBegunIsEnded()
+    {
+        writeItems({u"b"_s});
+        m->write(ledgerFile(), begun(u"1"_s, u"remark"_s, u"a"_s, u"b"_s).replace("2026", "2006"));
+        load();
+        const auto ended = [&] { return Ledger{m->paths, u"a"_s}.read().ended.contains(u"1"_s); };
+        QTRY_VERIFY(ended());
+        writeItems({u"a"_s});
+        load();
+        QCOMPARE(changes->overwrittenCount(), 1);
+    }
+
     void withoutALedgerItIsCorrectedAllTheSame()
     {
         for (const bool folder : {true, false}) {
@@ -162,6 +188,9 @@ private slots:
             writeItems({u"раз"_s});
             QCOMPARE(write({.section = u"decisions"_s, .before = u"раз"_s, .after = u"два"_s}),
                      Written::Unlisted);
+            QCOMPARE(items(), QStringList{u"два"_s});
+            QCOMPARE(write({.kind = Kind::Undo, .section = u"decisions"_s, .before = u"два"_s, .after = u"раз"_s}),
+                     Written::Failed);
             QCOMPARE(items(), QStringList{u"два"_s});
             load();
             QVERIFY(changes->unreadable());

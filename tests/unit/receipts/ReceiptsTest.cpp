@@ -39,7 +39,7 @@ private slots:
             // what the server answers, and what is noted
             {"an answer", Server::answer(200, "{}"), u"answered 200 "_s},
             {"an error", Server::answer(503, "no"), u"failed 503 status"_s},
-            {"no HTTP", "what?\r\n\r\n", u"failed 0 offline"_s},
+            {"no HTTP", "what?\r\n\r\n", u"failed 0 broken"_s},
             {"another place", "HTTP/1.1 302 F\r\nLocation: http://127.0.0.1:1/\r\nContent-Length: 0\r\n\r\n",
              u"failed 302 status"_s},
         };

@@ -19,7 +19,10 @@ private slots:
                                     "[00:22:48] Илья: ну может быть попробую на этой неделе, если вдруг "
                                     "освободится стенд\n"
                                     "[00:38:40] Ольга: Я им уже пообещала двадцать восьмое, и точка.\n"
-                                    "[00:40:00] Speaker 2: Договорились, бюджет за мной.\n"_s};
+                                    "[00:40:00] Speaker 2: Договорились, бюджет за мной.\n"
+                                    "[00:50:00] Анна: Нужен отчёт к среде. Ну, давай\n"
+                                    "[00:50:05] Илья: Подготовлю отчёт к среде\n"
+                                    "[00:51:00] Ну смотрите: сдаём макет завтра\n"_s};
         const Cases<QString, QString, QString, QString> cases{
             // who is to have said what and when, and what is found
             {"word for word", u"Анна"_s, u"«Тексты точно принесу во вторник»"_s, u"[00:14:05]"_s, u"exact"_s},
@@ -39,6 +42,11 @@ private slots:
             {"said by somebody else", u"Тимур"_s, u"не позже обеда"_s, u"[00:14:05]"_s, u"exact (Анна)"_s},
             {"a name in another form", u"Анны и Тимура"_s, u"не позже обеда"_s, u"[00:14:05]"_s, u"exact"_s},
             {"said by nobody known", u"Тимур"_s, u"бюджет за мной"_s, u"[00:40:00]"_s, u"exact"_s},
+            {"its first word was not said", u"Илья"_s, u"Я подготовлю отчёт к среде"_s, u"[00:50:05]"_s, u"similar"_s},
+            {"somebody else has begun it", u"Илья"_s, u"давай подготовлю отчёт"_s, u"[00:50:05]"_s, u"exact"_s},
+            {"both have said it", u"Илья"_s, u"отчёт к среде"_s, u"[00:50:05]"_s, u"exact"_s},
+            {"two words accuse nobody", u"Илья"_s, u"ну давай"_s, u"[00:50:05]"_s, u"exact"_s},
+            {"speech before a colon", u"Илья"_s, u"Ну смотрите, сдаём макет"_s, u"[00:51:00]"_s, u"exact"_s},
             {"over two lines",
              u"Илья"_s,
              u"если вдруг освободится стенд я им уже пообещала"_s,
@@ -67,7 +75,7 @@ private slots:
                              "[+вдруг +]освободится стенд"_s);
         }
         Commitment late, early;
-        late.at = u"[00:40:01]"_s;
+        late.at = u"[00:51:01]"_s;
         early.at = u"[00:00:59]"_s;
         late.quote = early.quote = u"не позже обеда"_s;
         const QuoteFindings both = QuoteFindings::of(transcript, {{.value = late}, {.value = early}});
@@ -92,6 +100,8 @@ private slots:
             {"a number", u"Анна"_s, u"Спикер 1"_s, true},
             {"no name", u"Анна"_s, u"Гость"_s, true},
             {"nobody", {}, u"Анна"_s, true},
+            {"everybody", u"Мы"_s, u"Анна"_s, true},
+            {"in short, another one", u"Тёма"_s, u"Артём"_s, true},
             {"another one", u"Илья"_s, u"Анна"_s, false},
             {"another one of many names", u"Илья Петров"_s, u"Анна Сергеевна Орлова"_s, false},
             {"another one in English", u"Bob"_s, u"Alice"_s, false},
