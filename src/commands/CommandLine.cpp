@@ -19,7 +19,12 @@ constexpr CommandOption until{"--until"_L1, "DAY"_L1, "command.option.until"_L1}
 const QList<CommandSpec>& CommandLine::commands()
 {
     static const QList<CommandSpec> list{
-        {"status"_L1, ""_L1, 0, 0, "command.status"_L1, {{"--watch"_L1, {}, "command.option.watch"_L1}, json}},
+        {"status"_L1,
+         ""_L1,
+         0,
+         0,
+         "command.status"_L1,
+         {{"--watch"_L1, {}, "command.option.watch"_L1}, json}},
         {"start"_L1, ""_L1, 0, 0, "command.start"_L1, {noWait}},
         {"stop"_L1, ""_L1, 0, 0, "command.stop"_L1, {noWait}},
         {"toggle"_L1, ""_L1, 0, 0, "command.toggle"_L1, {noWait}},
@@ -60,7 +65,8 @@ const QList<CommandSpec>& CommandLine::commands()
          0,
          -1,
          "command.open"_L1,
-         {{"--at"_L1, "STAMP"_L1, "command.option.at"_L1}, {"--find"_L1, "QUERY"_L1, "command.option.find"_L1}}},
+         {{"--at"_L1, "STAMP"_L1, "command.option.at"_L1},
+          {"--find"_L1, "QUERY"_L1, "command.option.find"_L1}}},
         {"index"_L1, ""_L1, 0, 0, "command.index"_L1, {{"--rebuild"_L1, {}, "command.option.rebuild"_L1}}},
         {"complete"_L1, "WORDS"_L1, 0, -1, "command.complete"_L1, {}},
         {"help"_L1, "[COMMAND]"_L1, 0, 1, "command.help"_L1, {}},
@@ -102,7 +108,8 @@ void CommandLine::take(const QStringList& arguments)
         }
         const QString name = argument.section(u'=', 0, 0);
         const auto known = [&](const QList<CommandOption>& options) {
-            const auto it = std::ranges::find_if(options, [&](const CommandOption& option) { return name == option.name; });
+            const auto it = std::ranges::find_if(
+                options, [&](const CommandOption& option) { return name == option.name; });
             return it == options.end() ? nullptr : &*it;
         };
         const CommandOption* option = known(m_spec.options);
@@ -121,7 +128,8 @@ void CommandLine::take(const QStringList& arguments)
     }
     if (has("--help")) return;
     if (m_operands.size() < m_spec.least) return fail("command.fault.missing"_L1, m_spec.operands);
-    if (m_spec.most >= 0 && m_operands.size() > m_spec.most) return fail("command.fault.operand"_L1, m_operands.last());
+    if (m_spec.most >= 0 && m_operands.size() > m_spec.most)
+        return fail("command.fault.operand"_L1, m_operands.last());
 }
 
 void CommandLine::fail(QLatin1StringView key, const QString& argument)

@@ -41,8 +41,14 @@ public:
 
     [[nodiscard]] const QStringList& operands() const { return m_operands; }
     [[nodiscard]] QString text() const { return m_operands.join(u' '); }
-    [[nodiscard]] bool has(const char* option) const { return m_options.contains(QString::fromLatin1(option)); }
-    [[nodiscard]] QString value(const char* option) const { return m_options.value(QString::fromLatin1(option)); }
+    [[nodiscard]] bool has(const char* option) const
+    {
+        return m_options.contains(QString::fromLatin1(option));
+    }
+    [[nodiscard]] QString value(const char* option) const
+    {
+        return m_options.value(QString::fromLatin1(option));
+    }
 
     /// How a command is written, as "murmeli list [--since DAY]".
     static QString usage(const CommandSpec& spec);

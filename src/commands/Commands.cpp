@@ -112,7 +112,8 @@ QString isoTime(double seconds) { return isoTime(QDateTime::fromMSecsSinceEpoch(
 
 QJsonObject toJson(const Meeting& meeting)
 {
-    QJsonObject object{{u"stem"_s, meeting.id}, {u"title"_s, meeting.title}, {u"start"_s, isoTime(meeting.startedAt)}};
+    QJsonObject object{
+        {u"stem"_s, meeting.id}, {u"title"_s, meeting.title}, {u"start"_s, isoTime(meeting.startedAt)}};
     if (const auto end = meeting.endedAt()) object[u"end"_s] = isoTime(*end);
     if (meeting.durationMin) object[u"duration_min"_s] = *meeting.durationMin;
     return object;
@@ -134,8 +135,9 @@ std::optional<int> run(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
         SingleInstance::runtimeFolder(); // else Qt says on the terminal that none is named
     }
-    const auto app = drawsPages ? std::unique_ptr<QCoreApplication>{std::make_unique<QGuiApplication>(argc, argv)}
-                                : std::make_unique<QCoreApplication>(argc, argv);
+    const auto app = drawsPages
+                         ? std::unique_ptr<QCoreApplication>{std::make_unique<QGuiApplication>(argc, argv)}
+                         : std::make_unique<QCoreApplication>(argc, argv);
     QCoreApplication::setApplicationName(u"murmeli"_s);
 
     const QString home = qEnvironmentVariable("HOME");

@@ -13,6 +13,21 @@ using namespace Qt::StringLiterals;
 
 namespace murmeli {
 
+namespace {
+
+/// Whether a text has the form of "2026-11-21".
+bool isDay(QStringView text)
+{
+    if (text.size() != 10) return false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const bool dash = i == 4 || i == 7;
+        if (dash ? text[i] != u'-' : text[i] < u'0' || text[i] > u'9') return false;
+    }
+    return true;
+}
+
+} // namespace
+
 Library::Library(const Paths& paths)
     : m_folder(paths.logs),
       m_protocols(std::make_shared<ProtocolFinder>(paths.vaultDir)),
@@ -47,16 +62,19 @@ QList<Meeting> Library::newest(qsizetype most, const Span& span)
         const auto meeting = read(stem);
         if (!meeting) return;
         const QDate day = meeting->startedAt.date();
-        if ((!span.since || day >= *span.since) && (!span.until || day <= *span.until)) meetings.append(*meeting);
+        if ((!span.since || day >= *span.since) && (!span.until || day <= *span.until))
+            meetings.append(*meeting);
     };
+    // A day more, for starts that were written elsewhere on the globe.
+    const QString first = span.since ? span.since->addDays(-1).toString(Qt::ISODate) : QString{};
+    const QString last = span.until ? span.until->addDays(1).toString(Qt::ISODate) : u"~"_s;
     qsizetype read = 0;
     for (const QString& stem : stems()) {
-        const auto begin = summaryFile::dateFromStem(stem);
-        // A day more, for starts that were written elsewhere on the globe.
-        const bool near = begin && (!span.since || begin->date() >= span.since->addDays(-1)) &&
-            (!span.until || begin->date() <= span.until->addDays(1));
-        if (begin && (!near || read >= most + most / 2 + 2)) continue;
-        if (begin) ++read;
+        const QString day = stem.left(10);
+        if (isDay(day)) {
+            if (day < first || day > last || read >= most + most / 2 + 2) continue;
+            ++read;
+        }
         take(stem);
     }
     std::ranges::stable_sort(meetings, std::greater{}, &Meeting::startedAt);

@@ -1,5 +1,4 @@
 #include "Commands.h"
-
 #include "base/Background.h"
 #include "base/Dates.h"
 #include "base/Files.h"
@@ -13,8 +12,8 @@
 #include "platform/SingleInstance.h"
 #include "protocol/ChangeHistory.h"
 #include "protocol/ProtocolItems.h"
-#include "receipts/Receipts.h"
 #include "receipts/ReceiptWords.h"
+#include "receipts/Receipts.h"
 #include "report/ReportLoader.h"
 #include "search/Indexer.h"
 #include "search/Searcher.h"
@@ -42,7 +41,7 @@ constexpr int listedAmbiguous = 10;
 constexpr int manyNames = 200;
 
 constexpr HandoutParts protocolParts = HandoutPart::Summary | HandoutPart::Decisions | HandoutPart::Tasks |
-    HandoutPart::Steps | HandoutPart::Questions | HandoutPart::Risks;
+                                       HandoutPart::Steps | HandoutPart::Questions | HandoutPart::Risks;
 
 /// A day as it is typed, "2026-11-21", "today", "вчера".
 std::optional<QDate> dayOf(const QString& text, const QDate& today)
@@ -125,10 +124,11 @@ void printChanges(const Context& context, const ChangeHistory& history)
 {
     for (const ChangeHistory::Entry& entry : history.entries) {
         const ProtocolChange& change = entry.change;
-        context.terminal.line(context.terminal.faint(minute(change.time)) + u"  "_s
-                              + Language::text(context.language, u"detail."_s + change.section)
-                              + (change.remark.isEmpty() ? QString{} : u": «"_s + change.remark + u'»')
-                              + (entry.state == ChangeHistory::State::Holds ? QString{} : u" ["_s + nameOf(entry.state) + u']'));
+        context.terminal.line(
+            context.terminal.faint(minute(change.time)) + u"  "_s +
+            Language::text(context.language, u"detail."_s + change.section) +
+            (change.remark.isEmpty() ? QString{} : u": «"_s + change.remark + u'»') +
+            (entry.state == ChangeHistory::State::Holds ? QString{} : u" ["_s + nameOf(entry.state) + u']'));
         context.terminal.line(u"  - "_s + change.before);
         context.terminal.line(u"  + "_s + change.after);
     }
@@ -137,10 +137,11 @@ void printChanges(const Context& context, const ChangeHistory& history)
 void printSent(const Context& context, const QList<Receipt>& receipts)
 {
     for (const Receipt& receipt : receipts) {
-        QStringList parts{minute(receipt.time), receiptWords::title(receipt, context.language),
-                          u"→ "_s + receiptWords::place(receipt, context.language),
-                          receipt.bytes > 0 ? Language::count(context.language, u"sent.bytes"_s, receipt.bytes) : QString{},
-                          receiptWords::result(receipt, context.language)};
+        QStringList parts{
+            minute(receipt.time), receiptWords::title(receipt, context.language),
+            u"→ "_s + receiptWords::place(receipt, context.language),
+            receipt.bytes > 0 ? Language::count(context.language, u"sent.bytes"_s, receipt.bytes) : QString{},
+            receiptWords::result(receipt, context.language)};
         parts.removeAll({});
         context.terminal.line(parts.join(u"  "_s));
     }
@@ -149,10 +150,10 @@ void printSent(const Context& context, const QList<Receipt>& receipts)
 enum class Format { Markdown, Html, Pdf, Text, Json };
 std::optional<Format> formatOf(const QString& name)
 {
-    static const QHash<QString, Format> formats{{u"md"_s, Format::Markdown}, {u"markdown"_s, Format::Markdown},
-                                                {u"html"_s, Format::Html},   {u"htm"_s, Format::Html},
-                                                {u"pdf"_s, Format::Pdf},     {u"txt"_s, Format::Text},
-                                                {u"json"_s, Format::Json}};
+    static const QHash<QString, Format> formats{
+        {u"md"_s, Format::Markdown}, {u"markdown"_s, Format::Markdown}, {u"html"_s, Format::Html},
+        {u"htm"_s, Format::Html},    {u"pdf"_s, Format::Pdf},           {u"txt"_s, Format::Text},
+        {u"json"_s, Format::Json}};
     const auto found = formats.constFind(name.toLower());
     return found == formats.cend() ? std::nullopt : std::optional{*found};
 }
@@ -162,7 +163,8 @@ std::optional<HandoutParts> partsOf(const QString& list)
     HandoutParts parts;
     for (const QString& name : list.split(u',', Qt::SkipEmptyParts)) {
         const auto& all = allHandoutParts();
-        const auto part = std::ranges::find(all, name.trimmed(), [](HandoutPart one) { return murmeli::nameOf(one); });
+        const auto part =
+            std::ranges::find(all, name.trimmed(), [](HandoutPart one) { return murmeli::nameOf(one); });
         if (part == all.end()) return std::nullopt;
         parts.setFlag(*part);
     }
@@ -204,7 +206,8 @@ int list(const Context& context)
 {
     const auto most = context.number("--limit", fewMeetings);
     Library::Span span;
-    if (!most || !takeDay(context, "--since", span.since) || !takeDay(context, "--until", span.until)) return Misused;
+    if (!most || !takeDay(context, "--since", span.since) || !takeDay(context, "--until", span.until))
+        return Misused;
     Library library{context.paths};
     const QList<Meeting> meetings = library.newest(*most, span);
     if (context.json()) {
@@ -216,20 +219,23 @@ int list(const Context& context)
     }
     if (context.terminal.width() > 0 && context.terminal.width() < narrow) {
         for (const Meeting& meeting : meetings)
-            context.terminal.row(context.terminal.faint(meeting.startedAt.toString(u"MM-dd"_s)) + u' ' + meeting.title);
+            context.terminal.row(context.terminal.faint(meeting.startedAt.toString(u"MM-dd"_s)) + u' ' +
+                                 meeting.title);
         return meetings.isEmpty() ? Nothing : Done;
     }
     QStringList lengths;
     int widest = 0;
     for (const Meeting& meeting : meetings) {
-        const auto seconds = meeting.durationMin ? std::optional{qint64(*meeting.durationMin * 60)} : std::nullopt;
+        const auto seconds =
+            meeting.durationMin ? std::optional{qint64(*meeting.durationMin * 60)} : std::nullopt;
         lengths.append(seconds ? Language::shortDuration(context.language, *seconds) : QString{});
         widest = std::max(widest, Terminal::columns(lengths.last()));
     }
     for (qsizetype i = 0; i < meetings.size(); ++i) {
         const QString time = meetings[i].startedAt.toString(u"yyyy-MM-dd HH:mm"_s);
         const QString gap(widest - Terminal::columns(lengths[i]), u' ');
-        context.terminal.row(context.terminal.faint(time + u"  "_s + gap + lengths[i]) + u"  "_s + meetings[i].title);
+        context.terminal.row(context.terminal.faint(time + u"  "_s + gap + lengths[i]) + u"  "_s +
+                             meetings[i].title);
     }
     return meetings.isEmpty() ? Nothing : Done;
 }
@@ -245,16 +251,21 @@ int show(const Context& context)
         HandoutChoice choice;
         choice.parts = transcript ? HandoutParts{HandoutPart::Transcript} : protocolParts;
         const auto handout = [&] {
-            return Handout::of(HandoutSource::read(meeting, library.files(), context.language), choice, context.language);
+            return Handout::of(HandoutSource::read(meeting, library.files(), context.language), choice,
+                               context.language);
         };
-        const QList<Receipt> receipts = sent ? ReceiptFiles{context.paths}.of(meeting.id).receipts : QList<Receipt>{};
+        const QList<Receipt> receipts =
+            sent ? ReceiptFiles{context.paths}.of(meeting.id).receipts : QList<Receipt>{};
         if (context.json()) {
             QJsonObject object = toJson(meeting);
             object[u"v"_s] = 1;
-            if (protocol || transcript) object = QJsonDocument::fromJson(handoutText::json(handout())).object();
+            if (protocol || transcript)
+                object = QJsonDocument::fromJson(handoutText::json(handout())).object();
             if (analysis) {
-                const auto stored = files::readWhole(ReportLoader::storedFile(meeting), summaryFile::sizeLimit);
-                object[u"analysis"_s] = stored ? json::object(*stored).value_or(QJsonObject{}) : QJsonObject{};
+                const auto stored =
+                    files::readWhole(ReportLoader::storedFile(meeting), summaryFile::sizeLimit);
+                object[u"analysis"_s] =
+                    stored ? json::object(*stored).value_or(QJsonObject{}) : QJsonObject{};
             }
             if (edits) object[u"edits"_s] = toJson(changesOf(context, meeting));
             if (sent) {
@@ -278,7 +289,9 @@ int exportMeeting(const Context& context)
 {
     const QString output = context.line.has("-o") ? context.line.value("-o") : u"-"_s;
     const QString ending = QFileInfo{output}.suffix();
-    const QString named = context.line.has("--format") ? context.line.value("--format") : output == "-"_L1 ? u"md"_s : ending;
+    const QString named = context.line.has("--format") ? context.line.value("--format")
+                          : output == "-"_L1           ? u"md"_s
+                                                       : ending;
     const auto format = formatOf(named);
     if (!format) return context.fail(Misused, "command.fault.format", named);
     if (*format == Format::Pdf && output == "-"_L1 && context.terminal.isTerminal())
@@ -293,8 +306,8 @@ int exportMeeting(const Context& context)
         choice.parts = *parts;
     }
     return withMeeting(context, [&](Library& library, const Meeting& meeting) -> int {
-        const Handout handout =
-            Handout::of(HandoutSource::read(meeting, library.files(), context.language), choice, context.language);
+        const Handout handout = Handout::of(HandoutSource::read(meeting, library.files(), context.language),
+                                            choice, context.language);
         const QByteArray bytes = bytesOf(handout, *format);
         const auto readBack = *format == Format::Pdf ? textInPdf(bytes) : QString::fromUtf8(bytes);
         if (const QString left = handout.redaction.leftIn(readBack.value_or(QString{})); !left.isEmpty())
@@ -305,11 +318,13 @@ int exportMeeting(const Context& context)
         } else if (!files::writeAtomic(QDir::current().absoluteFilePath(output), bytes)) {
             return context.fail(Unavailable, "command.not_saved", output);
         }
-        if (choice.hideNames) context.terminal.message(context.text("desk.hidden", QString::number(handout.redaction.count())));
+        if (choice.hideNames)
+            context.terminal.message(context.text("desk.hidden", QString::number(handout.redaction.count())));
         Receipt receipt = Receipt::begun(context.scheduler.now());
         receipt.stem = meeting.id;
         receipt.kind = u"file"_s;
-        receipt.to = toFile ? QFileInfo{QDir::current().absoluteFilePath(output)}.dir().dirName() : u"stdout"_s;
+        receipt.to =
+            toFile ? QFileInfo{QDir::current().absoluteFilePath(output)}.dir().dirName() : u"stdout"_s;
         receipt.bytes = bytes.size();
         receipt.parts = Handout::receiptParts(choice);
         receipt.result.clear(); // nobody answers
@@ -327,7 +342,8 @@ int open(const Context& context)
             part = QString::fromLatin1(QUrl::toPercentEncoding(part));
         const QString wish = parts.join(u' ');
         if (SingleInstance::tell(SingleInstance::runtimeFolder(), wish)) return int(Done);
-        const bool started = QProcess::startDetached(QCoreApplication::applicationFilePath(), {u"--wish="_s + wish});
+        const bool started =
+            QProcess::startDetached(QCoreApplication::applicationFilePath(), {u"--wish="_s + wish});
         return started ? int(Done) : context.fail(Unavailable, "command.not_started");
     };
     if (context.line.operands().isEmpty()) return tell({});

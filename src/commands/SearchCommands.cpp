@@ -1,5 +1,4 @@
 #include "Commands.h"
-
 #include "base/Files.h"
 #include "base/Scheduler.h"
 #include "glossary/GlossaryText.h"
@@ -34,7 +33,8 @@ int bringUp(const Context& context, const Library& library, const Indexer::Scope
     Indexer indexer{context.paths, library.files()};
     if (rebuild) indexer.discard();
     const auto outcome = indexer.bringUp(scanner.scan().meetings, scope, [&](qsizetype done, qsizetype all) {
-        if (all > 1) context.terminal.progress(context.text("command.indexing", u"%1/%2"_s.arg(done).arg(all)));
+        if (all > 1)
+            context.terminal.progress(context.text("command.indexing", u"%1/%2"_s.arg(done).arg(all)));
         return true;
     });
     context.terminal.progress({});
@@ -67,8 +67,9 @@ std::optional<QSet<QString>> unknown(const QString& index, const QString& logs, 
     QSet<QString> stems;
     const qint64 last = std::max(written.modifiedNs, log.size >= 0 ? log.modifiedNs : 0) - clockTick;
     for (const QString& stem : library.stems()) {
-        const bool there = known.contains(stem);
-        if (!there || files::identity(logs + u'/' + stem + summaryFile::suffix).modifiedNs > last) stems.insert(stem);
+        const bool later = files::identity(logs + u'/' + stem + summaryFile::suffix).changedNs > last;
+        // Some files are no meetings, and never come in.
+        if (known.contains(stem) ? later : library.read(stem).has_value()) stems.insert(stem);
     }
     for (auto it = known.keyBegin(); it != known.keyEnd(); ++it) {
         if (!std::ranges::binary_search(library.stems(), *it, std::greater{})) stems.insert(*it);
@@ -106,7 +107,8 @@ int search(const Context& context)
     if (!context.line.has("--no-update")) {
         const auto stems = unknown(path, context.paths.logs, library);
         if (!stems || !stems->isEmpty()) {
-            const int exit = bringUp(context, library, {.all = !stems, .touched = stems.value_or(QSet<QString>{})}, false);
+            const int exit =
+                bringUp(context, library, {.all = !stems, .touched = stems.value_or(QSet<QString>{})}, false);
             if (exit != Done && !stems) return exit;
         }
     }
@@ -114,7 +116,8 @@ int search(const Context& context)
                             .filters = {},
                             .pairs = {},
                             .today = context.scheduler.moment().date(),
-                            .order = context.line.has("--best") ? IndexQuery::Order::Best : IndexQuery::Order::Newest,
+                            .order = context.line.has("--best") ? IndexQuery::Order::Best
+                                                                : IndexQuery::Order::Newest,
                             .most = *most};
     const QString glossary = Prefs{context.paths.prefsFile}.get(pref::glossary);
     for (const GlossaryEntry& entry : glossaryText::parseAll(glossary)) {
@@ -134,7 +137,8 @@ int search(const Context& context)
         const MeetingText text = reads ? library.files().read(*meeting, context.language) : MeetingText{};
         if (answer.candidates && !answer.query.isMetBy(text, searcher.keys())) continue;
         ++shown;
-        const QList<FoundPlace> found = reads ? FoundPlace::in(text, answer.query, searcher.keys()) : QList<FoundPlace>{};
+        const QList<FoundPlace> found =
+            reads ? FoundPlace::in(text, answer.query, searcher.keys()) : QList<FoundPlace>{};
         const auto few = found.first(std::min<qsizetype>(*places, found.size()));
         if (context.json()) {
             QJsonObject object = toJson(*meeting);
@@ -146,14 +150,15 @@ int search(const Context& context)
             results.append(object);
             continue;
         }
-        context.terminal.row(context.terminal.faint(meeting->startedAt.toString(u"yyyy-MM-dd HH:mm"_s)) + u"  "_s
-                             + meeting->title + u"  "_s + context.terminal.faint(u'(' + stem + u')'));
+        context.terminal.row(context.terminal.faint(meeting->startedAt.toString(u"yyyy-MM-dd HH:mm"_s)) +
+                             u"  "_s + meeting->title + u"  "_s + context.terminal.faint(u'(' + stem + u')'));
         for (const FoundPlace& place : few) {
             QStringList head{place.stamp(), place.speaker()};
             if (!place.kindKey().isEmpty()) head.append(context.text(place.kindKey().toLatin1().constData()));
             head.removeAll({});
             const QString who = head.join(u' ');
-            context.terminal.row(u"    "_s + (who.isEmpty() ? QString{} : context.terminal.faint(who + u": "_s)) + place.text);
+            context.terminal.row(
+                u"    "_s + (who.isEmpty() ? QString{} : context.terminal.faint(who + u": "_s)) + place.text);
         }
     }
     if (context.json()) {

@@ -1,5 +1,4 @@
 #include "Commands.h"
-
 #include "base/Processes.h"
 #include "base/Scheduler.h"
 #include "localisation/Language.h"

@@ -64,7 +64,8 @@ void Terminal::line(const QString& text) const
     if (m_terminal) {
         for (qsizetype i = 0; i < shown.size(); ++i) {
             const QChar c = shown[i];
-            const bool ours = c == u'\x1b' && (shown.mid(i).startsWith(u"\x1b[2m") || shown.mid(i).startsWith(u"\x1b[0m"));
+            const bool ours =
+                c == u'\x1b' && (shown.mid(i).startsWith(u"\x1b[2m") || shown.mid(i).startsWith(u"\x1b[0m"));
             if (c.category() == QChar::Other_Control && c != u'\n' && !(m_colours && ours)) shown[i] = u' ';
         }
     }
@@ -129,7 +130,9 @@ QString Terminal::fitted(const QString& text) const
 
 bool Terminal::isRead() const
 {
-    struct pollfd out {STDOUT_FILENO, 0, 0};
+    struct pollfd out {
+        STDOUT_FILENO, 0, 0
+    };
     return ::poll(&out, 1, 0) <= 0 || (out.revents & (POLLERR | POLLHUP)) == 0;
 }
 

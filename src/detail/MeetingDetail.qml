@@ -335,7 +335,7 @@ Item {
         height: parent.height
         x: (1 - presence) * Theme.slide
         opacity: presence
-        active: presence > 0
+        active: presence > 0 && root.detail.handout !== null // another meeting has none yet
         enabled: presence > 0 && root.listing
         Behavior on presence { NumberAnimation { duration: Theme.swap; easing.type: Easing.OutCubic } }
         onLoaded: (item as HandoutPane).focusFirst()

@@ -87,13 +87,15 @@ MeetingDetailModel::MeetingDetailModel(const Ground& ground, const Meeting& meet
         load(Correction{change.section, change.index, m_sections.textOf(change.section, change.index)});
     });
     connect(&m_changes, &ProtocolChanges::told, this, [this] {
-        if (m_work.editor->outcome() != ProtocolEditor::Outcome::Working) m_work.editor->reset(); // the older one
+        if (m_work.editor->outcome() != ProtocolEditor::Outcome::Working)
+            m_work.editor->reset(); // the older one
     });
-    connect(&m_changes, &ProtocolChanges::copied, this, [this](qint64 bytes) { noteCopied(u"excerpt"_s, bytes); });
-    connect(&m_report, &ReportLoader::copied, this, [this](qint64 bytes) { noteCopied(u"excerpt"_s, bytes); });
-    connect(&m_transcript, &TranscriptModel::copied, this, [this](bool whole, qint64 bytes) {
-        noteCopied(whole ? u"transcript"_s : u"excerpt"_s, bytes);
-    });
+    connect(&m_changes, &ProtocolChanges::copied, this,
+            [this](qint64 bytes) { noteCopied(u"excerpt"_s, bytes); });
+    connect(&m_report, &ReportLoader::copied, this,
+            [this](qint64 bytes) { noteCopied(u"excerpt"_s, bytes); });
+    connect(&m_transcript, &TranscriptModel::copied, this,
+            [this](bool whole, qint64 bytes) { noteCopied(whole ? u"transcript"_s : u"excerpt"_s, bytes); });
     connect(&m_changes, &ProtocolChanges::written, this, [this](const ProtocolChange& change) {
         m_edited = true;
         load(Correction{change.section, change.index, m_sections.textOf(change.section, change.index)});

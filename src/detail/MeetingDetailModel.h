@@ -54,7 +54,8 @@ class MeetingDetailModel final : public QObject {
     Q_PROPERTY(murmeli::ProtocolEditor* editor READ editor CONSTANT FINAL)
     Q_PROPERTY(murmeli::ProtocolChanges* changes READ changes CONSTANT FINAL)
     Q_PROPERTY(murmeli::SentModel* sent READ sent CONSTANT FINAL)
-    Q_PROPERTY(murmeli::HandoutModel* handout READ handout NOTIFY sheetChanged FINAL) ///< once its sheet was open
+    Q_PROPERTY(
+        murmeli::HandoutModel* handout READ handout NOTIFY sheetChanged FINAL) ///< once its sheet was open
     Q_PROPERTY(bool locked READ locked WRITE setLocked NOTIFY lockedChanged FINAL) ///< nothing of it is sent
     Q_PROPERTY(bool lockable READ lockable NOTIFY lockedChanged FINAL)
     Q_PROPERTY(murmeli::AuthManager* account READ account CONSTANT FINAL)

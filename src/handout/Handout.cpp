@@ -70,7 +70,7 @@ bool looksLikeAName(const QString& text)
 QString dateLineOf(const Meeting& meeting, const QString& language)
 {
     QString day = dates::bySkeleton(meeting.startedAt, language, u"yMMMMd"_s);
-    if (day.endsWith(u" г.") || day.endsWith(u"\u00a0г.")) day.chop(3);
+    if (day.endsWith(u"г.")) day = day.chopped(2).trimmed();
     return day + Language::text(language, u"common.dot"_s) + captions::timeRange(meeting, language);
 }
 
@@ -119,8 +119,8 @@ HandoutSource HandoutSource::read(const Meeting& meeting, const MeetingFiles& fi
     QStringList owners;
     if (const auto bytes = files::readWhole(meeting.jsonPath, summaryFile::sizeLimit)) {
         const QJsonObject summary = json::object(*bytes).value_or(QJsonObject{});
-        source.edits = std::max<qint64>(
-            0, json::integer(summary.value("_meta"_L1).toObject(), "edits"_L1).value_or(0));
+        source.edits =
+            std::max<qint64>(0, json::integer(summary.value("_meta"_L1).toObject(), "edits"_L1).value_or(0));
         const QJsonArray tasks = summary.value("action_items"_L1).toArray();
         for (const auto& task : tasks)
             owners.append(json::text(task.toObject(), "owner"_L1));
@@ -181,12 +181,12 @@ QString Handout::sourceOf(const Passage& quote)
     return source.join(u", "_s);
 }
 
-QString Handout::moment(const Passage& passage)
-{
-    return text::stripped(passage.stamp, u"[] ").toString();
-}
+QString Handout::moment(const Passage& passage) { return text::stripped(passage.stamp, u"[] ").toString(); }
 
-QString Handout::fileName(const QString& ending) const { return ProtocolFileMaker::suggestedName(meeting, ending); }
+QString Handout::fileName(const QString& ending) const
+{
+    return ProtocolFileMaker::suggestedName(meeting, ending);
+}
 
 QStringList Handout::receiptParts(const HandoutChoice& choice)
 {

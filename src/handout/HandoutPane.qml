@@ -16,7 +16,8 @@ Item {
     function focusFirst(): void {
         header.focusFirst();
     }
-    function handOut(way: int): void {
+    function handOut(way: int, button: Item): void {
+        asked.asker = button;
         root.handout.handOut(way, root.Window.window);
     }
 
@@ -187,7 +188,7 @@ Item {
     Item {
         id: foot
         anchors { left: choices.right; right: parent.right; bottom: parent.bottom }
-        height: ways.height + note.height + (note.visible ? 10 : 0) + 8 + 16
+        height: ways.height + (note.visible ? note.implicitHeight + 10 : 0) + 8 + 16
 
         Rectangle {
             width: parent.width
@@ -200,7 +201,6 @@ Item {
             x: 20
             y: 10
             width: parent.width - 2 * x
-            height: visible ? implicitHeight : 0
             visible: text.length > 0
             type: Theme.caption
             color: root.handout.failed ? Theme.inkRed : root.handout.asking ? Theme.text1 : Theme.text3
@@ -218,6 +218,9 @@ Item {
                 id: asked
                 visible: root.handout.asking
                 spacing: Theme.gapRow
+
+                property Item asker: null
+
                 onVisibleChanged: if (visible) no.forceActiveFocus(Qt.OtherFocusReason)
                 PillButton {
                     id: no
@@ -236,33 +239,38 @@ Item {
                 id: all
                 visible: !root.handout.asking
                 spacing: Theme.gapRow
+                onVisibleChanged: if (visible) asked.asker?.forceActiveFocus(Qt.OtherFocusReason)
                 PillButton {
+                    id: toClipboard
                     buttonHeight: Theme.buttonHeight
-                    enabled: root.handout.ready
+                    enabled: root.handout.pages > 0
                     symbol: "doc.on.doc"
                     text: L.t("desk.copy")
-                    onClicked: root.handOut(HandoutModel.Clipboard)
+                    onClicked: root.handOut(HandoutModel.Clipboard, toClipboard)
                 }
                 PillButton {
+                    id: toMarkdown
                     buttonHeight: Theme.buttonHeight
-                    enabled: root.handout.ready
+                    enabled: root.handout.pages > 0
                     text: L.t("desk.markdown")
-                    onClicked: root.handOut(HandoutModel.Markdown)
+                    onClicked: root.handOut(HandoutModel.Markdown, toMarkdown)
                 }
                 PillButton {
+                    id: toMail
                     buttonHeight: Theme.buttonHeight
-                    enabled: root.handout.ready
+                    enabled: root.handout.pages > 0
                     symbol: "envelope"
                     text: L.t("desk.mail")
-                    onClicked: root.handOut(HandoutModel.Mail)
+                    onClicked: root.handOut(HandoutModel.Mail, toMail)
                 }
                 PillButton {
+                    id: toPdf
                     buttonHeight: Theme.buttonHeight
                     kind: PillButton.Primary
-                    enabled: root.handout.ready
+                    enabled: root.handout.pages > 0
                     symbol: "square.and.arrow.down"
                     text: L.t("desk.pdf")
-                    onClicked: root.handOut(HandoutModel.Pdf)
+                    onClicked: root.handOut(HandoutModel.Pdf, toPdf)
                 }
             }
         }

@@ -24,12 +24,16 @@ const QSet<QString>& wordsToo()
     static const QSet<QString> set = [] {
         const QStringList list =
             u"вера веры вере веру верой надежда надежды надежде надежду надеждой любовь любви любовью роман "
-            "романа роману романом романе романы лев слава славы славе славу славой роза розы розе розу розой "
-            "лилия лилии лилию майя майю марта марте марту марки марку марка марке маркой мир мира миру миром "
+            "романа роману романом романе романы лев слава славы славе славу славой роза розы розе розу "
+            "розой "
+            "лилия лилии лилию майя майю марта марте марту марки марку марка марке маркой мир мира миру "
+            "миром "
             "мире света свете свету светом светой свет мила милы милу милой лада лады нина ник рома рому "
             "макс паша паши паше пашу поля поле полю полей полем соня лана ира тома томе тому томом том "
-            "стеши дима жанр гера гена рад рада рады раде раду радой злата нота лука луки луке луку лукой тим "
-            "тима ян яна арт арте роб иней май мая маю маем мае ника нике нику никой вова толя толи лера ната "
+            "стеши дима жанр гера гена рад рада рады раде раду радой злата нота лука луки луке луку лукой "
+            "тим "
+            "тима ян яна арт арте роб иней май мая маю маем мае ника нике нику никой вова толя толи лера "
+            "ната "
             "заря зари заре зарю мороз мороза морозу морозом морозе волк волка мельник кузнец кузнеца заяц "
             "ворон ворона вороны голова головы голове голову головой борода белый белого белому белым белом "
             "черный черного черному черным черном большой новый нового новому новым новом новых ко ли ан ким "
@@ -78,20 +82,17 @@ void declineHard(Forms& forms, const QString& stem)
 }
 
 /// Nouns as "конь", "музей": \param stem without the last letter.
-void declineSoft(Forms& forms, const QString& stem)
-{
-    forms.add(stem, {u"я", u"ю", u"ем", u"е"});
-}
+void declineSoft(Forms& forms, const QString& stem) { forms.add(stem, {u"я", u"ю", u"ем", u"е"}); }
 
 void declineConsonant(Forms& forms)
 {
     const QString word = forms.word.toString();
     declineHard(forms, word);
-    const bool possessive = word.endsWith(u"ов") || word.endsWith(u"ев") || word.endsWith(u"ин")
-        || word.endsWith(u"ын");
+    const bool possessive =
+        word.endsWith(u"ов") || word.endsWith(u"ев") || word.endsWith(u"ин") || word.endsWith(u"ын");
     if (possessive) forms.add(word, {u"ым", u"ы", u"ых", u"ыми"}); // family names, and families
-    const bool plural = word.endsWith(u"ич") || word.endsWith(u"ян") || word.endsWith(u"ук")
-        || word.endsWith(u"юк") || word.endsWith(u"ман") || word.endsWith(u"берг");
+    const bool plural = word.endsWith(u"ич") || word.endsWith(u"ян") || word.endsWith(u"ук") ||
+                        word.endsWith(u"юк") || word.endsWith(u"ман") || word.endsWith(u"берг");
     if (plural) {
         forms.add(word, {withI.contains(word.back()) ? u"и" : u"ы", u"ей", u"ов", u"ам", u"ами", u"ах"});
     }
@@ -137,7 +138,7 @@ void declineSoftSign(Forms& forms)
 {
     const QString stem = forms.cut(1);
     declineSoft(forms, stem);
-    forms.add(stem, {u"и", u"ью"}); // women
+    forms.add(stem, {u"и", u"ью"});                                                          // women
     if (forms.fromEnd(2) == u'о') forms.add(forms.cut(3) + forms.fromEnd(1), {u"и", u"ью"}); // Любовь, Любви
     if (forms.fromEnd(2) == u'е' || forms.fromEnd(2) == u'о') {
         declineSoft(forms, forms.cut(3) + forms.fromEnd(1)); // Кремень, Кремня
@@ -220,14 +221,29 @@ QString plain(QStringView word)
     for (const QChar c : word.toString().normalized(QString::NormalizationForm_C).toLower()) {
         if (c.category() == QChar::Mark_NonSpacing) continue;
         switch (c.unicode()) {
-        case u'ё': result += u'е'; continue;
-        case u'ł': result += u'l'; continue;
-        case u'ø': result += u'o'; continue;
-        case u'đ': result += u'd'; continue;
-        case u'ı': result += u'i'; continue;
-        case u'ß': result += u"ss"; continue;
-        case u'æ': result += u"ae"; continue;
-        default: break;
+        case u'ё':
+            result += u'е';
+            continue;
+        case u'ł':
+            result += u'l';
+            continue;
+        case u'ø':
+            result += u'o';
+            continue;
+        case u'đ':
+            result += u'd';
+            continue;
+        case u'ı':
+            result += u'i';
+            continue;
+        case u'ß':
+            result += u"ss";
+            continue;
+        case u'æ':
+            result += u"ae";
+            continue;
+        default:
+            break;
         }
         const bool marked = c.script() == QChar::Script_Latin && c.decompositionTag() == QChar::Canonical;
         result += marked ? QString{c}.normalized(QString::NormalizationForm_D).front() : c;
@@ -248,8 +264,8 @@ QStringList relatedTo(QStringView word)
     if (name.isEmpty()) return {};
     QStringList forms;
     // They begin too many sentences that are about something else.
-    static const QSet<QString> commonBeginnings{u"тема"_s, u"поля"_s, u"света"_s, u"лана"_s, u"ник"_s, u"ден"_s,
-                                                u"will"_s, u"bill"_s, u"drew"_s};
+    static const QSet<QString> commonBeginnings{u"тема"_s, u"поля"_s, u"света"_s, u"лана"_s, u"ник"_s,
+                                                u"ден"_s,  u"will"_s, u"bill"_s,  u"drew"_s};
     for (const QString& other : QStringList{name} + personNames::othersFor(name)) {
         if (other != name && commonBeginnings.contains(other)) continue;
         forms += of(other);
@@ -258,15 +274,13 @@ QStringList relatedTo(QStringView word)
         const bool isA = other.endsWith(u'а');
         if (!isA && !(other.endsWith(u'я') && !other.endsWith(u"ия"))) continue;
         forms += isA ? stem : stem + u'ь'; // Саш, Оль: when they are called
-        for (const QStringView ending : {u"", u"а", u"о", u"ы", u"у", u"ой", u"ого", u"ому", u"ым", u"ом", u"ых", u"ыми"})
+        for (const QStringView ending :
+             {u"", u"а", u"о", u"ы", u"у", u"ой", u"ого", u"ому", u"ым", u"ом", u"ых", u"ыми"})
             forms += stem + u"ин"_s + ending.toString(); // Сашин
     }
     return unique(forms);
 }
 
-bool isAlsoAWord(const QString& form)
-{
-    return wordsToo().contains(form);
-}
+bool isAlsoAWord(const QString& form) { return wordsToo().contains(form); }
 
 } // namespace murmeli::nameForms

@@ -130,16 +130,14 @@ constexpr std::array shortNames{u"александр саша шура саня 
                                 u"victoria vicky",
                                 u"william will bill billy"};
 
-constexpr std::array noNames{u"speaker",     u"спикер",      u"участник", u"участница",
-                             u"participant", u"неизвестный", u"unknown",  u"собеседник",
-                             u"гость",       u"guest",       u"я",        u"me",
-                             u"host",        u"все",         u"команда",  u"team",
-                             u"мы",          u"we",          u"менеджер", u"manager",
-                             u"клиент",      u"client",      u"заказчик", u"customer",
-                             u"разработка",  u"development", u"отдел",    u"department",
-                             u"разработчик", u"developer",   u"дизайнер", u"designer",
-                             u"аналитик",    u"analyst",     u"маркетинг", u"marketing",
-                             u"руководитель", u"директор",   u"director", u"бухгалтер"};
+constexpr std::array noNames{u"speaker",     u"спикер",       u"участник",   u"участница",   u"participant",
+                             u"неизвестный", u"unknown",      u"собеседник", u"гость",       u"guest",
+                             u"я",           u"me",           u"host",       u"все",         u"команда",
+                             u"team",        u"мы",           u"we",         u"менеджер",    u"manager",
+                             u"клиент",      u"client",       u"заказчик",   u"customer",    u"разработка",
+                             u"development", u"отдел",        u"department", u"разработчик", u"developer",
+                             u"дизайнер",    u"designer",     u"аналитик",   u"analyst",     u"маркетинг",
+                             u"marketing",   u"руководитель", u"директор",   u"director",    u"бухгалтер"};
 
 /// For each name, the rows in which it stands.
 QHash<QByteArray, QSet<int>> shortRows(words::Keys& keys)

@@ -47,7 +47,8 @@ QString nearest(const QList<ProtocolItem>& items, const ProtocolChange& change, 
 
 } // namespace
 
-QList<ProtocolChange> ChangeHistory::carriedOut(const Ledger::Content& ledger, const QList<ProtocolItem>& items)
+QList<ProtocolChange> ChangeHistory::carriedOut(const Ledger::Content& ledger,
+                                                const QList<ProtocolItem>& items)
 {
     const Texts standing = textsOf(items);
     Texts followed; // by a later change of the same item
@@ -60,7 +61,8 @@ QList<ProtocolChange> ChangeHistory::carriedOut(const Ledger::Content& ledger, c
         };
         const bool ended = ledger.ended.contains(change->id);
         const std::pair after{change->section, change->after};
-        if (!ended && !followed.contains(after) && (reads(change->before) || !standing.contains(after))) continue;
+        if (!ended && !followed.contains(after) && (reads(change->before) || !standing.contains(after)))
+            continue;
         followed.insert({change->section, change->before});
         result.append(*change);
     }
@@ -100,7 +102,8 @@ ChangeHistory ChangeHistory::of(const Ledger::Content& ledger, const QList<Proto
         if (standing.contains(before)) {
             entry->state = ledger.kept.contains(change.id) ? State::Kept : State::Overwritten;
         } else if (history.foreign.size() < mostForeign) {
-            history.foreign.prepend({change.id, change.section, change.after, nearest(items, change, written)});
+            history.foreign.prepend(
+                {change.id, change.section, change.after, nearest(items, change, written)});
         }
     }
     return history;

@@ -32,8 +32,8 @@ struct ChangeHistory {
 
     static ChangeHistory of(const Ledger::Content& ledger, const QList<ProtocolItem>& items);
 
-    /// Those of the ledger that were carried out: an unfinished one when its text stands there, unless its item
-    /// still reads as before.
+    /// Those of the ledger that were carried out: an unfinished one when its text stands there, unless its
+    /// item still reads as before.
     static QList<ProtocolChange> carriedOut(const Ledger::Content& ledger, const QList<ProtocolItem>& items);
 
     bool operator==(const ChangeHistory&) const = default;

@@ -42,7 +42,8 @@ QList<words::Piece> between(const QString& before, const QString& after)
 {
     QList<words::Piece> pieces = words::brief(words::difference(before, after));
     if (pieces.isEmpty()) // they are too long
-        pieces = words::difference(text::shortened(before, mostCompared), text::shortened(after, mostCompared));
+        pieces =
+            words::difference(text::shortened(before, mostCompared), text::shortened(after, mostCompared));
     for (words::Piece& piece : pieces)
         piece.text = text::shortened(piece.text, mostCompared);
     return pieces;
@@ -85,7 +86,8 @@ void ProtocolChanges::load(const Meeting& meeting)
             const ProtocolChange wish{.section = entry.change.section,
                                       .index = entry.change.index,
                                       .before = undo ? entry.change.after : entry.change.before};
-            if (ProtocolWriter::meant(items, wish, ProtocolWriter::Where::Anywhere)) content.possible.insert(entry.change.id);
+            if (ProtocolWriter::meant(items, wish, ProtocolWriter::Where::Anywhere))
+                content.possible.insert(entry.change.id);
         }
         content.rows = comparing ? rowsOf(compared(lines.original, items)) : rowsOf(content.history);
         return content;

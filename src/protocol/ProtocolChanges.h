@@ -53,7 +53,7 @@ class ProtocolChanges final : public QAbstractListModel {
     Q_PROPERTY(QString overwritten READ overwritten NOTIFY changed FINAL) ///< what the service has put back
     Q_PROPERTY(int overwrittenCount READ overwrittenCount NOTIFY changed FINAL)
     Q_PROPERTY(murmeli::Message message READ message NOTIFY changed FINAL) ///< of the last wish
-    Q_PROPERTY(bool failed READ failed NOTIFY changed FINAL)               ///< and it could not be carried out
+    Q_PROPERTY(bool failed READ failed NOTIFY changed FINAL) ///< and it could not be carried out
 
 public:
     struct Ground {
@@ -132,13 +132,13 @@ private:
     Meeting m_meeting;
     ChangeHistory m_history;
     QList<Row> m_rows;
-    QSet<QString> m_gone; ///< ids of changes whose text was no longer there
+    QSet<QString> m_gone;    ///< ids of changes whose text was no longer there
     QSet<QString> m_writing; ///< ids of changes that are being undone or made again, until that is seen
     QSet<QString> m_written; ///< those of them for which it is done
     Message m_message;
     bool m_failed = false;
     bool m_settled = false; ///< what an earlier run had begun
-    double m_fileTime = 0; ///< of the summary file, in seconds since 1970 UTC
+    double m_fileTime = 0;  ///< of the summary file, in seconds since 1970 UTC
     bool m_comparing = false;
     bool m_unreadable = false;
     Lease m_load;

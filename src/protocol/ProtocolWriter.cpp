@@ -33,8 +33,8 @@ constexpr int idleThread = 1000; // milliseconds for which the thread waits for 
 
 } // namespace
 
-std::optional<ProtocolItem> ProtocolWriter::meant(const QList<ProtocolItem>& items, const ProtocolChange& change,
-                                                  Where where)
+std::optional<ProtocolItem> ProtocolWriter::meant(const QList<ProtocolItem>& items,
+                                                  const ProtocolChange& change, Where where)
 {
     QList<ProtocolItem> same;
     for (const ProtocolItem& item : items) {
@@ -139,7 +139,8 @@ void ProtocolWriter::settle(const Meeting& meeting)
         const auto summary = bytes ? json::object(*bytes) : std::nullopt;
         if (!summary || content.unreadable) return;
         QSet<QString> carriedOut;
-        for (const ProtocolChange& change : ChangeHistory::carriedOut(content, protocolItems::editable(*summary)))
+        for (const ProtocolChange& change :
+             ChangeHistory::carriedOut(content, protocolItems::editable(*summary)))
             carriedOut.insert(change.id);
         for (const ProtocolChange& change : content.changes) {
             if (content.ended.contains(change.id) || change.time >= start) continue;

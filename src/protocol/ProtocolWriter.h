@@ -32,7 +32,8 @@ public:
     /// reads so.
     enum class Where { There, Anywhere };
     /// The item that a change means, in a protocol as it is now. Any thread.
-    static std::optional<ProtocolItem> meant(const QList<ProtocolItem>& items, const ProtocolChange& change, Where where);
+    static std::optional<ProtocolItem> meant(const QList<ProtocolItem>& items, const ProtocolChange& change,
+                                             Where where);
 
     using Done = std::function<void(Written written, const ProtocolChange& change)>;
 
@@ -54,7 +55,7 @@ private:
     const Paths& m_paths;
     Processes& m_processes;
     Scheduler& m_scheduler;
-    double m_start; ///< of this run, in seconds since 1970 UTC
+    double m_start;     ///< of this run, in seconds since 1970 UTC
     QThreadPool m_disk; ///< one thread: who writes the same file twice must not overtake himself
 };
 

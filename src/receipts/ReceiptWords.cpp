@@ -19,7 +19,8 @@ QString title(const Receipt& receipt, const QString& language)
     const bool wholeProtocol = receipt.parts == QStringList{u"protocol"_s}; // as the engine makes it
     if (!wholeProtocol && !receipt.parts.isEmpty()) {
         if (receipt.parts == QStringList{u"excerpt"_s}) return Language::text(language, u"sent.excerpt"_s);
-        if (receipt.parts == QStringList{u"transcript"_s}) return Language::text(language, u"sent.transcript"_s);
+        if (receipt.parts == QStringList{u"transcript"_s})
+            return Language::text(language, u"sent.transcript"_s);
         if (receipt.kind == "clipboard"_L1) return Language::text(language, u"sent.handed_clipboard"_s);
         if (receipt.kind == "file"_L1) return Language::text(language, u"sent.handed_file"_s);
         if (receipt.kind == "mail"_L1) return Language::text(language, u"sent.handed_mail"_s);

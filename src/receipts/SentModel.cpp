@@ -132,9 +132,11 @@ SentRow SentModel::drawn(const Row& row) const
     if (m_stem.isEmpty() && !receipt.stem.isEmpty())
         shown.line += Language::text(language, u"common.dot"_s) +
                       text::shortened(text::oneLine(receipt.stem), receiptWords::longest);
-    for (const auto& [part, key] : {std::pair{"names", "sent.without_names"}, {"numbers", "sent.without_numbers"}}) {
+    for (const auto& [part, key] :
+         {std::pair{"names", "sent.without_names"}, {"numbers", "sent.without_numbers"}}) {
         if (!receipt.parts.contains(QLatin1StringView{part})) continue;
-        shown.line += Language::text(language, u"common.dot"_s) + Language::text(language, QString::fromLatin1(key));
+        shown.line +=
+            Language::text(language, u"common.dot"_s) + Language::text(language, QString::fromLatin1(key));
     }
     if (receipt.bytes > 0) shown.size = Language::count(language, u"sent.bytes"_s, receipt.bytes);
     shown.result = receiptWords::result(receipt, language);

@@ -92,7 +92,8 @@ private:
     {
         const Match first = m_sequence.nearest(claim.quote, m_keys, from, to);
         Match place = first;
-        for (int i = 0; i < mostEqual && place.distance <= alike && !otherSpeaker(place, claim).isEmpty(); ++i) {
+        for (int i = 0; i < mostEqual && place.distance <= alike && !otherSpeaker(place, claim).isEmpty();
+             ++i) {
             place = m_sequence.nearest(claim.quote, m_keys, place.first + 1, to);
             if (place.distance > first.distance) return first;
         }
@@ -106,7 +107,9 @@ private:
         const qsizetype last = lineOf(std::max(match.first, match.end - 1));
         for (qsizetype line = lineOf(match.first); line <= last; ++line) {
             const QString& speaker = m_lines[line].speaker;
-            if (speaker.isEmpty() || m_turns.value(speaker) == 1 || personNames::mayBeSame(claim.who, speaker, m_keys)) return {};
+            if (speaker.isEmpty() || m_turns.value(speaker) == 1 ||
+                personNames::mayBeSame(claim.who, speaker, m_keys))
+                return {};
         }
         return m_lines[lineOf(match.first)].speaker;
     }
@@ -184,7 +187,7 @@ private:
     }
 
     QList<TranscriptLine> m_lines;
-    QHash<QString, int> m_turns; ///< of each speaker
+    QHash<QString, int> m_turns;   ///< of each speaker
     std::optional<qint64> m_begin; ///< of the lines' times
     std::optional<qint64> m_end;
     QList<qint64> m_times; ///< of the lines; those without one have that before

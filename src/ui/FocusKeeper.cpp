@@ -1,5 +1,6 @@
 #include "FocusKeeper.h"
 
+#include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickWindow>
 
@@ -11,7 +12,7 @@ FocusKeeper::FocusKeeper(QQuickWindow* window) : QObject(window), m_window(windo
 {
     connect(window, &QQuickWindow::activeFocusItemChanged, this, &FocusKeeper::follow);
     connect(window, &QQuickWindow::activeChanged, this, [this] {
-        if (m_item && m_window->isActive()) moveOnSoon();
+        if (m_item && hasKeyboard()) moveOnSoon();
     });
 }
 
@@ -19,7 +20,7 @@ void FocusKeeper::follow()
 {
     QQuickItem* item = m_window->activeFocusItem();
     if (!item || item == m_window->contentItem()) {
-        if (m_window->isActive()) moveOnSoon();
+        if (hasKeyboard()) moveOnSoon();
         return;
     }
     if (m_item) m_item->disconnect(this);
@@ -30,6 +31,9 @@ void FocusKeeper::follow()
     connect(item, &QQuickItem::enabledChanged, this, &FocusKeeper::moveOnSoon);
     connect(item, &QObject::destroyed, this, &FocusKeeper::moveOnSoon);
 }
+
+// A window is active behind its own dialog too, where nobody in it has the keyboard until the dialog has gone.
+bool FocusKeeper::hasKeyboard() const { return QGuiApplication::focusWindow() == m_window; }
 
 void FocusKeeper::moveOnSoon()
 {
@@ -47,6 +51,7 @@ void FocusKeeper::moveOn()
                (!item->isFocusScope() || item->activeFocusOnTab());
     };
     if (!m_window->isVisible() || fit(m_window->activeFocusItem())) return;
+    if (!hasKeyboard()) return;
     QQuickItem* from = m_item ? m_item.data() : m_before.data();
     if (!from) from = m_window->contentItem();
     QQuickItem* next = from->nextItemInFocusChain(true);

@@ -18,6 +18,7 @@ public:
 
 private:
     void follow();
+    [[nodiscard]] bool hasKeyboard() const;
     void moveOnSoon();
     void moveOn();
 

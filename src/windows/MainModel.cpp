@@ -63,13 +63,13 @@ void MainModel::open(const QString& id)
     const Meeting* meeting = m_store.list()->find(id);
     if (!meeting) return;
     auto old = std::exchange(
-        m_detail, std::make_unique<MeetingDetailModel>(
-                      MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_drafts,
-                                                 m_ground.locks, m_ground.own, m_ground.index.files(),
-                                                 m_ground.receipts, m_ground.account,
-                                                 m_ground.http, m_writer, m_ground.desktop, m_ground.language,
-                                                 m_ground.scheduler, m_ground.webOrigin},
-                      *meeting, workOn(*meeting)));
+        m_detail,
+        std::make_unique<MeetingDetailModel>(
+            MeetingDetailModel::Ground{m_ground.paths, m_store, m_ground.glossary, m_drafts, m_ground.locks,
+                                       m_ground.own, m_ground.index.files(), m_ground.receipts,
+                                       m_ground.account, m_ground.http, m_writer, m_ground.desktop,
+                                       m_ground.language, m_ground.scheduler, m_ground.webOrigin},
+            *meeting, workOn(*meeting)));
     emit detailChanged();
     leave(std::move(old));
 }

@@ -11,7 +11,7 @@ from urllib.parse import unquote, urlsplit
 from gi.repository import Gio
 
 from main_window import lines, open_meeting, open_window, quit_program, wait_dialog, wait_list, write_meeting
-from session import PYTHON, REPOSITORY, JourneyTest, Session
+from session import PROGRAM, PYTHON, REPOSITORY, JourneyTest, Session
 from waiting import wait_for
 
 SAVE, SHARE, REVEAL = "Сохранить PDF", "Поделиться", "Показать в папке"
@@ -153,6 +153,42 @@ class Protocol(JourneyTest):
         session.screen.key("Escape", "Escape")
         session.tree.wait_gone("text", "Поиск в расшифровке")
         wait_for(lambda: session.tree.focus_is_on("Расшифровка"), "the link to have the keyboard again")
+
+    def test_handed_out_without_names_and_without_a_browser_by_the_keyboard_alone(self):
+        session, _ = self.open_protocol("## Транскрипт\n[00:00:05] Анна: Красим лодки\n[00:01:00] Пётр: Дорого!\n")
+        downloads = session.home / "Downloads"
+        downloads.mkdir()
+        with self.case("the engine cannot make it"):
+            shutil.rmtree(session.notes / ".venv")
+            self.open_dialog(session)
+            session.screen.key("Return")
+            session.tree.wait("push button", "Собрать без Chrome")
+            session.tab_to("Собрать без Chrome")
+            session.screen.key("Return")
+            session.tree.wait("check box", "Решения")
+        session.tab_to("Скрыть имена")
+        session.screen.key("space")
+        session.tree.wait("status bar", "Скрыто имён: 0. Прочтите текст: прозвища и оговорки Murmeli не узнаёт.")
+        session.tab_to("Расшифровка")
+        session.screen.key("space")
+        session.tree.wait("status bar", "Скрыто имён: 2. Прочтите текст: прозвища и оговорки Murmeli не узнаёт.")
+        session.tab_to("PDF")
+        session.screen.key("Return")
+        session.tree.wait("push button", "Отдать")
+        session.tab_to("Отдать")
+        session.screen.key("Return")
+        wait_dialog(session, "Сохранить встречу")
+        session.screen.key("Return")
+        session.tree.wait("status bar", f"Сохранено: {NAME}")
+        told = subprocess.run(["pdftotext", str(downloads / NAME), "-"], capture_output=True, timeout=20, check=True)
+        text = told.stdout.decode()
+        self.assertIn("Участник 2: Дорого!", text)
+        self.assertNotIn("Анна", text)
+        session.screen.key("Escape")
+        wait_for(lambda: session.tree.focus_is_on("Отдать иначе…"), "the link to have the keyboard again")
+        with self.case("from the shell"):
+            subprocess.run([PROGRAM, "open", "итоги", "--at", "00:01:00"], env=session.environment, timeout=20, check=True)
+            session.tree.wait("list item", lambda name: name.endswith("Пётр: Дорого!"))
 
     def test_a_change_is_taken_back_and_a_meeting_locked_by_the_keyboard_alone(self):
         session, _ = self.open_protocol()

@@ -189,8 +189,9 @@ private slots:
             QCOMPARE(write({.section = u"decisions"_s, .before = u"раз"_s, .after = u"два"_s}),
                      Written::Unlisted);
             QCOMPARE(items(), QStringList{u"два"_s});
-            QCOMPARE(write({.kind = Kind::Undo, .section = u"decisions"_s, .before = u"два"_s, .after = u"раз"_s}),
-                     Written::Failed);
+            QCOMPARE(
+                write({.kind = Kind::Undo, .section = u"decisions"_s, .before = u"два"_s, .after = u"раз"_s}),
+                Written::Failed);
             QCOMPARE(items(), QStringList{u"два"_s});
             load();
             QVERIFY(changes->unreadable());
