@@ -1,5 +1,5 @@
-// What a long list, a long analysis and a long transcript take to be seen, and to become a PDF: views_bench. Prints figures and
-// bounds.
+// What a long list, a long analysis and a long transcript take to be seen, and to become a PDF: views_bench.
+// Prints figures and bounds.
 
 #include "handout/HandoutPages.h"
 #include "meetings/MeetingStore.h"
@@ -269,9 +269,10 @@ void measureHandout()
     Handout handout{.language = u"ru"_s, .title = u"План"_s, .dateLine = u"4 марта 2026"_s};
     Handout::Section talk{.part = HandoutPart::Transcript, .heading = u"Расшифровка"_s, .items = {}};
     for (int i = 0; i < 1800; ++i) { // three hours, as people talk
-        talk.items.append({.text = u"Надо решить, кто пишет тексты и когда мы их увидим: в 12:00 или завтра."_s,
-                           .speaker = i % 2 ? u"Анна"_s : u"Илья"_s,
-                           .stamp = QString::fromLatin1(stamp(i * 6))});
+        talk.items.append(
+            {.text = u"Надо решить, кто пишет тексты и когда мы их увидим: в 12:00 или завтра."_s,
+             .speaker = i % 2 ? u"Анна"_s : u"Илья"_s,
+             .stamp = QString::fromLatin1(stamp(i * 6))});
     }
     const auto timed = [&] {
         QElapsedTimer timer;

@@ -29,7 +29,8 @@ QString titleOf(HandoutPart part, const QString& language);
 
 /// What of a meeting is handed out, and how.
 struct HandoutChoice {
-    HandoutParts parts = HandoutPart::Summary | HandoutPart::Decisions | HandoutPart::Tasks | HandoutPart::Questions;
+    HandoutParts parts =
+        HandoutPart::Summary | HandoutPart::Decisions | HandoutPart::Tasks | HandoutPart::Questions;
     bool hideNames = false;
     bool hideNumbers = false;
     bool operator==(const HandoutChoice&) const = default;

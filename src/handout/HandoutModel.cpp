@@ -96,10 +96,11 @@ void HandoutModel::load(const Meeting& meeting)
     const auto read = [meeting, files = m_ground.files, language = m_ground.language.current()] {
         return std::make_shared<const HandoutSource>(HandoutSource::read(meeting, files, language));
     };
-    whenFinished(startOn(m_paper, read), m_load.renew(), [this](const std::shared_ptr<const HandoutSource>& source) {
-        m_source = source;
-        make();
-    });
+    whenFinished(startOn(m_paper, read), m_load.renew(),
+                 [this](const std::shared_ptr<const HandoutSource>& source) {
+                     m_source = source;
+                     make();
+                 });
 }
 
 void HandoutModel::make()
@@ -107,7 +108,8 @@ void HandoutModel::make()
     emit changed();
     if (!m_source) return;
     m_making = true;
-    const auto work = [source = m_source, choice = m_choice, language = m_ground.language.current(), desk = m_desk] {
+    const auto work = [source = m_source, choice = m_choice, language = m_ground.language.current(),
+                       desk = m_desk] {
         desk->handout = Handout::of(*source, choice, language);
         desk->pages = std::make_unique<HandoutPages>(desk->handout);
         return Made{.pages = desk->pages->count(),
@@ -186,7 +188,8 @@ void HandoutModel::handOut(Way way, QWindow* window)
     const QList<HandoutRow> rows = this->rows();
     if (rows.isEmpty()) return say(Message::of("desk.unreadable"), true);
     if (std::ranges::none_of(rows, &HandoutRow::chosen)) return say(Message::of("desk.nothing"), true);
-    const bool said = m_choice.parts.testFlag(HandoutPart::Transcript) && m_source->count(HandoutPart::Transcript) > 0;
+    const bool said =
+        m_choice.parts.testFlag(HandoutPart::Transcript) && m_source->count(HandoutPart::Transcript) > 0;
     if (said && m_choice.hideNames && m_asked != way) {
         say({});
         m_asked = way;
@@ -198,11 +201,12 @@ void HandoutModel::handOut(Way way, QWindow* window)
     QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
     if (!QFileInfo{folder}.isDir()) folder = m_ground.home;
     const bool pdf = way == Way::Pdf;
-    m_ground.desktop.askWhereToSave({.title = m_ground.language.t(u"desk.dialog"_s),
-                                     .suggested = folder + u'/' + (pdf ? m_made.pdfName : m_made.markdownName),
-                                     .kind = pdf ? u"PDF (*.pdf)"_s : u"Markdown (*.md)"_s,
-                                     .suffix = pdf ? u"pdf"_s : u"md"_s},
-                                    window, this, [this, way](const QString& path) { produce(way, path); });
+    m_ground.desktop.askWhereToSave(
+        {.title = m_ground.language.t(u"desk.dialog"_s),
+         .suggested = folder + u'/' + (pdf ? m_made.pdfName : m_made.markdownName),
+         .kind = pdf ? u"PDF (*.pdf)"_s : u"Markdown (*.md)"_s,
+         .suffix = pdf ? u"pdf"_s : u"md"_s},
+        window, this, [this, way](const QString& path) { produce(way, path); });
 }
 
 void HandoutModel::answer(bool yes, QWindow* window)
@@ -248,7 +252,8 @@ void HandoutModel::produce(Way way, const QString& path)
         output.bytes = bytes.isEmpty() ? output.plain.toUtf8().size() : bytes.size();
         if (!output.left.isEmpty() || bytes.isEmpty()) return output;
         output.path = way == Way::Mail ? folder + u'/' + handout.fileName(u"pdf"_s) : path;
-        if (!files::writeAtomic(output.path, bytes)) output.failure = writingFailure(output.path, bytes.size(), language);
+        if (!files::writeAtomic(output.path, bytes))
+            output.failure = writingFailure(output.path, bytes.size(), language);
         return output;
     };
     whenFinished(startOn(m_paper, work), this, [this, way](const Output& output) {

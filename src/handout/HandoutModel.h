@@ -52,8 +52,8 @@ class HandoutModel final : public QObject {
     Q_PROPERTY(QString example READ example NOTIFY changed FINAL) ///< of a hidden name
     Q_PROPERTY(int hidden READ hidden NOTIFY changed FINAL)       ///< names; -1 when they are not hidden
     Q_PROPERTY(int pages READ pages NOTIFY changed FINAL)
-    Q_PROPERTY(int edition READ edition NOTIFY changed FINAL) ///< of the pages: another one, other pictures
-    Q_PROPERTY(bool ready READ isReady NOTIFY changed FINAL)  ///< it can be handed out
+    Q_PROPERTY(int edition READ edition NOTIFY changed FINAL)  ///< of the pages: another one, other pictures
+    Q_PROPERTY(bool ready READ isReady NOTIFY changed FINAL)   ///< it can be handed out
     Q_PROPERTY(bool asking READ isAsking NOTIFY changed FINAL) ///< whether the transcript may go
     Q_PROPERTY(murmeli::Message message READ message NOTIFY changed FINAL) ///< what has become of it
     Q_PROPERTY(bool failed READ hasFailed NOTIFY changed FINAL)            ///< the message says why
@@ -91,8 +91,8 @@ public:
     /// Remembered for the next meeting too.
     Q_INVOKABLE void choose(int part, bool chosen);
 
-    /// Hands it out; asks first for a transcript whose names are hidden. \param window in front of which it is
-    /// asked where to.
+    /// Hands it out; asks first for a transcript whose names are hidden. \param window in front of which it
+    /// is asked where to.
     Q_INVOKABLE void handOut(murmeli::HandoutModel::Way way, QWindow* window);
     Q_INVOKABLE void answer(bool yes, QWindow* window);
 

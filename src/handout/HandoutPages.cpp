@@ -43,7 +43,8 @@ int pixels(double points) { return int(std::lround(points * dpi / 72)); }
 QString paperFamily()
 {
     const QString inter = u"Inter"_s;
-    return QFontDatabase::hasFamily(inter) ? inter : QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+    return QFontDatabase::hasFamily(inter) ? inter
+                                           : QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
 }
 
 /// Whether a character is set as it stands, one after the other. Shaping such text would join characters to
@@ -51,8 +52,8 @@ QString paperFamily()
 bool isPlain(char32_t c)
 {
     const QChar::Script script = QChar::script(c);
-    return c < 0x250 || (c >= 0x2010 && c <= 0x205e) || (c >= 0x20a0 && c <= 0x20bf) || c == 0x2116
-        || script == QChar::Script_Latin || script == QChar::Script_Cyrillic || script == QChar::Script_Greek;
+    return c < 0x250 || (c >= 0x2010 && c <= 0x205e) || (c >= 0x20a0 && c <= 0x20bf) || c == 0x2116 ||
+           script == QChar::Script_Latin || script == QChar::Script_Cyrillic || script == QChar::Script_Greek;
 }
 
 QFont fontOf(const QString& family, double points, bool heavy, bool plain)
@@ -145,8 +146,8 @@ private:
         const QList<QGlyphRun> runs = layout.glyphRuns();
         const bool drawn = !runs.isEmpty() && std::ranges::all_of(runs, [](const QGlyphRun& run) {
             const QRawFont font = run.rawFont();
-            const bool coloured = !font.fontTable("CBDT").isEmpty() || !font.fontTable("sbix").isEmpty()
-                || !font.fontTable("COLR").isEmpty();
+            const bool coloured = !font.fontTable("CBDT").isEmpty() || !font.fontTable("sbix").isEmpty() ||
+                                  !font.fontTable("COLR").isEmpty();
             return !coloured && !run.glyphIndexes().contains(0u);
         });
         m_drawn.insert(c, drawn);
@@ -174,8 +175,8 @@ HandoutPages::HandoutPages(const Handout& handout)
 {
     m_footer = u"Murmeli"_s;
     if (handout.edits > 0) {
-        m_footer += Language::text(handout.language, u"common.dot"_s)
-            + Language::text(handout.language, u"desk.edition"_s, QString::number(handout.edits));
+        m_footer += Language::text(handout.language, u"common.dot"_s) +
+                    Language::text(handout.language, u"desk.edition"_s, QString::number(handout.edits));
     }
     m_family = paperFamily();
     m_document->setUseDesignMetrics(true);

@@ -209,13 +209,14 @@ Item {
                 : root.handout.hidden >= 0 ? L.t("desk.hidden", root.handout.hidden) : ""
             Accessible.role: root.handout.failed || root.handout.asking ? Accessible.AlertMessage : Accessible.StatusBar
         }
-        Flow {
+        Item {
             id: ways
             anchors { right: parent.right; rightMargin: 20; bottom: parent.bottom; bottomMargin: 16 }
-            width: Math.min(parent.width - 40, asked.visible ? asked.width : all.width)
-            spacing: Theme.gapRow
+            width: parent.width - 40
+            height: asked.visible ? asked.height : all.height
             Row {
                 id: asked
+                anchors.right: parent.right
                 visible: root.handout.asking
                 spacing: Theme.gapRow
 
@@ -235,8 +236,10 @@ Item {
                     onClicked: root.handout.answer(true, root.Window.window)
                 }
             }
-            Row {
+            Flow {
                 id: all
+                anchors.right: parent.right
+                width: Math.min(parent.width, toClipboard.width + toMarkdown.width + toMail.width + toPdf.width + 3 * spacing)
                 visible: !root.handout.asking
                 spacing: Theme.gapRow
                 onVisibleChanged: if (visible) asked.asker?.forceActiveFocus(Qt.OtherFocusReason)

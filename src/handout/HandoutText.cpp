@@ -73,8 +73,8 @@ QString lineOf(const Handout& handout, const Handout::Section& section, const Pa
         return source.isEmpty() ? handout.quoted(item) : handout.quoted(item) + u" — "_s + source;
     }
     if (section.part != HandoutPart::Transcript) return item.text;
-    return u'[' + Handout::moment(item) + u"] "_s + (item.speaker.isEmpty() ? QString{} : item.speaker + u": "_s)
-        + item.text;
+    return u'[' + Handout::moment(item) + u"] "_s +
+           (item.speaker.isEmpty() ? QString{} : item.speaker + u": "_s) + item.text;
 }
 
 bool isList(HandoutPart part) { return part != HandoutPart::Summary && part != HandoutPart::Transcript; }
@@ -102,7 +102,8 @@ QString markdown(const Handout& handout)
 
 QString html(const Handout& handout)
 {
-    QString result = u"<p>"_s + bold(handout.title) + u"<br>"_s + handout.dateLine.toHtmlEscaped() + u"</p>"_s;
+    QString result =
+        u"<p>"_s + bold(handout.title) + u"<br>"_s + handout.dateLine.toHtmlEscaped() + u"</p>"_s;
     for (const Handout::Section& section : handout.sections) {
         result += u"\n<p>"_s + bold(section.heading) + u"</p>"_s;
         const bool list = isList(section.part);
@@ -119,8 +120,8 @@ QString html(const Handout& handout)
 QString htmlDocument(const Handout& handout)
 {
     return u"<!DOCTYPE html>\n<html lang=\"%1\">\n<meta charset=\"utf-8\">\n<title>%2</title>\n"_s.arg(
-               handout.language, handout.title.toHtmlEscaped())
-        + html(handout) + u"</html>\n"_s;
+               handout.language, handout.title.toHtmlEscaped()) +
+           html(handout) + u"</html>\n"_s;
 }
 
 QByteArray json(const Handout& handout)

@@ -16,7 +16,8 @@ public:
     explicit Objects(const QByteArray& pdf) : m_pdf(pdf)
     {
         const qsizetype start = pdf.lastIndexOf("startxref");
-        const qsizetype table = start < 0 ? -1 : pdf.mid(start + 10, 20).trimmed().split('\n').first().toLongLong();
+        const qsizetype table =
+            start < 0 ? -1 : pdf.mid(start + 10, 20).trimmed().split('\n').first().toLongLong();
         if (table < 0 || !pdf.mid(table).startsWith("xref")) return;
         const QByteArrayList lines = pdf.mid(table, start - table).split('\n');
         for (qsizetype i = 2; i < lines.size() && lines[i].size() >= 18; ++i)
@@ -112,7 +113,8 @@ QString textOf(const QByteArray& content, const QHash<QByteArray, Names>& fonts)
         } else if (token == "Tj") {
             const QByteArray glyphs = QByteArray::fromHex(tokens[i - 1]);
             for (qsizetype at = 0; at + 1 < glyphs.size(); at += 2)
-                text += names.value(qFromBigEndian<quint16>(glyphs.constData() + at), QChar::ReplacementCharacter);
+                text += names.value(qFromBigEndian<quint16>(glyphs.constData() + at),
+                                    QChar::ReplacementCharacter);
         }
     }
     return text;

@@ -52,7 +52,8 @@ QStringList partsOf(const QString& name)
 bool joins(QStringView gap)
 {
     return std::ranges::all_of(gap, [](QChar c) {
-        return c.isSpace() || c == u'-' || c == u'\u2010' || c == u'\u2011' || c == u'.' || c == u'\'' || c == u'’';
+        return c.isSpace() || c == u'-' || c == u'\u2010' || c == u'\u2011' || c == u'.' || c == u'\'' ||
+               c == u'’';
     });
 }
 
@@ -188,7 +189,8 @@ QList<Redaction::Found> Redaction::find(const QString& text) const
         while (first > 0 && (isInitial(first - 1) || isParticle(first - 1)) && joins(gapBefore(first)))
             --first;
         qsizetype end = spans[last].begin + spans[last].size;
-        for (qsizetype next = last + 1; next < spans.size() && isInitial(next) && joins(gapBefore(next)); ++next) {
+        for (qsizetype next = last + 1; next < spans.size() && isInitial(next) && joins(gapBefore(next));
+             ++next) {
             end = spans[next].begin + spans[next].size + 1;
             last = next;
         }

@@ -32,7 +32,8 @@ void FocusKeeper::follow()
     connect(item, &QObject::destroyed, this, &FocusKeeper::moveOnSoon);
 }
 
-// A window is active behind its own dialog too, where nobody in it has the keyboard until the dialog has gone.
+// A window is active behind its own dialog too, where nobody in it has the keyboard until the dialog has
+// gone.
 bool FocusKeeper::hasKeyboard() const { return QGuiApplication::focusWindow() == m_window; }
 
 void FocusKeeper::moveOnSoon()

@@ -109,10 +109,10 @@ struct TestProgram {
     /// For a main window of the test's own.
     MainModel::Ground mainGround()
     {
-        return {paths,         state,         program.marks, account,          program.http,
-                program.locks, program.own,   program.receipts, processes,     desktop,
-                language,      scheduler,     settings,      glossary,         program.index,
-                server.origin()};
+        return {paths,        state,         program.marks, account,
+                program.http, program.locks, program.own,   program.receipts,
+                processes,    desktop,       language,      scheduler,
+                settings,     glossary,      program.index, server.origin()};
     }
 
     Server server;

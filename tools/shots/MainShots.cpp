@@ -82,7 +82,7 @@ struct MainShot {
     bool homeless = false;                                    ///< marks are
     bool quiet = false;                                       ///< one voice only
     enum { NoChanges, Listed, Compared } changes = NoChanges; ///< of the protocol
-    bool handOut = false; ///< under hidden names
+    bool handOut = false;                                     ///< under hidden names
     bool sent = false; ///< what has left the computer is listed: of the meeting, or in the settings of all
     QByteArray answer = {}; ///< to a remark; null: none is made
     bool signedIn = true;

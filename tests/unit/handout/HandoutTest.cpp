@@ -1,5 +1,4 @@
 #include "handout/HandoutModel.h"
-
 #include "handout/HandoutText.h"
 #include "receipts/ReceiptFiles.h"
 #include "registeredTests.h"
@@ -58,26 +57,38 @@ private slots:
     void markdownIsReadAsItWasWritten()
     {
         const Cases<QString> cases{
-            {"signs", u"a*b* _c_ `d` [e](f) <g> ~~h~~ i|j \\ & &amp; #k"_s}, {"a heading", u"# a"_s},
-            {"a list", u"- a"_s},  {"a number", u"12. a"_s}, {"brackets", u"3) a"_s}, {"a quotation", u"> a"_s},
-            {"a rule", u"---"_s},  {"a heading's line", u"==="_s}, {"a task", u"[x] a"_s}, {"a table", u"|a|b|"_s},
+            {"signs", u"a*b* _c_ `d` [e](f) <g> ~~h~~ i|j \\ & &amp; #k"_s},
+            {"a heading", u"# a"_s},
+            {"a list", u"- a"_s},
+            {"a number", u"12. a"_s},
+            {"brackets", u"3) a"_s},
+            {"a quotation", u"> a"_s},
+            {"a rule", u"---"_s},
+            {"a heading's line", u"==="_s},
+            {"a task", u"[x] a"_s},
+            {"a table", u"|a|b|"_s},
         };
         for (const auto& [name, text] : cases) {
-            for (const HandoutPart part : {HandoutPart::Summary, HandoutPart::Decisions, HandoutPart::Tasks}) {
+            for (const HandoutPart part :
+                 {HandoutPart::Summary, HandoutPart::Decisions, HandoutPart::Tasks}) {
                 CASE(name);
                 QTextDocument document;
                 document.setMarkdown(handoutText::markdown(handoutOf({text}, part)));
-                QVERIFY2(document.toPlainText().trimmed().endsWith(u'\n' + text), qPrintable(document.toPlainText()));
+                QVERIFY2(document.toPlainText().trimmed().endsWith(u'\n' + text),
+                         qPrintable(document.toPlainText()));
                 document.setHtml(handoutText::html(handoutOf({text}, part)));
-                QVERIFY2(document.toPlainText().trimmed().endsWith(u'\n' + text), qPrintable(document.toPlainText()));
+                QVERIFY2(document.toPlainText().trimmed().endsWith(u'\n' + text),
+                         qPrintable(document.toPlainText()));
             }
         }
     }
 
     void aPdfReadsAsItWasWritten()
     {
-        const QString plain = u"В 12:00 – 12:47 «лодки» — “boats” 1 250 ₽, 0.9, е-mail; ещё № 5… naïve Łódź"_s;
-        const QString long_ = QString{u"Слова и ещё слова, которых хватит на строку. "_s}.repeated(3).trimmed();
+        const QString plain =
+            u"В 12:00 – 12:47 «лодки» — “boats” 1 250 ₽, 0.9, е-mail; ещё № 5… naïve Łódź"_s;
+        const QString long_ =
+            QString{u"Слова и ещё слова, которых хватит на строку. "_s}.repeated(3).trimmed();
         QStringList items{plain, u"中文会议"_s, u"مرحبا بالعالم"_s, u"a 🧿 b"_s};
         for (int i = 0; i < 60; ++i)
             items.append(long_);
@@ -87,9 +98,11 @@ private slots:
         QVERIFY2(pdf.size() < pages.count() * 20'000, qPrintable(QString::number(pdf.size())));
         QString text = told(u"pdftotext"_s, pdf, {u"-raw"_s, u"-"_s});
         text.remove(QRegularExpression{u"[\u202a-\u202e\u2066-\u2069]"_s});
-        for (const QString& expected : {plain, u"中文会议"_s, u"a \u25a1 b"_s, u"Murmeli · правка 2"_s, u"1 / %1"_s.arg(pages.count())})
+        for (const QString& expected :
+             {plain, u"中文会议"_s, u"a \u25a1 b"_s, u"Murmeli · правка 2"_s, u"1 / %1"_s.arg(pages.count())})
             QVERIFY2(text.contains(expected), qPrintable(expected + u"\n"_s + text.left(1500)));
-        const QString shaped = told(u"pdftotext"_s, pdf, {u"-"_s}); // its letters have another form at each place
+        const QString shaped =
+            told(u"pdftotext"_s, pdf, {u"-"_s}); // its letters have another form at each place
         QVERIFY(shaped.normalized(QString::NormalizationForm_KC).contains(u"مرحبا بالعالم"_s));
         const QStringList fonts = told(u"pdffonts"_s, pdf).split(u'\n', Qt::SkipEmptyParts).mid(2);
         QVERIFY(!fonts.isEmpty());
@@ -105,7 +118,8 @@ private slots:
     {
         HandoutModel& desk = m->desk();
         const QString rows = m->rowsOf(desk);
-        QVERIFY2(rows == u"Итог+ Решения 1+ Задачи 1+ Цитаты со временем 1- Расшифровка 30 мин-", qPrintable(rows));
+        QVERIFY2(rows == u"Итог+ Решения 1+ Задачи 1+ Цитаты со временем 1- Расшифровка 30 мин-",
+                 qPrintable(rows));
         desk.setHideNames(true);
         desk.setHideNumbers(true);
         desk.choose(int(HandoutPart::Quotes), true);
@@ -116,15 +130,17 @@ private slots:
         QTRY_VERIFY(!desk.message().isEmpty() && desk.isReady());
         QCOMPARE(desk.message().key, u"desk.copied"_s);
         const QString text = m->desktop.copiedText;
-        QVERIFY2(text.contains(u"План для Участник 1\n"_s) && text.contains(u"ЗАДАЧИ\n• Участник 2 — отдать Участник 1 … рублей, среда"_s)
-                     && text.contains(u"• «Сделаю сама» — Участник 1, 00:01:00"_s),
+        QVERIFY2(text.contains(u"План для Участник 1\n"_s) &&
+                     text.contains(u"ЗАДАЧИ\n• Участник 2 — отдать Участник 1 … рублей, среда"_s) &&
+                     text.contains(u"• «Сделаю сама» — Участник 1, 00:01:00"_s),
                  qPrintable(text));
 
         m->desktop.answer = m->home.filePath(u"вещи/a.pdf"_s);
         QDir{}.mkpath(m->home.filePath(u"вещи"_s));
         desk.handOut(HandoutModel::Way::Pdf, nullptr);
         QTRY_COMPARE(desk.message().key, u"desk.saved"_s);
-        QCOMPARE(QFileInfo{m->desktop.questions.last().suggested}.fileName(), u"2026-03-04 План для Участник 1.pdf"_s);
+        QCOMPARE(QFileInfo{m->desktop.questions.last().suggested}.fileName(),
+                 u"2026-03-04 План для Участник 1.pdf"_s);
         const QByteArray pdf = files::readWhole(m->desktop.answer, 1'000'000).value_or("");
         QVERIFY(told(u"pdfinfo"_s, pdf).contains(u"План для Участник 1\n"_s));
         QVERIFY(!told(u"pdftotext"_s, pdf, {u"-"_s}).contains(u"Анн"_s));
@@ -146,7 +162,8 @@ private slots:
         const Receipt file = *std::ranges::find(receipts, u"file"_s, &Receipt::kind);
         QCOMPARE(file.to, u"вещи"_s);
         QCOMPARE(file.bytes, qint64(pdf.size()));
-        QVERIFY(file.parts.contains(u"quotes"_s) && file.parts.contains(u"names"_s) && file.parts.contains(u"numbers"_s));
+        QVERIFY(file.parts.contains(u"quotes"_s) && file.parts.contains(u"names"_s) &&
+                file.parts.contains(u"numbers"_s));
     }
 
     void theTranscriptIsAskedFor()
@@ -183,7 +200,8 @@ private slots:
         QTRY_COMPARE(desk.message(), Message::of("desk.left_over", u"Анндй"_s));
         QVERIFY(desk.hasFailed() && m->desktop.copiedText.isEmpty());
         desk.setHideNames(false);
-        for (const auto& [name, reason] : {std::pair{u"нет/a.md"_s, u"папки больше нет"_s}, {u"."_s, u"сюда нельзя записывать"_s}}) {
+        for (const auto& [name, reason] :
+             {std::pair{u"нет/a.md"_s, u"папки больше нет"_s}, {u"."_s, u"сюда нельзя записывать"_s}}) {
             m->desktop.answer = m->home.filePath(name);
             QTRY_VERIFY(desk.isReady());
             desk.handOut(HandoutModel::Way::Markdown, nullptr);
@@ -204,8 +222,9 @@ private:
             for (int i = 0; i < 60; ++i)
                 talk += "[00:02:00] Ольга: Слова и ещё слова\n";
             write(paths.vaultDir + u"/a.md"_s, talk);
-            write(paths.logs + u'/' + id + u".report.json"_s,
-                  R"({"commitments":[{"who":"Анна","what":"план","quote":"Сделаю сама","at":"[00:01:00]"}]})");
+            write(
+                paths.logs + u'/' + id + u".report.json"_s,
+                R"({"commitments":[{"who":"Анна","what":"план","quote":"Сделаю сама","at":"[00:01:00]"}]})");
             writeMeeting(u"Решили"_s);
         }
         void writeMeeting(const QString& decision) const
@@ -213,7 +232,8 @@ private:
             const QString summary =
                 uR"({"title":"План для Анны","tldr":"Коротко.","participants":["Анна"],"decisions":["%1"],
                 "action_items":[{"task":"отдать Анне 500 рублей","owner":"Пётр","due":"среда"}],
-                "_meta":{"duration_min":30,"protocol_md":"%2"}})"_s.arg(decision, paths.vaultDir + u"/a.md"_s);
+                "_meta":{"duration_min":30,"protocol_md":"%2"}})"_s.arg(decision,
+                                                                        paths.vaultDir + u"/a.md"_s);
             write(paths.logs + u'/' + id + u".protocol.json"_s, summary.toUtf8());
         }
         [[nodiscard]] const Meeting& meeting() { return *main->store()->list()->find(id); }

@@ -38,8 +38,8 @@ private slots:
 
     void people()
     {
-        const QStringList names{u"Анна Ковалёва"_s, u"Лев"_s,        u"Ли"_s,     u"Саша"_s, u"Speaker 2"_s,
-                                u"王伟"_s,          u"Надежда К."_s, u"Пётр (бухгалтер)"_s};
+        const QStringList names{u"Анна Ковалёва"_s, u"Лев"_s,  u"Ли"_s,         u"Саша"_s,
+                                u"Speaker 2"_s,     u"王伟"_s, u"Надежда К."_s, u"Пётр (бухгалтер)"_s};
         const Cases<QString, QString> cases{
             {"one number for one person", u"Анне и Ковалёвой; Льва нет"_s, u"У 1 и У 1; У 2 нет"_s},
             {"initials", u"А. С. Ковалёва, Ковалёву А.С. и так далее"_s, u"У 1, У 1 и так далее"_s},
@@ -49,7 +49,8 @@ private slots:
             {"short and theirs", u"Саш, Александру и Сашин отчёт"_s, u"У 1, У 1 и У 1 отчёт"_s},
             {"nobody", u"Speaker 2: бухгалтеру"_s, u"Speaker 2: бухгалтеру"_s},
             {"no spaces", u"王伟说"_s, u"У 1说"_s},
-            {"in other words", u"Анналы, левый, левая, полёт, петля"_s, u"Анналы, левый, левая, полёт, петля"_s},
+            {"in other words", u"Анналы, левый, левая, полёт, петля"_s,
+             u"Анналы, левый, левая, полёт, петля"_s},
         };
         for (const auto& [name, text, expected] : cases) {
             CASE(name);
