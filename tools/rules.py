@@ -22,7 +22,7 @@ WITHIN_FLOOR = {
     "settings": {"account", "receipts", "update", "permissions", "search"}, "setup": {"permissions", "update"},
     "margin": {"meetings"}, "transcript": {"meetings", "margin"}, "notices": {"meetings", "permissions"},
     "search": {"glossary", "meetings", "margin", "transcript", "report"},
-    "handout": {"meetings", "receipts", "protocol", "report", "search"},
+    "handout": {"meetings", "receipts", "transcript", "protocol", "report", "search"},
     "windows": {"detail"},
 }
 faults = []

@@ -192,7 +192,8 @@ void Program::told(const QString& line)
     if (account.handle(line)) return;
     if (line == wish::beSeen) emit somethingWanted();
     if (line == wish::window) emit mainWindowWanted();
-    if (line.startsWith(wish::open + u' ')) return openAsTold(line.sliced(wish::open.size() + 1).split(u' '));
+    if (line == wish::open || line.startsWith(wish::open + u' '))
+        return openAsTold(line.mid(wish::open.size() + 1).split(u' '));
     if (line == wish::record && !state.isRecording()) {
         record.toggle();
         if (record.refused()) emit panelWanted(); // to say so

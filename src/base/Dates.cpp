@@ -83,6 +83,11 @@ QString iso8601(double seconds)
     return QDateTime::fromSecsSinceEpoch(qint64(seconds), Qt::UTC).toString(Qt::ISODate);
 }
 
+QString iso8601Local(const QDateTime& moment)
+{
+    return moment.toOffsetFromUtc(moment.offsetFromUtc()).toString(Qt::ISODate);
+}
+
 std::optional<double> fromIso8601(const QString& text)
 {
     const QDateTime moment = QDateTime::fromString(text, Qt::ISODate);

@@ -17,6 +17,8 @@ QString spokenDuration(qint64 seconds, const QString& language);
 
 /// ISO 8601 in UTC with whole seconds, as 2026-11-15T18:20:00Z. \param seconds since 1970-01-01 UTC.
 QString iso8601(double seconds);
+/// The same of a local moment, with the zone it stands in, as 2026-11-15T21:20:00+03:00.
+QString iso8601Local(const QDateTime& moment);
 /// And back; nothing when it is none.
 std::optional<double> fromIso8601(const QString& text);
 

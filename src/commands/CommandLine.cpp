@@ -114,6 +114,10 @@ void CommandLine::take(const QStringList& arguments)
         };
         const CommandOption* option = known(m_spec.options);
         if (!option) option = known(commonOptions());
+        if (!option && m_spec.operands == "QUERY"_L1 && !name.startsWith("--"_L1)) { // what must not be there
+            m_operands.append(argument);
+            continue;
+        }
         if (!option) return fail("command.fault.option"_L1, name);
         QString value;
         if (!option->value.isEmpty() && argument.contains(u'=')) {

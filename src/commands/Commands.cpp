@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "base/Dates.h"
 #include "base/Processes.h"
 #include "base/Scheduler.h"
 #include "localisation/Language.h"
@@ -88,8 +89,8 @@ QString Context::text(const char* key, const QString& argument) const
 
 int Context::fail(Exit exit, const char* key, const QString& argument) const
 {
-    terminal.message(text(key, argument));
-    if (exit == Misused) terminal.message(u"murmeli help "_s + line.spec().name);
+    const QString usage = exit == Misused ? u" — murmeli help "_s + line.spec().name : QString{};
+    terminal.message(text(key, argument) + usage);
     return exit;
 }
 
@@ -103,18 +104,17 @@ std::optional<int> Context::number(const char* option, int fallback) const
     return std::nullopt;
 }
 
-QString isoTime(const QDateTime& moment)
+QString isoTime(double seconds)
 {
-    return moment.toOffsetFromUtc(moment.offsetFromUtc()).toString(Qt::ISODate);
+    return dates::iso8601Local(QDateTime::fromMSecsSinceEpoch(qint64(seconds * 1000)));
 }
-
-QString isoTime(double seconds) { return isoTime(QDateTime::fromMSecsSinceEpoch(qint64(seconds * 1000))); }
 
 QJsonObject toJson(const Meeting& meeting)
 {
-    QJsonObject object{
-        {u"stem"_s, meeting.id}, {u"title"_s, meeting.title}, {u"start"_s, isoTime(meeting.startedAt)}};
-    if (const auto end = meeting.endedAt()) object[u"end"_s] = isoTime(*end);
+    QJsonObject object{{u"stem"_s, meeting.id},
+                       {u"title"_s, meeting.title},
+                       {u"start"_s, dates::iso8601Local(meeting.startedAt)}};
+    if (const auto end = meeting.endedAt()) object[u"end"_s] = dates::iso8601Local(*end);
     if (meeting.durationMin) object[u"duration_min"_s] = *meeting.durationMin;
     return object;
 }
@@ -130,10 +130,11 @@ std::optional<int> run(int argc, char** argv)
     const CommandLine line{*spec, arguments};
 
     // A text document cannot be laid out without one, but it needs no display.
-    const bool drawsPages = spec->name == "export"_L1;
+    const bool drawsPages = makesPdf(line);
     if (drawsPages) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        SingleInstance::runtimeFolder(); // else Qt says on the terminal that none is named
+        qunsetenv("QT_QPA_PLATFORMTHEME"); // it would want the desktop
+        SingleInstance::runtimeFolder();   // else Qt says on the terminal that none is named
     }
     const auto app = drawsPages
                          ? std::unique_ptr<QCoreApplication>{std::make_unique<QGuiApplication>(argc, argv)}

@@ -64,9 +64,10 @@ int complete(const Context& context);
 int withMeeting(const Context& context, const std::function<int(Library&, const Meeting&)>& work);
 /// The meeting's members that every document has: "stem", "title", "start", "end", "duration_min".
 QJsonObject toJson(const Meeting& meeting);
-/// ISO 8601 with its zone.
-QString isoTime(const QDateTime& moment);
+/// ISO 8601 with the local zone. \param seconds since 1970 UTC.
 QString isoTime(double seconds);
+/// Whether the command lays out pages, for which it needs a QGuiApplication.
+bool makesPdf(const CommandLine& line);
 
 } // namespace commands
 

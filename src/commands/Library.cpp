@@ -60,22 +60,21 @@ QList<Meeting> Library::newest(qsizetype most, const Span& span)
     QList<Meeting> meetings;
     const auto take = [&](const QString& stem) {
         const auto meeting = read(stem);
-        if (!meeting) return;
-        const QDate day = meeting->startedAt.date();
-        if ((!span.since || day >= *span.since) && (!span.until || day <= *span.until))
-            meetings.append(*meeting);
+        const QDate day = meeting ? meeting->startedAt.date() : QDate{};
+        const bool fits =
+            meeting && (!span.since || day >= *span.since) && (!span.until || day <= *span.until);
+        if (fits) meetings.append(*meeting);
+        return fits;
     };
     // A day more, for starts that were written elsewhere on the globe.
     const QString first = span.since ? span.since->addDays(-1).toString(Qt::ISODate) : QString{};
     const QString last = span.until ? span.until->addDays(1).toString(Qt::ISODate) : u"~"_s;
-    qsizetype read = 0;
+    qsizetype taken = 0; // some more, since a start may differ from its file's name
     for (const QString& stem : stems()) {
         const QString day = stem.left(10);
-        if (isDay(day)) {
-            if (day < first || day > last || read >= most + most / 2 + 2) continue;
-            ++read;
-        }
-        take(stem);
+        const bool dated = isDay(day);
+        if (dated && (day < first || day > last || taken >= most + most / 2 + 2)) continue;
+        if (take(stem) && dated) ++taken;
     }
     std::ranges::stable_sort(meetings, std::greater{}, &Meeting::startedAt);
     return meetings.first(std::min(most, meetings.size()));

@@ -23,6 +23,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLocale>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QUrl>
@@ -127,7 +128,8 @@ void printChanges(const Context& context, const ChangeHistory& history)
         context.terminal.line(
             context.terminal.faint(minute(change.time)) + u"  "_s +
             Language::text(context.language, u"detail."_s + change.section) +
-            (change.remark.isEmpty() ? QString{} : u": «"_s + change.remark + u'»') +
+            (change.remark.isEmpty() ? QString{}
+                                     : u": "_s + QLocale{context.language}.quoteString(change.remark)) +
             (entry.state == ChangeHistory::State::Holds ? QString{} : u" ["_s + nameOf(entry.state) + u']'));
         context.terminal.line(u"  - "_s + change.before);
         context.terminal.line(u"  + "_s + change.after);
@@ -158,6 +160,14 @@ std::optional<Format> formatOf(const QString& name)
     return found == formats.cend() ? std::nullopt : std::optional{*found};
 }
 
+QString outputOf(const CommandLine& line) { return line.has("-o") ? line.value("-o") : u"-"_s; }
+
+QString formatNameOf(const CommandLine& line)
+{
+    if (line.has("--format")) return line.value("--format");
+    return outputOf(line) == "-"_L1 ? u"md"_s : QFileInfo{outputOf(line)}.suffix();
+}
+
 std::optional<HandoutParts> partsOf(const QString& list)
 {
     HandoutParts parts;
@@ -168,7 +178,7 @@ std::optional<HandoutParts> partsOf(const QString& list)
         if (part == all.end()) return std::nullopt;
         parts.setFlag(*part);
     }
-    return parts;
+    return parts == HandoutParts{} ? std::nullopt : std::optional{parts};
 }
 
 QByteArray bytesOf(const Handout& handout, Format format)
@@ -181,7 +191,7 @@ QByteArray bytesOf(const Handout& handout, Format format)
     case Format::Text:
         return handoutText::plain(handout).toUtf8();
     case Format::Json:
-        return handoutText::json(handout);
+        return QJsonDocument{handoutText::json(handout)}.toJson();
     case Format::Pdf:
         break;
     }
@@ -259,8 +269,7 @@ int show(const Context& context)
         if (context.json()) {
             QJsonObject object = toJson(meeting);
             object[u"v"_s] = 1;
-            if (protocol || transcript)
-                object = QJsonDocument::fromJson(handoutText::json(handout())).object();
+            if (protocol || transcript) object = handoutText::json(handout());
             if (analysis) {
                 const auto stored =
                     files::readWhole(ReportLoader::storedFile(meeting), summaryFile::sizeLimit);
@@ -285,13 +294,15 @@ int show(const Context& context)
     });
 }
 
+bool makesPdf(const CommandLine& line)
+{
+    return line.spec().name == "export"_L1 && formatOf(formatNameOf(line)) == Format::Pdf;
+}
+
 int exportMeeting(const Context& context)
 {
-    const QString output = context.line.has("-o") ? context.line.value("-o") : u"-"_s;
-    const QString ending = QFileInfo{output}.suffix();
-    const QString named = context.line.has("--format") ? context.line.value("--format")
-                          : output == "-"_L1           ? u"md"_s
-                                                       : ending;
+    const QString output = outputOf(context.line);
+    const QString named = formatNameOf(context.line);
     const auto format = formatOf(named);
     if (!format) return context.fail(Misused, "command.fault.format", named);
     if (*format == Format::Pdf && output == "-"_L1 && context.terminal.isTerminal())
@@ -309,27 +320,27 @@ int exportMeeting(const Context& context)
         const Handout handout = Handout::of(HandoutSource::read(meeting, library.files(), context.language),
                                             choice, context.language);
         const QByteArray bytes = bytesOf(handout, *format);
-        const auto readBack = *format == Format::Pdf ? textInPdf(bytes) : QString::fromUtf8(bytes);
-        if (const QString left = handout.redaction.leftIn(readBack.value_or(QString{})); !left.isEmpty())
-            return context.fail(Unavailable, "desk.left_over", left);
+        // Marks of a format are no words of the meeting.
+        const auto made = *format == Format::Pdf ? textInPdf(bytes) : handoutText::plain(handout);
+        if (!made) return context.fail(Unavailable, "command.not_saved", output);
+        const QString left = handout.nameLeftIn(handout.title + u'\n' + *made);
+        if (!left.isEmpty()) return context.fail(Unavailable, "desk.left_over", left);
         const bool toFile = output != "-"_L1;
-        if (!toFile) {
-            context.terminal.bytes(bytes);
-        } else if (!files::writeAtomic(QDir::current().absoluteFilePath(output), bytes)) {
+        const QString path = QDir::current().absoluteFilePath(output);
+        if (toFile && !files::writeAtomic(path, bytes))
             return context.fail(Unavailable, "command.not_saved", output);
-        }
-        if (choice.hideNames)
-            context.terminal.message(context.text("desk.hidden", QString::number(handout.redaction.count())));
         Receipt receipt = Receipt::begun(context.scheduler.now());
         receipt.stem = meeting.id;
         receipt.kind = u"file"_s;
-        receipt.to =
-            toFile ? QFileInfo{QDir::current().absoluteFilePath(output)}.dir().dirName() : u"stdout"_s;
+        receipt.to = toFile ? QFileInfo{path}.dir().dirName() : u"stdout"_s;
         receipt.bytes = bytes.size();
         receipt.parts = Handout::receiptParts(choice);
         receipt.result.clear(); // nobody answers
         if (ReceiptFiles{context.paths}.add(receipt) != OwnWritten::Yes)
             context.terminal.message(context.text("own.failed", u"sent"_s));
+        if (choice.hideNames)
+            context.terminal.message(context.text("desk.hidden", QString::number(handout.redaction.count())));
+        if (!toFile) context.terminal.bytes(bytes); // last: whoever reads may go away
         return Done;
     });
 }
@@ -342,9 +353,13 @@ int open(const Context& context)
             part = QString::fromLatin1(QUrl::toPercentEncoding(part));
         const QString wish = parts.join(u' ');
         if (SingleInstance::tell(SingleInstance::runtimeFolder(), wish)) return int(Done);
-        const bool started =
-            QProcess::startDetached(QCoreApplication::applicationFilePath(), {u"--wish="_s + wish});
-        return started ? int(Done) : context.fail(Unavailable, "command.not_started");
+        QProcess program; // with nothing of ours, which a shell may be waiting for
+        program.setProgram(QCoreApplication::applicationFilePath());
+        program.setArguments({u"--wish="_s + wish});
+        program.setStandardInputFile(QProcess::nullDevice());
+        program.setStandardOutputFile(QProcess::nullDevice());
+        program.setStandardErrorFile(QProcess::nullDevice());
+        return program.startDetached() ? int(Done) : context.fail(Unavailable, "command.not_started");
     };
     if (context.line.operands().isEmpty()) return tell({});
     return withMeeting(context, [&](Library&, const Meeting& meeting) { return tell(meeting.id); });

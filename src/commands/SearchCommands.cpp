@@ -131,8 +131,9 @@ int search(const Context& context)
     QJsonArray results;
     int shown = 0;
     for (const QString& stem : answer.ids) {
+        if (shown >= *most) break;
         const auto meeting = library.read(stem);
-        if (!meeting || shown >= *most) continue;
+        if (!meeting) continue;
         const bool reads = answer.candidates || *places > 0;
         const MeetingText text = reads ? library.files().read(*meeting, context.language) : MeetingText{};
         if (answer.candidates && !answer.query.isMetBy(text, searcher.keys())) continue;
@@ -162,10 +163,9 @@ int search(const Context& context)
         }
     }
     if (context.json()) {
-        context.terminal.json({{u"v"_s, 1},
-                               {u"query"_s, context.line.text()},
-                               {u"meetings"_s, answer.candidates ? shown : answer.meetings},
-                               {u"results"_s, results}});
+        QJsonObject object{{u"v"_s, 1}, {u"query"_s, context.line.text()}, {u"results"_s, results}};
+        if (!answer.candidates) object[u"meetings"_s] = answer.meetings; // else nobody has counted them
+        context.terminal.json(object);
     }
     return shown > 0 ? Done : Nothing;
 }

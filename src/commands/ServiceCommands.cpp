@@ -71,7 +71,8 @@ public:
             lines.append(m_context.text("command.status.since", since.toString(u"HH:mm"_s)));
         }
         if (!state.detail().isEmpty()) lines.append(state.detail());
-        if (state.jobs() > 0) lines.append(m_context.text("panel.jobs.many", QString::number(state.jobs())));
+        if (state.jobs() == 1) lines.append(m_context.text("panel.jobs.one"));
+        if (state.jobs() > 1) lines.append(m_context.text("panel.jobs.many", QString::number(state.jobs())));
         if (isSilent(state)) lines.append(m_context.text("pulse.silent"));
         return lines;
     }
@@ -109,7 +110,7 @@ int status(const Context& context)
         if (context.json()) {
             context.terminal.json(object, context.line.has("--watch"));
         } else if (context.line.has("--watch")) {
-            context.terminal.line(line.lines(state).join(u" · "_s));
+            context.terminal.line(object[u"tooltip"_s].toString().replace(u'\n', u" · "_s));
         } else {
             context.terminal.line(line.lines(state).join(u'\n'));
         }
@@ -123,7 +124,10 @@ int status(const Context& context)
     const auto look = [&] {
         if (!context.terminal.isRead()) QCoreApplication::quit();
         QJsonObject now = line.watched(state);
-        if (!isThere()) now[u"class"_s] = u"missing"_s;
+        if (!isThere()) {
+            now[u"class"_s] = u"missing"_s;
+            now[u"text"_s] = now[u"tooltip"_s] = context.text("command.no_service");
+        }
         if (std::exchange(last, now) != now) print(now);
     };
     look();
@@ -148,7 +152,7 @@ int record(const Context& context)
                  .settingUp = [] { return false; },
                  .freeBytes = files::freeBytes}};
     control.toggle();
-    if (control.refused()) return context.fail(Unanswered, "command.not_written", context.paths.commandFile);
+    if (control.refused()) return context.fail(Unavailable, "command.not_written", context.paths.commandFile);
     if (context.line.has("--no-wait")) return Done;
     QEventLoop answered;
     int exit = Done;

@@ -18,6 +18,8 @@ namespace murmeli {
 namespace {
 
 constexpr int cannotWrite = 4; // exit status
+const QString faintBegin = u"\x1b[2m"_s;
+const QString faintEnd = u"\x1b[0m"_s;
 
 bool isWide(char32_t c)
 {
@@ -58,18 +60,16 @@ void Terminal::bytes(const QByteArray& bytes) const
     }
 }
 
-void Terminal::line(const QString& text) const
+void Terminal::line(const QString& text) const { bytes((m_terminal ? shown(text) : text).toUtf8() + '\n'); }
+
+QString Terminal::shown(QString text) const
 {
-    QString shown = text;
-    if (m_terminal) {
-        for (qsizetype i = 0; i < shown.size(); ++i) {
-            const QChar c = shown[i];
-            const bool ours =
-                c == u'\x1b' && (shown.mid(i).startsWith(u"\x1b[2m") || shown.mid(i).startsWith(u"\x1b[0m"));
-            if (c.category() == QChar::Other_Control && c != u'\n' && !(m_colours && ours)) shown[i] = u' ';
-        }
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QStringView rest = QStringView{text}.sliced(i);
+        const bool ours = m_colours && (rest.startsWith(faintBegin) || rest.startsWith(faintEnd));
+        if (text[i].category() == QChar::Other_Control && text[i] != u'\n' && !ours) text[i] = u' ';
     }
-    bytes(shown.toUtf8() + '\n');
+    return text;
 }
 
 void Terminal::json(const QJsonObject& object, bool oneLine) const
@@ -80,7 +80,7 @@ void Terminal::json(const QJsonObject& object, bool oneLine) const
 
 void Terminal::message(const QString& text) const
 {
-    const QByteArray line = "murmeli: " + text.toUtf8() + '\n';
+    const QByteArray line = "murmeli: " + (m_watched ? shown(text) : text).toUtf8() + '\n';
     std::ignore = std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
 }
 
@@ -92,10 +92,7 @@ void Terminal::progress(const QString& text) const
     std::fflush(stderr);
 }
 
-QString Terminal::faint(const QString& text) const
-{
-    return m_colours ? u"\x1b[2m"_s + text + u"\x1b[0m"_s : text;
-}
+QString Terminal::faint(const QString& text) const { return m_colours ? faintBegin + text + faintEnd : text; }
 
 int Terminal::columns(QStringView text)
 {
@@ -125,7 +122,7 @@ QString Terminal::fitted(const QString& text) const
         result += QString::fromUcs4(&c, 1);
         if (escape && c == U'm') escape = false;
     }
-    return result + u'…' + (m_colours ? u"\x1b[0m"_s : QString{});
+    return result + u'…' + (m_colours ? faintEnd : QString{});
 }
 
 bool Terminal::isRead() const

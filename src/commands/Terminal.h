@@ -40,6 +40,9 @@ public:
     static int columns(QStringView text);
 
 private:
+    /// Without signs that a terminal would obey.
+    [[nodiscard]] QString shown(QString text) const;
+
     bool m_terminal = false;
     bool m_colours = false;
     bool m_watched = false; ///< messages are read by a person

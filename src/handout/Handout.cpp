@@ -9,11 +9,13 @@
 #include "meetings/SummaryFile.h"
 #include "protocol/ProtocolFileMaker.h"
 #include "report/ReportLoader.h"
+#include "transcript/Transcript.h"
 
 #include <QJsonArray>
 #include <QLocale>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -117,10 +119,18 @@ HandoutSource HandoutSource::read(const Meeting& meeting, const MeetingFiles& fi
 {
     HandoutSource source{.meeting = meeting, .text = files.read(meeting, language), .quotes = {}};
     QStringList owners;
+    QStringList participants;
     if (const auto bytes = files::readWhole(meeting.jsonPath, summaryFile::sizeLimit)) {
         const QJsonObject summary = json::object(*bytes).value_or(QJsonObject{});
         source.edits =
             std::max<qint64>(0, json::integer(summary.value("_meta"_L1).toObject(), "edits"_L1).value_or(0));
+        const QJsonObject meta = summary.value("_meta"_L1).toObject();
+        for (const QJsonArray& people :
+             {summary.value("participants"_L1).toArray(),
+              meta.value("analytics"_L1).toObject().value("speakers"_L1).toArray()}) {
+            for (const auto& one : people)
+                participants.append(one.isObject() ? json::text(one.toObject(), "name"_L1) : one.toString());
+        }
         const QJsonArray tasks = summary.value("action_items"_L1).toArray();
         for (const auto& task : tasks)
             owners.append(json::text(task.toObject(), "owner"_L1));
@@ -130,7 +140,19 @@ HandoutSource HandoutSource::read(const Meeting& meeting, const MeetingFiles& fi
         const QString quote = text::oneLine(promise.quote).trimmed();
         if (quote.isEmpty()) continue;
         source.quotes.append(
-            {.text = quote, .speaker = text::oneLine(promise.who).trimmed(), .stamp = promise.at});
+            {.text = quote,
+             .speaker = text::oneLine(promise.who).trimmed(),
+             .stamp = Transcript::seconds(promise.at) ? text::oneLine(promise.at) : QString{}});
+    }
+    // Where lines have no speakers, what stands before a colon is speech: "Important: …".
+    const auto isSaid = [](const Passage& one) { return one.kind == Kind::Said; };
+    const auto said = std::ranges::count_if(source.text.passages, isSaid);
+    const auto named = std::ranges::count_if(
+        source.text.passages, [&](const Passage& one) { return isSaid(one) && !one.speaker.isEmpty(); });
+    if (named * 2 < said) {
+        for (const Passage& one : std::as_const(source.text.passages)) {
+            if (isSaid(one) && !participants.contains(one.speaker)) source.text.people.removeAll(one.speaker);
+        }
     }
     for (const QString& owner : owners) {
         const QString name = text::oneLine(owner).trimmed();
@@ -139,7 +161,13 @@ HandoutSource HandoutSource::read(const Meeting& meeting, const MeetingFiles& fi
     return source;
 }
 
-qsizetype HandoutSource::count(HandoutPart part) const { return passagesOf(*this, part).size(); }
+qsizetype HandoutSource::count(HandoutPart part) const
+{
+    if (part == HandoutPart::Quotes) return quotes.size();
+    const auto all =
+        std::ranges::count_if(text.passages, [&](const Passage& one) { return isOf(one, part); });
+    return part == HandoutPart::Summary ? std::min<qsizetype>(all, 1) : all;
+}
 
 QStringList HandoutSource::names() const { return text.people; }
 
@@ -182,6 +210,14 @@ QString Handout::sourceOf(const Passage& quote)
 }
 
 QString Handout::moment(const Passage& passage) { return text::stripped(passage.stamp, u"[] ").toString(); }
+
+QString Handout::nameLeftIn(QString made) const
+{
+    made.remove(dateLine);
+    for (const Section& section : sections)
+        made.remove(section.heading).remove(section.heading.toUpper());
+    return redaction.leftIn(made);
+}
 
 QString Handout::fileName(const QString& ending) const
 {

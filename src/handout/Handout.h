@@ -76,6 +76,9 @@ struct Handout {
     /// A stamp without its brackets.
     [[nodiscard]] static QString moment(const Passage& passage);
 
+    /// A name that is left in what was made of it, beside headings and dates, which are not the meeting's.
+    [[nodiscard]] QString nameLeftIn(QString made) const;
+
     /// What its file may be called, with an ending as "md".
     [[nodiscard]] QString fileName(const QString& ending) const;
     /// What receipts say of it: its parts, and what was hidden.

@@ -65,6 +65,7 @@ Message writingFailure(const QString& path, qint64 bytes, const QString& languag
 } // namespace
 
 struct HandoutModel::Desk {
+    HandoutChoice choice;
     Handout handout;
     std::unique_ptr<HandoutPages> pages;
 };
@@ -86,6 +87,7 @@ HandoutModel::HandoutModel(Ground ground, const Meeting& meeting, QObject* paren
 HandoutModel::~HandoutModel()
 {
     // A document has timers, which end on the thread that has made it.
+    m_paper.clear(); // whoever waits for it has gone, or goes
     startOn(m_paper, [desk = m_desk] { desk->pages.reset(); });
     m_paper.waitForDone();
 }
@@ -105,17 +107,20 @@ void HandoutModel::load(const Meeting& meeting)
 
 void HandoutModel::make()
 {
+    listRows();
     emit changed();
     if (!m_source) return;
     m_making = true;
     const auto work = [source = m_source, choice = m_choice, language = m_ground.language.current(),
-                       desk = m_desk] {
+                       desk = m_desk, newest = m_newest, own = ++*m_newest] {
+        if (*newest != own) return Made{}; // nobody waits for this one any more
+        desk->choice = choice;
         desk->handout = Handout::of(*source, choice, language);
         desk->pages = std::make_unique<HandoutPages>(desk->handout);
         return Made{.pages = desk->pages->count(),
                     .people = int(desk->handout.redaction.count()),
+                    .hidden = choice.hideNames,
                     .first = desk->handout.redaction.first(),
-                    .title = desk->handout.title,
                     .pdfName = desk->handout.fileName(u"pdf"_s),
                     .markdownName = desk->handout.fileName(u"md"_s)};
     };
@@ -124,12 +129,13 @@ void HandoutModel::make()
         m_made = made;
         ++m_edition;
         emit changed();
+        if (const auto wish = std::exchange(m_wish, std::nullopt)) handOut(wish->way, wish->window);
     });
 }
 
-QList<HandoutRow> HandoutModel::rows() const
+void HandoutModel::listRows()
 {
-    QList<HandoutRow> rows;
+    m_rows.clear();
     const QString language = m_ground.language.current();
     for (const HandoutPart part : allHandoutParts()) {
         const qsizetype count = m_source ? m_source->count(part) : 0;
@@ -138,9 +144,8 @@ QList<HandoutRow> HandoutModel::rows() const
         if (part == HandoutPart::Summary) amount.clear();
         if (part == HandoutPart::Transcript && m_meeting.durationMin)
             amount = Language::shortDuration(language, qint64(*m_meeting.durationMin * 60));
-        rows.append({int(part), titleOf(part, language), amount, m_choice.parts.testFlag(part)});
+        m_rows.append({int(part), titleOf(part, language), amount, m_choice.parts.testFlag(part)});
     }
-    return rows;
 }
 
 void HandoutModel::choose(int part, bool chosen)
@@ -184,10 +189,13 @@ void HandoutModel::say(const Message& message, bool failed)
 
 void HandoutModel::handOut(Way way, QWindow* window)
 {
-    if (!isReady()) return;
-    const QList<HandoutRow> rows = this->rows();
-    if (rows.isEmpty()) return say(Message::of("desk.unreadable"), true);
-    if (std::ranges::none_of(rows, &HandoutRow::chosen)) return say(Message::of("desk.nothing"), true);
+    if (m_working) return;
+    if (!m_source || m_making) {
+        m_wish = Wish{way, window};
+        return;
+    }
+    if (m_rows.isEmpty()) return say(Message::of("desk.unreadable"), true);
+    if (std::ranges::none_of(m_rows, &HandoutRow::chosen)) return say(Message::of("desk.nothing"), true);
     const bool said =
         m_choice.parts.testFlag(HandoutPart::Transcript) && m_source->count(HandoutPart::Transcript) > 0;
     if (said && m_choice.hideNames && m_asked != way) {
@@ -232,11 +240,15 @@ void HandoutModel::produce(Way way, const QString& path)
     const auto work = [desk = m_desk, way, path, folder, language = m_ground.language.current()] {
         const Handout& handout = desk->handout;
         Output output;
+        output.title = handout.title;
+        output.parts = Handout::receiptParts(desk->choice);
         output.plain = handoutText::plain(handout);
         output.html = handoutText::html(handout);
         output.markdown = handoutText::markdown(handout);
         const bool letter = way == Way::Mail && output.plain.size() <= longestLetter;
-        QString readBack = handout.fileName(u"pdf"_s) + u'\n' + output.plain + output.html + output.markdown;
+        // What is on the clipboard says the same in all of its forms.
+        QString readBack = handout.title + u'\n' + output.plain;
+        if (way == Way::Markdown) readBack += output.markdown;
         QByteArray bytes;
         if (way == Way::Markdown) bytes = output.markdown.toUtf8();
         if (way == Way::Pdf || (way == Way::Mail && !letter)) {
@@ -248,7 +260,7 @@ void HandoutModel::produce(Way way, const QString& path)
             }
             readBack += *text;
         }
-        output.left = handout.redaction.leftIn(readBack);
+        output.left = handout.nameLeftIn(readBack);
         output.bytes = bytes.isEmpty() ? output.plain.toUtf8().size() : bytes.size();
         if (!output.left.isEmpty() || bytes.isEmpty()) return output;
         output.path = way == Way::Mail ? folder + u'/' + handout.fileName(u"pdf"_s) : path;
@@ -270,17 +282,17 @@ void HandoutModel::send(Way way, const Output& output)
     switch (way) {
     case Way::Clipboard:
         m_ground.desktop.copy({.text = output.plain, .html = output.html, .markdown = output.markdown});
-        note(u"clipboard"_s, u"clipboard"_s, output.bytes);
+        note(output, u"clipboard"_s, u"clipboard"_s, output.bytes);
         return say(Message::of("desk.copied"));
     case Way::Markdown:
     case Way::Pdf:
-        note(u"file"_s, file.dir().dirName(), output.bytes);
+        note(output, u"file"_s, file.dir().dirName(), output.bytes);
         return say(Message::of("desk.saved", file.fileName()));
     case Way::Mail:
         m_ground.desktop.askForMailProgram(this, [this, output](bool there) {
             if (there) return mail(output);
             m_ground.desktop.copy({.text = output.plain, .html = output.html, .markdown = output.markdown});
-            note(u"clipboard"_s, u"clipboard"_s, output.plain.toUtf8().size());
+            note(output, u"clipboard"_s, u"clipboard"_s, output.plain.toUtf8().size());
             say(Message::of("desk.no_mail"));
         });
     }
@@ -290,19 +302,19 @@ void HandoutModel::mail(const Output& output)
 {
     const bool attached = !output.path.isEmpty();
     m_ground.desktop.mail(
-        {.subject = m_made.title, .text = attached ? QString{} : output.plain, .file = output.path});
-    note(u"mail"_s, u"mail"_s, output.bytes);
+        {.subject = output.title, .text = attached ? QString{} : output.plain, .file = output.path});
+    note(output, u"mail"_s, u"mail"_s, output.bytes);
     say(attached ? Message::of("desk.mailed_text_kept") : Message::of("desk.mailed"));
 }
 
-void HandoutModel::note(const QString& kind, const QString& to, qint64 bytes)
+void HandoutModel::note(const Output& output, const QString& kind, const QString& to, qint64 bytes)
 {
     Receipt receipt = m_ground.receipts.begun();
     receipt.stem = m_meeting.id;
     receipt.kind = kind;
     receipt.to = to;
     receipt.bytes = bytes;
-    receipt.parts = Handout::receiptParts(m_choice);
+    receipt.parts = output.parts;
     receipt.result.clear(); // nobody answers
     m_ground.receipts.note(receipt);
 }

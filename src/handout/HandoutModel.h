@@ -7,10 +7,12 @@
 #include "platform/Desktop.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QThreadPool>
 #include <QWindow>
 #include <QtQml/qqmlregistration.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -74,13 +76,13 @@ public:
     ~HandoutModel() override;
     Q_DISABLE_COPY_MOVE(HandoutModel)
 
-    [[nodiscard]] QList<HandoutRow> rows() const;
+    [[nodiscard]] const QList<HandoutRow>& rows() const { return m_rows; }
     [[nodiscard]] bool hideNames() const { return m_choice.hideNames; }
     void setHideNames(bool hide);
     [[nodiscard]] bool hideNumbers() const { return m_choice.hideNumbers; }
     void setHideNumbers(bool hide);
     [[nodiscard]] QString example() const;
-    [[nodiscard]] int hidden() const { return m_choice.hideNames ? m_made.people : -1; }
+    [[nodiscard]] int hidden() const { return m_choice.hideNames && m_made.hidden ? m_made.people : -1; }
     [[nodiscard]] int pages() const { return m_made.pages; }
     [[nodiscard]] int edition() const { return m_edition; }
     [[nodiscard]] bool isReady() const;
@@ -109,12 +111,14 @@ private:
     struct Made { ///< what is known of the pages
         int pages = 0;
         int people = 0;
+        bool hidden = false; ///< they are
         QString first;
-        QString title;
         QString pdfName, markdownName;
     };
     struct Output {
         QString left; ///< a name that is
+        QString title;
+        QStringList parts; ///< for its receipt
         QString plain, html, markdown;
         Message failure;
         QString path; ///< of a file that was written
@@ -125,7 +129,8 @@ private:
     void produce(Way way, const QString& path);
     void send(Way way, const Output& output);
     void mail(const Output& output);
-    void note(const QString& kind, const QString& to, qint64 bytes);
+    void note(const Output& output, const QString& kind, const QString& to, qint64 bytes);
+    void listRows();
     void say(const Message& message, bool failed = false);
 
     Ground m_ground;
@@ -133,11 +138,19 @@ private:
     std::shared_ptr<const HandoutSource> m_source;
     HandoutChoice m_choice;
     std::shared_ptr<Desk> m_desk;
+    std::shared_ptr<std::atomic<quint64>> m_newest =
+        std::make_shared<std::atomic<quint64>>(0); ///< of the makings
+    QList<HandoutRow> m_rows;
     Made m_made;
     int m_edition = 0;
     bool m_making = false;
     bool m_working = false;
     std::optional<Way> m_asked;
+    struct Wish {
+        Way way;
+        QPointer<QWindow> window;
+    };
+    std::optional<Wish> m_wish; ///< for when the pages are there
     Message m_message;
     bool m_failed = false;
     std::unique_ptr<QTemporaryDir> m_folder; ///< for what goes into a letter

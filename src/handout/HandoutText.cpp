@@ -1,10 +1,9 @@
 #include "HandoutText.h"
 
+#include "base/Dates.h"
 #include "base/Text.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
@@ -23,6 +22,7 @@ QString escaped(const QString& text)
         if (signs.contains(c)) result += u'\\';
         result += c;
     }
+    if (result.endsWith(u'#')) result.insert(result.size() - 1, u'\\'); // would close a heading
     if (const auto match = begin.match(result); match.hasMatch()) {
         const int sign = match.capturedStart(2) >= 0 ? 2 : 4; // "1.": its dot
         result.insert(match.capturedStart(sign), u'\\');
@@ -124,7 +124,7 @@ QString htmlDocument(const Handout& handout)
            html(handout) + u"</html>\n"_s;
 }
 
-QByteArray json(const Handout& handout)
+QJsonObject json(const Handout& handout)
 {
     QJsonArray sections;
     for (const Handout::Section& section : handout.sections) {
@@ -138,17 +138,16 @@ QByteArray json(const Handout& handout)
         sections.append(QJsonObject{
             {u"key"_s, nameOf(section.part)}, {u"title"_s, section.heading}, {u"items"_s, items}});
     }
-    const auto time = [](const QDateTime& moment) {
-        return moment.toOffsetFromUtc(moment.offsetFromUtc()).toString(Qt::ISODate);
-    };
+    const Meeting& meeting = handout.meeting;
     QJsonObject object{{u"v"_s, 1},
-                       {u"stem"_s, handout.meeting.id},
+                       {u"stem"_s, meeting.id},
                        {u"title"_s, handout.title},
-                       {u"start"_s, time(handout.meeting.startedAt)},
-                       {u"edits"_s, handout.edits},
+                       {u"start"_s, dates::iso8601Local(meeting.startedAt)},
+                       {u"edit_count"_s, handout.edits},
                        {u"sections"_s, sections}};
-    if (const auto end = handout.meeting.endedAt()) object[u"end"_s] = time(*end);
-    return QJsonDocument{object}.toJson();
+    if (const auto end = meeting.endedAt()) object[u"end"_s] = dates::iso8601Local(*end);
+    if (meeting.durationMin) object[u"duration_min"_s] = *meeting.durationMin;
+    return object;
 }
 
 } // namespace murmeli::handoutText

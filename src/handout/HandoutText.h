@@ -2,7 +2,7 @@
 
 #include "Handout.h"
 
-#include <QByteArray>
+#include <QJsonObject>
 
 /// A handout as text, in the forms that programs take. Pure functions, any thread.
 namespace murmeli::handoutText {
@@ -17,7 +17,8 @@ QString markdown(const Handout& handout);
 QString html(const Handout& handout);
 QString htmlDocument(const Handout& handout);
 
-/// One JSON document.
-QByteArray json(const Handout& handout);
+/// One JSON document: "v", "stem", "title", "start", "end", "duration_min", "edit_count", and in "sections"
+/// their "key", "title" and "items", each with its "text" and, where there are any, "speaker" and "stamp".
+QJsonObject json(const Handout& handout);
 
 } // namespace murmeli::handoutText

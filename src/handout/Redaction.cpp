@@ -13,7 +13,8 @@ namespace murmeli {
 
 namespace {
 
-constexpr qsizetype leastBeginning = 3; // letters by which a name is recognised
+constexpr qsizetype shortName = 2;      // letters of one that is a word of many languages
+constexpr qsizetype leastBeginning = 4; // letters by which a slip of a name is recognised
 
 bool isCapital(QStringView word) { return !word.isEmpty() && word.front().isUpper(); }
 
@@ -36,16 +37,43 @@ bool hasNoSpaces(QStringView word)
     });
 }
 
-/// The words of a name, without what stands beside it, as a role in brackets.
-QStringList partsOf(const QString& name)
+QStringList wordsOf(const QString& name)
 {
-    static const QRegularExpression beside{uR"([(\[,/|;].*$)"_s};
-    QString bare = name;
-    bare.remove(beside);
     QStringList parts;
-    for (const words::Span& word : words::split(bare))
-        parts.append(word.in(bare).toString());
+    for (const words::Span& word : words::split(name))
+        parts.append(word.in(name).toString());
     return parts;
+}
+
+bool hasCapital(const QStringList& words) { return std::ranges::any_of(words, isCapital); }
+
+/// The words of each person that is named, without what stands beside a name, as a role in brackets. "Иванов,
+/// Иван" is one person, "Анна, Пётр Иванов" are two.
+QList<QStringList> peopleIn(const QString& name)
+{
+    static const QRegularExpression beside{uR"(\([^)]*\)?|\[[^\]]*\]?)"_s};
+    QString bare = name;
+    bare.replace(beside, u" "_s);
+    QList<QStringList> people;
+    for (const QString& one : bare.split(QRegularExpression{u"[/;|]"_s})) {
+        QList<QStringList> pieces;
+        for (const QString& piece : one.split(u','))
+            if (const QStringList words = wordsOf(piece); !words.isEmpty()) pieces.append(words);
+        if (pieces.size() == 2 && pieces[0].size() == 1 && pieces[1].size() <= 2 && hasCapital(pieces[1])) {
+            people.append(pieces[0] + pieces[1]);
+            continue;
+        }
+        const bool named = std::ranges::any_of(pieces, hasCapital);
+        for (const QStringList& piece : pieces)
+            if (!named || hasCapital(piece)) people.append(piece); // else a role
+    }
+    return people;
+}
+
+/// Whether a word of a name says who it is: no number, no "Speaker" and no letter behind that.
+bool isTelling(const QString& word)
+{
+    return !word.front().isDigit() && word.size() > 1 && !personNames::isNobodysName(nameForms::plain(word));
 }
 
 /// What may stand between two parts of one name.
@@ -72,13 +100,16 @@ QString commonBeginning(const QStringList& forms)
 Redaction::Redaction(const QStringList& names, const QString& label) : m_label(label)
 {
     QList<QStringList> people;
+    QHash<QStringList, QString> inverted; // as "Иванов, Иван" stands before what was said
     for (const QString& name : names) {
-        const QStringList parts = partsOf(name);
-        const bool none = std::ranges::all_of(parts, [](const QString& part) {
-            return part.front().isDigit() || personNames::isNobodysName(nameForms::plain(part));
-        });
-        if (none || people.contains(parts)) continue;
-        people.append(parts);
+        const QList<QStringList> named = peopleIn(name);
+        if (named.size() == 1 && named.first().size() > 1 && name.contains(u','))
+            inverted[named.first()] = name;
+        for (const QStringList& parts : named) {
+            const bool telling =
+                std::ranges::any_of(parts, isTelling) || std::ranges::any_of(parts, hasNoSpaces);
+            if (telling && !people.contains(parts)) people.append(parts);
+        }
     }
     // Those with most parts first: a short name is that of somebody who has it among others.
     std::ranges::stable_sort(people, std::greater{}, &QStringList::size);
@@ -93,6 +124,7 @@ Redaction::Redaction(const QStringList& names, const QString& label) : m_label(l
         if (same.size() == 1) continue;
         m_names.append(parts.join(u' '));
         add(parts, int(m_names.size()) - 1);
+        if (inverted.contains(parts)) m_written.append({inverted[parts], int(m_names.size()) - 1});
     }
 }
 
@@ -110,7 +142,8 @@ void Redaction::add(const QStringList& parts, int person)
             m_particles.insert(plain);
             continue;
         }
-        if (plain.size() < 2) { // an initial, or the beginning of O'Brien
+        if (personNames::isNobodysName(plain)) continue; // a role beside the name
+        if (plain.size() < 2) {                          // an initial, or the beginning of O'Brien
             m_particles.insert(plain);
             continue;
         }
@@ -119,7 +152,7 @@ void Redaction::add(const QStringList& parts, int person)
             Named& named = m_forms[form];
             if (!named.own) named = {{}, false, true}; // more than what was only related
             named.people.insert(person);
-            named.capital = cased && (plain.size() < leastBeginning || nameForms::isAlsoAWord(form));
+            named.capital = cased && (plain.size() <= shortName || nameForms::isAlsoAWord(form));
         }
         for (const QString& form : nameForms::relatedTo(part)) {
             Named& named = m_forms[form];
@@ -189,8 +222,10 @@ QList<Redaction::Found> Redaction::find(const QString& text) const
         while (first > 0 && (isInitial(first - 1) || isParticle(first - 1)) && joins(gapBefore(first)))
             --first;
         qsizetype end = spans[last].begin + spans[last].size;
+        const qsizetype name = last;
         for (qsizetype next = last + 1; next < spans.size() && isInitial(next) && joins(gapBefore(next));
              ++next) {
+            if (last == name && gapBefore(next).contains(u'.')) break; // the sentence has ended
             end = spans[next].begin + spans[next].size + 1;
             last = next;
         }
@@ -207,14 +242,16 @@ QString Redaction::withoutNames(const QString& text)
     QString result;
     qsizetype at = 0;
     for (const Found& found : find(text)) {
-        if (found.where.begin < at) continue;
+        const qsizetype end = found.where.begin + found.where.size;
+        const qsizetype begin = std::max(found.where.begin, at); // an initial may stand between two names
+        if (begin >= end) continue;
         if (!m_numbers.contains(found.person)) {
             if (m_numbers.isEmpty()) m_first = m_names[found.person];
             m_numbers.insert(found.person, int(m_numbers.size()) + 1);
         }
-        result += QStringView{text}.sliced(at, found.where.begin - at);
+        result += QStringView{text}.sliced(at, begin - at);
         result += m_label + u' ' + QString::number(m_numbers.value(found.person));
-        at = found.where.begin + found.where.size;
+        at = end;
     }
     return result + text.sliced(at);
 }
@@ -229,7 +266,7 @@ QString Redaction::leftIn(const QString& text) const
         if (named(word)) return word.toString();
         if (!isCapital(word)) continue;
         const QString plain = nameForms::plain(word);
-        if (m_forms.contains(plain)) continue;
+        if (m_forms.contains(plain) || nameForms::isAlsoAWord(plain)) continue;
         const bool alike = std::ranges::any_of(m_beginnings, [&](const Beginning& beginning) {
             return plain.startsWith(beginning.letters) && beginning.sizes.contains(plain.size());
         });

@@ -14,7 +14,7 @@ struct Text {
 
 extern const std::array<Text, 211> russian, english;
 
-inline constexpr int ownTextCount = 429;
+inline constexpr int ownTextCount = 430;
 extern const std::array<Text, ownTextCount> russianOwn, englishOwn;
 
 } // namespace murmeli::texts

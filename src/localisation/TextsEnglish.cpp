@@ -668,6 +668,7 @@ const std::array<Text, ownTextCount> englishOwn = {{
     {"sent.broken", u"the connection broke; it may have arrived"},
     {"sent.excerpt", u"An excerpt, copied"},
     {"sent.transcript", u"The transcript, copied"},
+    {"command.no_service", u"The service cannot be seen"},
 }};
 
 } // namespace murmeli::texts

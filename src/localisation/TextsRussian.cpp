@@ -666,6 +666,7 @@ const std::array<Text, ownTextCount> russianOwn = {{
     {"sent.broken", u"связь прервалась, могло дойти"},
     {"sent.excerpt", u"Отрывок — скопирован"},
     {"sent.transcript", u"Расшифровка — скопирована"},
+    {"command.no_service", u"Службы не видно"},
 }};
 
 } // namespace murmeli::texts

@@ -43,6 +43,8 @@ public:
     void passage(Passage passage)
     {
         passage.text = text::oneLine(passage.text).trimmed();
+        passage.speaker = text::oneLine(passage.speaker);
+        passage.stamp = text::oneLine(passage.stamp);
         if (!passage.text.isEmpty()) m_text.passages.append(std::move(passage));
     }
     void person(const QString& name)

@@ -80,6 +80,7 @@ class Commands(unittest.TestCase):
                 (0, "show", STEM), (0, "show", "2026-03-03"), (0, "show", "last"), (0, "show", "лодка"),
                 (1, "show", "ничего"), (6, "show", "план"), (0, "show", "--sent", "--edits", "last"),
                 (0, "search", "лодку"), (1, "search", "самовар"), (0, "search", "--no-update", "лодку"),
+                (0, "search", "лодку", "-самовар"), (1, "search", "лодку", "-красим"),
                 (0, "export", "last"), (0, "export", "last", "-o", str(self.home / "b.pdf")),
                 (4, "export", "last", "-o", str(self.home / "нет" / "b.pdf")), (1, "export", "ничего"),
                 (1, "open", "ничего"), (0, "index"), (0, "index", "--rebuild"), (0, "help"), (0, "help", "list"),
@@ -87,13 +88,14 @@ class Commands(unittest.TestCase):
                 (2, "list", "--limit", "много"), (2, "list", "лишнее"), (2, "show"), (2, "search", "--json"),
                 (2, "list", "--since", "вторник"), (2, "status", "--loud"), (2, "list", "--limit"),
                 (2, "list", "--json=yes"), (2, "list", "--lang", "fr"), (2, "help", "dance"),
-                (2, "export", "last", "--format", "doc"), (2, "export", "last", "--sections", "jokes")):
+                (2, "export", "last", "--format", "doc"), (2, "export", "last", "--sections", "jokes"),
+                (2, "export", "last", "--sections", ",")):
             with self.subTest(arguments=arguments):
                 result = self.run_command(*arguments)
                 self.assertEqual(result.returncode, status, result.stderr)
                 self.assertNotIn("QStandardPaths", result.stderr)
                 if status == 2:
-                    self.assertIn(f"murmeli help {arguments[0]}", result.stderr)
+                    self.assertRegex(result.stderr, rf"^murmeli: .+ — murmeli help {arguments[0]}\n$")
                     self.assertEqual(result.stdout, "")
                 if status in (4, 6):
                     self.assertTrue(result.stderr.startswith("murmeli: "), result.stderr)
@@ -166,6 +168,8 @@ class Commands(unittest.TestCase):
         child = self.start("status", "--watch", "--json")
         first = json.loads(child.stdout.readline())
         self.assertEqual((first["status"], first["class"], first["text"]), ("idle", "idle", "Готов к записи"))
+        (self.notes / "state.json").unlink()
+        self.assertEqual(json.loads(child.stdout.readline())["class"], "missing")
         self.write_state(status="recording", since=1772619300.0)
         self.assertEqual(json.loads(child.stdout.readline())["tooltip"], "Идёт запись\nс 10:15")
         child.send_signal(2)
@@ -227,9 +231,10 @@ class Commands(unittest.TestCase):
         self.check(0, "index")
         self.assertEqual(self.check(0, "complete", "search", "от:А"), "от:Анна\n")
         bash = subprocess.run(["bash", "-c", f'PATH={PROGRAM.parent}:$PATH; . {ROOT}/packaging/completions/murmeli.bash; '
-                               'COMP_WORDS=(murmeli show 2026-03-03); COMP_CWORD=2; _murmeli; echo "${COMPREPLY[@]}"'],
-                              env=self.environment(), timeout=30, capture_output=True, text=True)
-        self.assertEqual(bash.stdout, OTHER.replace(" ", "\\ ") + "\n")
+                               'COMP_WORDS=(murmeli show 2026-03-03); COMP_CWORD=2; _murmeli; echo "${COMPREPLY[@]}";'
+                               'COMP_WORDS=(murmeli search от : А); COMP_CWORD=4; _murmeli; echo "${COMPREPLY[@]}"'],
+                              env=self.environment(LANG="C.UTF-8"), timeout=30, capture_output=True, text=True)
+        self.assertEqual(bash.stdout, OTHER.replace(" ", "\\ ") + "\nАнна\n")
 
 
 if __name__ == "__main__":

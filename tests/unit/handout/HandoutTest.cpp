@@ -124,7 +124,7 @@ private slots:
         desk.setHideNumbers(true);
         desk.choose(int(HandoutPart::Quotes), true);
         QTRY_VERIFY(desk.isReady() && desk.hidden() == 2);
-        QCOMPARE(desk.example(), u"Анна → Участник 1"_s);
+        QCOMPARE(desk.example(), u"Анна Ковалёва → Участник 1"_s);
 
         desk.handOut(HandoutModel::Way::Clipboard, nullptr);
         QTRY_VERIFY(!desk.message().isEmpty() && desk.isReady());
@@ -192,12 +192,12 @@ private slots:
     {
         HandoutModel& desk = m->desk();
         // A slip that no form of the name explains.
-        m->writeMeeting(u"Решили с Анндй"_s);
+        m->writeMeeting(u"Решили с Ковалёвгю"_s);
         desk.load(m->meeting());
         desk.setHideNames(true);
         QTRY_VERIFY(desk.isReady() && desk.hidden() > 0);
         desk.handOut(HandoutModel::Way::Clipboard, nullptr);
-        QTRY_COMPARE(desk.message(), Message::of("desk.left_over", u"Анндй"_s));
+        QTRY_COMPARE(desk.message(), Message::of("desk.left_over", u"Ковалёвгю"_s));
         QVERIFY(desk.hasFailed() && m->desktop.copiedText.isEmpty());
         desk.setHideNames(false);
         for (const auto& [name, reason] :
@@ -230,7 +230,7 @@ private:
         void writeMeeting(const QString& decision) const
         {
             const QString summary =
-                uR"({"title":"План для Анны","tldr":"Коротко.","participants":["Анна"],"decisions":["%1"],
+                uR"({"title":"План для Анны","tldr":"Коротко.","participants":["Анна Ковалёва"],"decisions":["%1"],
                 "action_items":[{"task":"отдать Анне 500 рублей","owner":"Пётр","due":"среда"}],
                 "_meta":{"duration_min":30,"protocol_md":"%2"}})"_s.arg(decision,
                                                                         paths.vaultDir + u"/a.md"_s);

@@ -38,8 +38,9 @@ private slots:
 
     void people()
     {
-        const QStringList names{u"Анна Ковалёва"_s, u"Лев"_s,  u"Ли"_s,         u"Саша"_s,
-                                u"Speaker 2"_s,     u"王伟"_s, u"Надежда К."_s, u"Пётр (бухгалтер)"_s};
+        const QStringList names{u"Анна Ковалёва"_s, u"Лев"_s,          u"Ли"_s,         u"Саша"_s,
+                                u"Speaker 2"_s,     u"王伟"_s,         u"Надежда К."_s, u"Пётр (бухгалтер)"_s,
+                                u"Орлов, Иван"_s,   u"Менеджер Зоя"_s, u"Speaker A"_s};
         const Cases<QString, QString> cases{
             {"one number for one person", u"Анне и Ковалёвой; Льва нет"_s, u"У 1 и У 1; У 2 нет"_s},
             {"initials", u"А. С. Ковалёва, Ковалёву А.С. и так далее"_s, u"У 1, У 1 и так далее"_s},
@@ -49,6 +50,9 @@ private slots:
             {"short and theirs", u"Саш, Александру и Сашин отчёт"_s, u"У 1, У 1 и У 1 отчёт"_s},
             {"nobody", u"Speaker 2: бухгалтеру"_s, u"Speaker 2: бухгалтеру"_s},
             {"no spaces", u"王伟说"_s, u"У 1说"_s},
+            {"the family name first", u"Орлов, Иван: Ивану Орлову"_s, u"У 1: У 1"_s},
+            {"a role and a name", u"Менеджеру Зое, менеджеру"_s, u"Менеджеру У 1, менеджеру"_s},
+            {"an initial between two", u"Ответит Лев. И. Орлов согласен"_s, u"Ответит У 1. У 2 согласен"_s},
             {"in other words", u"Анналы, левый, левая, полёт, петля"_s,
              u"Анналы, левый, левая, полёт, петля"_s},
         };
@@ -58,7 +62,8 @@ private slots:
             QCOMPARE(redaction.withoutNames(text), expected);
             QCOMPARE(redaction.leftIn(expected), QString{});
         }
-        const Redaction redaction{names, u"У"_s};
+        const Redaction redaction{names + QStringList{u"Надя"_s, u"Вера"_s, u"Tim"_s}, u"У"_s};
+        QCOMPARE(redaction.leftIn(u"Надо. Верно! Time?"_s), QString{}); // begin like the names
         QCOMPARE(redaction.leftIn(u"о Ковалёвой"_s), u"Ковалёвой"_s);
         QCOMPARE(redaction.leftIn(u"с Ковалёвгю"_s), u"Ковалёвгю"_s); // a slip that begins like the name
     }
