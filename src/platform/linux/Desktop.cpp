@@ -96,7 +96,8 @@ void LinuxDesktop::reveal(const QString& path, const QString&)
 
 void LinuxDesktop::mail(const Letter& letter)
 {
-    QStringList arguments{u"--utf8"_s};
+    QStringList arguments;
+    if (!letter.subject.isEmpty() || !letter.text.isEmpty()) arguments.append(u"--utf8"_s);
     if (!letter.subject.isEmpty()) arguments += {u"--subject"_s, letter.subject};
     if (!letter.text.isEmpty()) arguments += {u"--body"_s, letter.text};
     if (!letter.file.isEmpty()) arguments += {u"--attach"_s, letter.file};
