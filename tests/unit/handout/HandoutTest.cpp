@@ -166,6 +166,39 @@ private slots:
                 file.parts.contains(u"numbers"_s));
     }
 
+    // names.txt has a name a line and behind it the forms that texts have it in.
+    void noFormIsLeftInAnyOutput()
+    {
+        QFile file{QStringLiteral(MURMELI_TEST_DATA "/names.txt")};
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        HandoutSource source{.meeting = m->meetingOfNoFile(), .text = {}, .quotes = {}};
+        for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)) {
+            const QString name = line.section(u'\t', 0, 0).trimmed();
+            source.text.people.append(name);
+            for (const QString& form : QStringList{name} + line.section(u'\t', 1).split(u" | "_s))
+                source.text.passages.append(
+                    {.kind = Passage::Kind::Decision, .text = form.trimmed(), .speaker = {}, .stamp = {}});
+        }
+        source.meeting.title = source.text.people.join(u", "_s);
+        const Handout handout = Handout::of(
+            source, {.parts = HandoutPart::Decisions, .hideNames = true, .hideNumbers = false}, u"ru"_s);
+        QTextDocument html;
+        html.setHtml(handoutText::html(handout));
+        QTextDocument markdown;
+        markdown.setMarkdown(handoutText::markdown(handout));
+        const QByteArray pdf = HandoutPages{handout}.pdf();
+        for (const QString& output :
+             {handoutText::plain(handout), html.toPlainText(), markdown.toPlainText(),
+              told(u"pdftotext"_s, pdf, {u"-"_s}),
+              told(u"pdfinfo"_s, pdf).section(u'\n', 0, 0).section(u':', 1), handout.fileName(u"pdf"_s)}) {
+            QString left = output;
+            left.remove(QRegularExpression{u"Участник(\\s+\\d+)?(['’]s?)?"_s})
+                .remove(handout.dateLine)
+                .remove(QRegularExpression{u"Решения|РЕШЕНИЯ|Murmeli|pdf|[-\\s\\d•,./·]"_s});
+            QVERIFY2(left.size() < 10, qPrintable(left.left(300)));
+        }
+    }
+
     void theTranscriptIsAskedFor()
     {
         HandoutModel& desk = m->desk();
@@ -237,6 +270,10 @@ private:
             write(paths.logs + u'/' + id + u".protocol.json"_s, summary.toUtf8());
         }
         [[nodiscard]] const Meeting& meeting() { return *main->store()->list()->find(id); }
+        [[nodiscard]] static Meeting meetingOfNoFile()
+        {
+            return {.id = id, .startedAt = {{2026, 3, 4}, {10, 15}}, .jsonPath = u"/nowhere"_s};
+        }
         HandoutModel& desk()
         {
             main = std::make_unique<MainModel>(mainGround());
